@@ -1,0 +1,45 @@
+# One static library per layer. A layer sees the headers of what it links and of nothing else: each library
+# publishes only a folder of links to itself, so that an include that draws a wrong arrow finds no file.
+
+add_library(brightlock_options INTERFACE)
+target_compile_options(brightlock_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+    -Wno-sign-conversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+if(BRITLOCK_SANITIZE)
+    target_compile_options(brightlock_options INTERFACE -fsanitize=address,undefined
+        -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(brightlock_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+# brightlock_layer(engine FOLDER engine SOURCES a.cpp b.cpp LINK platform toolkit PRIVATE_LINK Qt6::Widgets)
+#
+# The library's headers are included as "<folder>/<header>", e.g. "regf/hive.h".
+function(brightlock_layer name)
+    cmake_parse_arguments(L "" "FOLDER" "SOURCES;LINK;PRIVATE_LINK" ${ARGN})
+    if(NOT L_FOLDER)
+        set(L_FOLDER ${name})
+    endif()
+    set(view ${CMAKE_BINARY_DIR}/include/${name})
+    get_filename_component(parent ${view}/${L_FOLDER} DIRECTORY)
+    file(MAKE_DIRECTORY ${parent})
+    file(CREATE_LINK ${PROJECT_SOURCE_DIR}/src/${L_FOLDER} ${view}/${L_FOLDER} SYMBOLIC)
+    if(L_SOURCES)
+        add_library(${name} STATIC ${L_SOURCES})
+        target_include_directories(${name} PUBLIC ${view})
+        target_link_libraries(${name} PUBLIC ${L_LINK} PRIVATE ${L_PRIVATE_LINK} brightlock_options)
+    else()
+        add_library(${name} INTERFACE)
+        target_include_directories(${name} INTERFACE ${view})
+        target_link_libraries(${name} INTERFACE ${L_LINK})
+    endif()
+endfunction()
+
+# brightlock_test(regf_test SOURCES a.cpp LINK regf): one test program; each of its cases is a test of CTest.
+function(brightlock_test name)
+    cmake_parse_arguments(T "" "" "SOURCES;LINK" ${ARGN})
+    add_executable(${name} ${T_SOURCES})
+    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+    target_link_libraries(${name} PRIVATE ${T_LINK} GTest::gmock GTest::gtest_main brightlock_options)
+    target_compile_definitions(${name} PRIVATE
+        SAMPLE_HIVES="${PROJECT_SOURCE_DIR}/../shared/hives" PROGRAM_FOLDER="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+    gtest_discover_tests(${name} PROPERTIES TIMEOUT 600 DISCOVERY_TIMEOUT 60)
+endfunction()
