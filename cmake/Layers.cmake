@@ -1,5 +1,5 @@
 # One static library per layer. A layer sees the headers of what it links and of nothing else: each library
-# publishes only a folder of links to itself, so that an include that draws a wrong arrow finds no file.
+# publishes only a folder of links to its own headers, so that an include that draws a wrong arrow finds no file.
 
 add_library(brightlock_options INTERFACE)
 target_compile_options(brightlock_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
@@ -18,10 +18,13 @@ function(brightlock_layer name)
     if(NOT L_FOLDER)
         set(L_FOLDER ${name})
     endif()
-    set(view ${CMAKE_BINARY_DIR}/include/${name})
-    get_filename_component(parent ${view}/${L_FOLDER} DIRECTORY)
-    file(MAKE_DIRECTORY ${parent})
-    file(CREATE_LINK ${PROJECT_SOURCE_DIR}/src/${L_FOLDER} ${view}/${L_FOLDER} SYMBOLIC)
+    set(view ${CMAKE_BINARY_DIR}/layers/${name})
+    file(MAKE_DIRECTORY ${view}/${L_FOLDER})
+    file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}/src/${L_FOLDER}
+        ${PROJECT_SOURCE_DIR}/src/${L_FOLDER}/*.h)
+    foreach(header ${headers})  # the folder's own, not those of the folders in it: they are other layers
+        file(CREATE_LINK ${PROJECT_SOURCE_DIR}/src/${L_FOLDER}/${header} ${view}/${L_FOLDER}/${header} SYMBOLIC)
+    endforeach()
     if(L_SOURCES)
         add_library(${name} STATIC ${L_SOURCES})
         target_include_directories(${name} PUBLIC ${view})

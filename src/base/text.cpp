@@ -36,7 +36,8 @@ char16_t to_utf16(char byte) {
 }
 
 std::optional<char> from_utf16(char16_t unit) {
-    if (unit < 0x80 || (unit >= 0xA0 && unit <= 0xFF)) return static_cast<char>(static_cast<unsigned char>(unit));
+    if (unit < 0x80 || (unit >= 0xA0 && unit <= 0xFF))
+        return static_cast<char>(static_cast<unsigned char>(unit));
     const auto* at = std::find(std::begin(detail::high_half), std::end(detail::high_half), unit);
     if (at == std::end(detail::high_half)) return std::nullopt;
     return static_cast<char>(static_cast<unsigned char>(0x80 + (at - std::begin(detail::high_half))));
@@ -45,7 +46,8 @@ std::optional<char> from_utf16(char16_t unit) {
 std::u16string to_utf16(std::string_view ansi) {
     std::u16string out;
     out.reserve(ansi.size());
-    for (char c : ansi) out.push_back(to_utf16(c));
+    for (char c : ansi)
+        out.push_back(to_utf16(c));
     return out;
 }
 
@@ -140,18 +142,21 @@ char upper(char byte) {
 
 std::string lower(std::string_view ansi) {
     std::string out(ansi);
-    for (char& c : out) c = lower(c);
+    for (char& c : out)
+        c = lower(c);
     return out;
 }
 
 std::string upper(std::string_view ansi) {
     std::string out(ansi);
-    for (char& c : out) c = upper(c);
+    for (char& c : out)
+        c = upper(c);
     return out;
 }
 
 bool equal_ignoring_case(std::string_view a, std::string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return lower(x) == lower(y); });
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](char x, char y) { return lower(x) == lower(y); });
 }
 
 bool less_ignoring_case(std::string_view a, std::string_view b) {

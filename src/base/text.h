@@ -26,7 +26,8 @@ std::optional<std::string> from_utf8(std::string_view utf8);
 /// None for malformed UTF-8.
 std::optional<std::u16string> utf16_from_utf8(std::string_view utf8);
 
-/// Upper and lower case by the code page, umlauts included. Sharp s has no partner; y with diaeresis has one (9F).
+/// Upper and lower case by the code page, umlauts included. Sharp s has no partner; y with diaeresis has one
+/// (9F).
 char lower(char byte);
 char upper(char byte);
 std::string lower(std::string_view ansi);
@@ -55,7 +56,8 @@ template <size_t N>
 struct AnsiLiteral {
     char bytes[N]{};
     consteval AnsiLiteral(const char32_t (&source)[N]) {
-        for (size_t i = 0; i < N; ++i) bytes[i] = ansi_of(source[i]);
+        for (size_t i = 0; i < N; ++i)
+            bytes[i] = ansi_of(source[i]);
     }
 };
 }  // namespace detail

@@ -10,11 +10,12 @@
 
 #include "regf/error.h"
 
-/// Registry hive files ("regf"). A hive is held in memory as the image of its file and edited in place; nothing
-/// here touches a disk (see file.h). Whatever the bytes say, no read leaves the image and no loop fails to end.
+/// Registry hive files ("regf"). A hive is held in memory as the image of its file and edited in place;
+/// nothing here touches a disk (see file.h). Whatever the bytes say, no read leaves the image and no loop
+/// fails to end.
 ///
-/// Names are UTF-16 code units, counted, with any content (NUL, lone surrogates); they compare without case, unit by
-/// unit. Time stamps are FILETIMEs: steps of 100 ns since 1601-01-01 UTC.
+/// Names are UTF-16 code units, counted, with any content (NUL, lone surrogates); they compare without case,
+/// unit by unit. Time stamps are FILETIMEs: steps of 100 ns since 1601-01-01 UTC.
 namespace regf {
 
 using Bytes = std::vector<uint8_t>;
@@ -73,12 +74,14 @@ struct Finding {
     std::string text;
 };
 
-/// Everything that Windows checks when it loads a hive, and what keeps a hive healthy. At most `limit` findings.
+/// Everything that Windows checks when it loads a hive, and what keeps a hive healthy. At most `limit`
+/// findings.
 std::vector<Finding> validate(ByteView image, size_t limit = 100);
 
 class Hive {
   public:
-    /// Takes the bytes of a hive file. A dirty hive is recovered from its logs (then recovered() is true) or refused
+    /// Takes the bytes of a hive file. A dirty hive is recovered from its logs (then recovered() is true) or
+    /// refused
     /// (`dirty`). A hive with errors that can still be read opens read-only: read_only_reason() tells.
     static Result<Hive> open(Bytes image, const std::vector<Log>& logs = {});
 
@@ -88,7 +91,8 @@ class Hive {
         std::u16string file_name;  ///< for the base block, its last 31 characters
         FileTime now = 0;
     };
-    /// A hive with a root key and nothing else; owner Administrators, full control for them and for the system.
+    /// A hive with a root key and nothing else; owner Administrators, full control for them and for the
+    /// system.
     static Hive create(const NewHive& what);
 
     Hive(Hive&&) noexcept;
@@ -103,7 +107,8 @@ class Hive {
     Key root() const;
     /// One level down.
     std::optional<Key> find_subkey(Key parent, std::u16string_view name) const;
-    /// `path` from the root, parts joined by backslashes; empty parts are passed over (a doubled or a closing one).
+    /// `path` from the root, parts joined by backslashes; empty parts are passed over (a doubled or a closing
+    /// one).
     std::optional<Key> find(std::u16string_view path) const;
     /// In the order of the file, which is ascending in a healthy hive. A list that cannot be read ends there.
     std::vector<Key> subkeys(Key key) const;
@@ -125,8 +130,8 @@ class Hive {
     std::vector<NamedValue> values(Key key) const;
     std::optional<Value> value(Key key, std::u16string_view name) const;
 
-    /// Every edit first checks everything it will touch: a failure leaves the hive as it was. What is already so
-    /// changes nothing, not even a time stamp. All refuse with `unsupported` on a read-only hive.
+    /// Every edit first checks everything it will touch: a failure leaves the hive as it was. What is already
+    /// so changes nothing, not even a time stamp. All refuse with `unsupported` on a read-only hive.
 
     /// Finds or makes one subkey; it shares the security descriptor of a sibling or else of its parent.
     Result<Key> create_subkey(Key parent, std::u16string_view name, FileTime now);
@@ -143,9 +148,10 @@ class Hive {
     /// What was done since the hive was opened, in order; no-ops are not among it.
     const std::vector<Change>& changes() const;
 
-    /// The image to be written: sequence numbers raised, time stamps and checksum set, then parsed and validated afresh
-    /// and compared with the image as it was opened: the two differ in what `changes()` asked for and in nothing else.
-    /// `damaged` if that does not hold (our own fault; nothing may be written then).
+    /// The image to be written: sequence numbers raised, time stamps and checksum set, then parsed and
+    /// validated afresh and compared with the image as it was opened: the two differ in what `changes()`
+    /// asked for and in nothing else. `damaged` if that does not hold (our own fault; nothing may be written
+    /// then).
     Result<Bytes> sealed_image(FileTime now) const;
 
   private:
