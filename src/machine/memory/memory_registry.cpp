@@ -15,10 +15,11 @@ constexpr size_t longest_name = 255;
 
 void dump_below(const MemoryKey& key, const std::string& path, std::string& out) {
     for (const auto& [name, value] : key.values)
-        out += path + " : " + name + " = " + describe(value) + "\n";
+        out.append(path).append(" : ").append(name).append(" = ").append(describe(value)).append("\n");
     for (const auto& [name, subkey] : key.subkeys) {
-        const std::string below = path.empty() ? name : path + "\\" + name;
-        out += below + "\n";
+        std::string below = path;
+        below.append(path.empty() ? "" : "\\").append(name);
+        out.append(below).append("\n");
         dump_below(*subkey, below, out);
     }
 }
