@@ -17,11 +17,12 @@ MemorySystem::MemorySystem(const Version& version) : windows(version) {
 
 std::string MemoryProcesses::find_program(const std::string& program) const {
     const size_t name_at = program.find_last_of("\\/") + 1;
-    const std::string name = program.find('.', name_at) == std::string::npos ? program + ".exe" : program;
-    if (files_.exists(name)) return name;
-    for (const std::string& folder :
-         {system_.program_folder, system_.system_folder, system_.windows_folder}) {
-        if (files_.exists(folder + "\\" + name)) return folder + "\\" + name;
+    const std::string ending = program.find('.', name_at) == std::string::npos ? ".exe" : "";
+    for (const std::string& folder : {std::string(), system_.program_folder + "\\",
+                                      system_.system_folder + "\\", system_.windows_folder + "\\"}) {
+        std::string path = folder;
+        path.append(program).append(ending);
+        if (files_.exists(path)) return path;
     }
     return "";
 }
