@@ -27,6 +27,7 @@ constexpr Known known_errors[] = {
     {71, "Disk not ready"},
     {75, "Path/File access error"},
     {76, "Path not found"},
+    {93, "Invalid pattern string"},
     {380, "Invalid property value"},
     {481, "Invalid picture"},
     {482, "Printer error"},

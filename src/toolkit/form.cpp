@@ -26,7 +26,7 @@ void Form::set_mouse_pointer(MousePointer pointer) {
     refresh();
 }
 
-void Form::lay_out(std::initializer_list<Place> places) {
+void Form::lay_out(const std::vector<Place>& places) {
     std::vector<Control*> order;
     for (const Place& p : places) {
         p.control.set_parent(p.parent, p.control.page());

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -47,7 +46,7 @@ class Form {
         Control* parent;  ///< null: the form
         Rect rect;
     };
-    void lay_out(std::initializer_list<Place> places);
+    void lay_out(const std::vector<Place>& places);
 
     /// In tab order; controls without a place come last.
     const std::vector<Control*>& controls() const { return controls_; }

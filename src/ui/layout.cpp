@@ -1,0 +1,110 @@
+#include "ui/main.h"
+
+namespace britlock {
+
+namespace {
+
+constexpr toolkit::Rect page_place{180, 480, 6600, 4400};
+
+// Inside a page. The information panel covers what lies right of 4255.
+constexpr int left = 180;
+constexpr int width = 4050;
+constexpr int line = 255;
+constexpr int field = 315;
+constexpr int first_row = 390;
+constexpr int row_step = 390;
+constexpr int button_height = 375;
+
+}  // namespace
+
+/// In tab order; what comes later lies above.
+void main::place_controls() {
+    std::vector<Place> places;
+    auto put = [&](toolkit::Control& control, toolkit::Control* parent, toolkit::Rect rect) {
+        places.push_back({control, parent, rect});
+    };
+    int pages = 0;
+    auto page = [&](toolkit::Frame& frame, std::initializer_list<toolkit::CheckBox*> boxes = {}) {
+        frame.set_parent(&tab, pages++);
+        put(frame, &tab, page_place);
+        int number = 0;
+        for (toolkit::CheckBox* box : boxes)
+            put(*box, &frame, {left, first_row + row_step * number++, width, line});
+    };
+    auto pair_of_buttons = [&](toolkit::Button& first, toolkit::Button& second, toolkit::Frame& frame) {
+        put(first, &frame, {left, 3870, 1260, button_height});
+        put(second, &frame, {left + 1380, 3870, 1260, button_height});
+    };
+
+    put(SSListBar1, nullptr, {0, 0, 1872, 5835});
+    put(tab, nullptr, {1815, 120, 6930, 5715});
+
+    page(f1, {&c11, &c12, &c13, &c14, &c15, &c16, &c17, &c18, &c19, &c110});
+
+    page(f2);
+    put(l21, &f2, {left, 330, width, 480});
+    put(lv1, &f2, {left, 840, width, 2880});
+    pair_of_buttons(cmd21, cmd22, f2);
+
+    page(f3);
+    int top = 330;
+    for (toolkit::CheckBox* box : {&c31, &c32, &c33, &c34, &c35, &c36, &c38}) {
+        put(*box, &f3, {left, top, width, line});
+        top += 330;
+    }
+    put(c37, &f3, {left, 2730, 2640, line});
+    put(t31, &f3, {left + 255, 3015, 2010, field});
+    put(cm31, &f3, {left + 2310, 3015, 360, field});
+    put(c39, &f3, {left, 3480, 2640, line});
+    put(t32, &f3, {left + 255, 3765, 2010, field});
+    put(cm32, &f3, {left + 2310, 3765, 360, field});
+    put(pic31, &f3, {left + 2790, 2730, 1260, 1350});
+
+    page(f4);
+    put(c41, &f4, {left, 330, width, line});
+    put(List1, &f4, {left, 690, 2520, 3240});
+    top = 690;
+    for (toolkit::Button* button : {&cm41, &cm42, &cm43, &cm44, &cm45}) {
+        put(*button, &f4, {2820, top, 1410, button_height});
+        top += 465;
+    }
+    put(gesamtfiles, &f4, {left, 4020, 2520, line});
+
+    page(f5);
+    put(l51, &f5, {left, 330, width, 690});
+    for (int k = 0; k < 26; ++k) {  // five columns, read along the lines
+        put(drive_boxes[k], &f5, {left + k % 5 * 810, 1110 + k / 5 * 420, 750, line});
+    }
+    pair_of_buttons(cm51, cm52, f5);
+
+    page(f6, {&c65, &c66, &c67, &c68, &c69, &c610, &c98, &c99});
+    page(f7, {&c21, &c22, &c23, &c24, &c25, &c26, &c27, &c28, &c29, &c210});
+    page(f8, {&c61, &c62, &c63, &c64, &c90, &c91, &c93, &c94, &c95, &c96});
+
+    page(f9);
+    put(l83, &f9, {left, 330, width, line});
+    put(syslist, &f9, {left, 600, width, 2070});
+    put(l81, &f9, {left, 2865, 1980, line});
+    put(t81, &f9, {left + 1980, 2820, 2070, field});
+    put(l82, &f9, {left, 3255, 1980, line});
+    put(t82, &f9, {left + 1980, 3210, 2070, field});
+    put(l810, &f9, {left, 3660, width, line});
+    put(t810, &f9, {left, 3915, width, field});
+
+    put(f0, nullptr, {6250, 600, 2345, 4400});
+    put(Image1, &f0, {180, 330, 600, 600});
+    put(l01, &f0, {180, 1080, 2040, 360});
+    put(l02, &f0, {180, 1500, 2040, 1260});
+    put(L_gen, &f0, {180, 2910, 2040, line});
+    put(Label1, &f0, {180, 3210, 2040, 990});
+    l01.set_font_size(12);
+
+    put(Combo_user, nullptr, {2040, 5250, 2370, field});
+    put(cmd_set, nullptr, {4590, 5220, 1260, button_height});
+    put(cm01, nullptr, {5970, 5220, 1260, button_height});
+    put(cm02, nullptr, {7350, 5220, 1260, button_height});
+    put(StatusBar, nullptr, {0, 5835, 8730, 285});
+    lay_out(places);
+}
+
+}  // namespace britlock

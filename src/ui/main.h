@@ -1,0 +1,229 @@
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "engine/applets.h"
+#include "engine/catalogue.h"
+#include "startup/program.h"
+#include "toolkit/form.h"
+#include "users/user_directory.h"
+
+namespace britlock {
+
+/// The main window. The state of its controls is the state of the program: nothing else is kept between
+/// reading a user's registry and writing it. Its procedures stand in the folders of what they do: the engine,
+/// the users, the navigation.
+struct main : toolkit::Form {
+  private:
+    Program& program_;  // first: controls below take their folders from it
+
+  public:
+    explicit main(Program& program);
+
+    void Form_Load();
+    void close_by_frame() override;
+
+    // --- ui: navigation
+    void menu1();
+    void status_init();
+    void homepage();
+    void StatusBar_MouseDown(toolkit::MouseButton button, int x);
+    void Timer1_Timer();
+    void go_to_page(int page);  ///< from 1
+    void tab_Click();
+    void SSListBar1_Click(int item);
+    void cm01_Click();
+    void cm02_Click();
+    void mm23_Click();
+    void open_help();
+
+    // --- ui: texts
+    void localize();
+    void localize_german();
+    void localize_us();
+
+    // --- users
+    enum HiveMode { hive_save = 1, hive_load = 2 };
+    void hive(int mode);
+    void make_regpaths(Root root, const std::string& rootuser);
+    void fill_Combo_user();
+    bool checkbritol();  ///< an older product is installed
+    void Combo_user_GotFocus();
+
+    // --- engine: the catalogue, reading, writing
+    void Get_CR();
+    void REG_Load32();
+    void REG_Save32();
+    void settings_get();
+
+    // --- engine: allowed programs
+    void c41_Click();
+    void cm41_Click();
+    void cm42_Click();
+    void cm43_Click();
+    void cm44_Click();
+    void cm45_Click();
+
+    // --- engine: drives, applets
+    void get_drives();
+    void settings_get_drives();
+    void cm51_Click();
+    void cm52_Click();
+    void CPL_All();
+    void cmd21_Click();
+    void cmd22_Click();
+
+    // --- engine: desktop
+    void cm31_Click();
+
+    // --- engine: bulk marking
+    void mm21_Click();
+    void mm22_Click();
+    void mm24_Click();
+
+    // --- the state of the form beside its controls
+    static constexpr int last_index = 610;
+    std::array<std::string, last_index + 1> reg_value_name;  ///< by the number in a control's name
+    std::array<std::string, last_index + 1> reg_key_path;    ///< relative to root and prefix of the user
+    Table<40> cpl_file;                                      ///< from 1: what is written to the system
+    Table<40> cpl_label;                                     ///< from 1: what the list shows
+    int cpl_count = 0;
+    std::array<std::string, 11> page_name;  ///< from 1
+    std::array<std::string, 10> page_help_text;
+    toolkit::FileDialog dialog;  ///< the one file dialog; cleared before each show
+
+    // --- the frame of the window
+    toolkit::ListBar SSListBar1{*this, "SSListBar1"};
+    toolkit::TabContainer tab{*this, "tab"};
+    toolkit::Frame f0{*this, "f0"};
+    toolkit::Label l01{*this, "l01"}, l02{*this, "l02"}, L_gen{*this, "L_gen"}, Label1{*this, "Label1"};
+    toolkit::PictureBox Image1{*this, "Image1"};
+    toolkit::ComboBox Combo_user{*this, "Combo_user"};
+    toolkit::Button cmd_set{*this, "cmd_set"}, cm01{*this, "cm01"}, cm02{*this, "cm02"};
+    toolkit::StatusBar StatusBar{*this, "StatusBar"};
+    toolkit::Timer Timer1{*this, "Timer1"};
+    toolkit::TextBox txttooltip{*this, "txttooltip"};
+
+    // --- page 1: start menu
+    toolkit::Frame f1{*this, "f1"};
+    toolkit::CheckBox c11{*this, "c11"}, c12{*this, "c12"}, c13{*this, "c13"}, c14{*this, "c14"},
+        c15{*this, "c15"}, c16{*this, "c16"}, c17{*this, "c17"}, c18{*this, "c18"}, c19{*this, "c19"},
+        c110{*this, "c110"};
+
+    // --- page 2: control panel
+    toolkit::Frame f2{*this, "f2"};
+    toolkit::Label l21{*this, "l21"};
+    toolkit::ListView lv1{*this, "lv1"};
+    toolkit::Button cmd21{*this, "cmd21"}, cmd22{*this, "cmd22"};
+
+    // --- page 3: desktop
+    toolkit::Frame f3{*this, "f3"};
+    toolkit::CheckBox c31{*this, "c31"}, c32{*this, "c32"}, c33{*this, "c33"}, c34{*this, "c34"},
+        c35{*this, "c35"}, c36{*this, "c36"}, c37{*this, "c37"}, c38{*this, "c38"}, c39{*this, "c39"};
+    toolkit::TextBox t31{*this, "t31"}, t32{*this, "t32"};
+    toolkit::Button cm31{*this, "cm31"}, cm32{*this, "cm32"};
+    toolkit::PictureBox pic31{*this, "pic31"};
+
+    // --- page 4: allowed programs
+    toolkit::Frame f4{*this, "f4"};
+    toolkit::CheckBox c41{*this, "c41"};
+    toolkit::ListBox List1{*this, "List1"};
+    toolkit::Button cm41{*this, "cm41"}, cm42{*this, "cm42"}, cm43{*this, "cm43"}, cm44{*this, "cm44"},
+        cm45{*this, "cm45"};
+    toolkit::Label gesamtfiles{*this, "gesamtfiles"};
+    toolkit::ListBox list0{*this, "list0"};
+    toolkit::FileListBox File1{*this, "File1", program_.folders};
+    toolkit::DirListBox Dir1{*this, "Dir1", program_.folders};
+
+    // --- page 5: drives
+    toolkit::Frame f5{*this, "f5"};
+    toolkit::Label l51{*this, "l51"};
+    toolkit::Button cm51{*this, "cm51"}, cm52{*this, "cm52"};
+    /// `d_a` to `d_z`.
+    std::array<toolkit::CheckBox, 26> drive_boxes;
+
+    // --- page 6: network and printers
+    toolkit::Frame f6{*this, "f6"};
+    toolkit::CheckBox c65{*this, "c65"}, c66{*this, "c66"}, c67{*this, "c67"}, c68{*this, "c68"},
+        c69{*this, "c69"}, c610{*this, "c610"}, c98{*this, "c98"}, c99{*this, "c99"};
+
+    // --- page 7: Internet Explorer
+    toolkit::Frame f7{*this, "f7"};
+    toolkit::CheckBox c21{*this, "c21"}, c22{*this, "c22"}, c23{*this, "c23"}, c24{*this, "c24"},
+        c25{*this, "c25"}, c26{*this, "c26"}, c27{*this, "c27"}, c28{*this, "c28"}, c29{*this, "c29"},
+        c210{*this, "c210"};
+
+    // --- page 8: miscellaneous
+    toolkit::Frame f8{*this, "f8"};
+    toolkit::CheckBox c61{*this, "c61"}, c62{*this, "c62"}, c63{*this, "c63"}, c64{*this, "c64"},
+        c90{*this, "c90"}, c91{*this, "c91"}, c93{*this, "c93"}, c94{*this, "c94"}, c95{*this, "c95"},
+        c96{*this, "c96"};
+
+    // --- page 9: settings
+    toolkit::Frame f9{*this, "f9"};
+    toolkit::Label l83{*this, "l83"}, l81{*this, "l81"}, l82{*this, "l82"}, l810{*this, "l810"};
+    toolkit::ListBox syslist{*this, "syslist"};
+    toolkit::TextBox t81{*this, "t81"}, t82{*this, "t82"}, t810{*this, "t810"};
+
+    // --- menus
+    toolkit::MenuItem mm1{*this, "mm1"}, mm11{mm1, "mm11"}, mm12{mm1, "mm12"}, mm13{mm1, "mm13"},
+        m1x1{mm1, "m1x1"}, mm132{mm1, "mm132"}, mm1x2{mm1, "mm1x2"}, mm14{mm1, "mm14"}, mm15{mm1, "mm15"},
+        m1x9{mm1, "m1x9"}, mm16{mm1, "mm16"};
+    toolkit::MenuItem mm2{*this, "mm2"}, mm21{mm2, "mm21"}, mm22{mm2, "mm22"}, m2X1{mm2, "m2X1"},
+        mm23{mm2, "mm23"}, mm2X2{mm2, "mm2X2"}, mm24{mm2, "mm24"};
+    toolkit::MenuItem mm3{*this, "mm3"}, mm31{mm3, "mm31"}, mm32{mm3, "mm32"}, mm33{mm3, "mm33"},
+        mm34{mm3, "mm34"}, mm35{mm3, "mm35"}, mm36{mm3, "mm36"}, mm37{mm3, "mm37"}, mm38{mm3, "mm38"},
+        mm39{mm3, "mm39"};
+    toolkit::MenuItem mm4{*this, "mm4"}, mm41{mm4, "mm41"}, mm42{mm4, "mm42"};
+    toolkit::MenuItem mm5{*this, "mm5"}, mm51{mm5, "mm51"}, mm52{mm5, "mm52"}, mmx51{mm5, "mmx51"},
+        mm53{mm5, "mm53"}, mm5X1{mm5, "mm5X1"}, mm54{mm5, "mm54"}, mm55{mm5, "mm55"}, mm5x2{mm5, "mm5x2"},
+        mm57{mm5, "mm57"};
+
+  private:
+    /// Where a user's values lie.
+    struct Target {
+        Root root;
+        std::string prefix;  ///< put before every key path
+    };
+    Target target_of_reading();
+    Target target_of_writing();
+    bool with_mounted_hive(int mode);
+
+    // Pieces of REG_Load32.
+    void read_rows(const Target& from, std::span<const int> rows);
+    void read_applets(const Target& from);
+    void read_wallpaper(const Target& from);
+    void read_allowed_programs(const Target& from);
+    void read_drives(Root root, const std::string& key);
+    void read_boot_options();
+    void make_boot_file_writable();
+    void read_boot_file();
+
+    // Pieces of REG_Save32.
+    void clear_rows(const Target& to);
+    void reset_command_line(const Target& to);
+    void write_rows(const Target& to, std::span<const int> rows);
+    void write_applets(const Target& to);
+    void write_desktop(const Target& to);
+    void write_allowed_programs(const Target& to);
+    void write_drives(const Target& to);
+    void write_boot_options();
+    void write_own_values(const Target& to);
+    void write_command_line(const Target& to);
+
+    toolkit::CheckBox& box_of(int index);
+    void load_picture(const std::string& path);
+    bool is_xp();
+    void set_boxes(std::span<const int> rows, int value);
+    void append_if_missing(std::string_view entry);
+    void show_count();
+    void scan_for_programs(const std::string& start);
+
+    void connect_events();
+    void place_controls();
+    void caption_all(const char* Twin::*language);
+};
+
+}  // namespace britlock
