@@ -55,8 +55,9 @@ class Files {
 
     /// What FindFirstFileA and its followers give for a path whose last part may hold `*` and `?`; sorted
     /// without case;
-    /// "." and ".." are left out, but where they would fit ("*" in any folder but a root) an empty folder gives an empty list.
-    /// None where the folder is missing, cannot be entered, or nothing fits (an invalid handle).
+    /// "." and ".." are left out, but where they would fit ("*" in any folder but a root) an empty folder
+    /// gives an empty list. None where the folder is missing, cannot be entered, or nothing fits (an invalid
+    /// handle).
     virtual std::optional<std::vector<FoundFile>> find(std::string_view pattern) = 0;
 
     /// A folder and all below it; links in it are removed, never followed. A drive's root, the Windows,

@@ -28,7 +28,7 @@ bool is_device(std::string_view name) {
 FileError check_name(std::string_view name) {
     const bool forbidden = std::any_of(name.begin(), name.end(), [](char c) {
         return static_cast<unsigned char>(c) < 32 ||
-               std::string_view("<>:\"|?*").find(c) != std::string::npos;
+               std::string_view("<>:\"|?*\\/").find(c) != std::string::npos;
     });
     if (forbidden) return bad_file_name;
     return is_device(name) ? permission_denied : no_error;
@@ -105,6 +105,10 @@ BasicResult<WindowsPath, FileError> parse_path(std::string_view path) {
         }
     }
     return out;
+}
+
+bool is_plain_name(std::string_view name) {
+    return !name.empty() && without_tail(name) == name && check_name(name) == no_error;
 }
 
 BasicResult<SearchPattern, FileError> parse_pattern(std::string_view pattern) {

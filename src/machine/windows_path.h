@@ -28,6 +28,10 @@ struct WindowsPath {
 /// that no name may hold, the colon of a stream included.
 BasicResult<WindowsPath, FileError> parse_path(std::string_view path);
 
+/// Can Windows address a file of this name? Not one with a forbidden character, a device's name, or a dot or
+/// blank at its end.
+bool is_plain_name(std::string_view name);
+
 /// A search pattern: its folder, and the last part with its wildcards.
 struct SearchPattern {
     WindowsPath folder;

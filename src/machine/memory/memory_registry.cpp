@@ -43,7 +43,8 @@ RawValue dword_value(int32_t number) {
 
 MemoryKey& MemoryKey::operator[](std::string_view subkey) {
     MemoryKey* key = this;
-    for (std::string_view level : *split_subkey(subkey)) {
+    const auto levels = *split_subkey(subkey);
+    for (std::string_view level : levels) {
         auto& next = key->subkeys.try_emplace(std::string(level)).first->second;
         if (!next) next = std::make_shared<MemoryKey>();
         key = next.get();
@@ -53,7 +54,8 @@ MemoryKey& MemoryKey::operator[](std::string_view subkey) {
 
 const MemoryKey* MemoryKey::find(std::string_view subkey) const {
     const MemoryKey* key = this;
-    for (std::string_view level : *split_subkey(subkey)) {
+    const auto levels = *split_subkey(subkey);
+    for (std::string_view level : levels) {
         const auto next = key->subkeys.find(level);
         if (next == key->subkeys.end()) return nullptr;
         key = next->second.get();

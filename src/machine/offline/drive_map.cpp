@@ -1,0 +1,136 @@
+#include "machine/offline/drive_map.h"
+
+#include <fcntl.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "base/text.h"
+
+namespace machine {
+
+namespace {
+
+std::string escaped(std::string_view folder) {
+    std::string out;
+    for (char c : folder)
+        out += c == '%' ? std::string("%25") : c == ';' ? std::string("%3B") : std::string(1, c);
+    return out;
+}
+
+std::string unescaped(std::string_view folder) {
+    std::string out;
+    for (size_t i = 0; i < folder.size(); ++i) {
+        const std::string_view code = folder.substr(i, 3);
+        const bool known = code == "%25" || code == "%3B";
+        out += code == "%25" ? '%' : code == "%3B" ? ';' : folder[i];
+        if (known) i += 2;
+    }
+    return out;
+}
+
+regf::Result<HostPlace> locate_on_host(const std::string& file) {
+    const size_t slash = file.find_last_of('/');
+    const std::string folder = slash == 0 ? "/" : file.substr(0, slash);
+    Descriptor opened(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!opened.is_open())
+        return regf::Error{regf::ErrorKind::missing,
+                           "cannot open the folder " + folder + ": " + strerror(errno)};
+    return HostPlace{std::move(opened), file.substr(slash + 1), true};
+}
+
+}  // namespace
+
+regf::Result<Done> DriveMap::add(const WindowsPath& at, const std::string& host_folder) {
+    Descriptor folder(open(host_folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder.is_open()) {
+        const auto kind = errno == ENOENT ? regf::ErrorKind::missing : regf::ErrorKind::refused;
+        return regf::Error{kind, "cannot open the folder " + host_folder + ": " + strerror(errno)};
+    }
+    entries_.push_back({at, host_folder, std::move(folder)});
+    return Done{};
+}
+
+regf::Result<Done> DriveMap::add_drive(char letter, const std::string& host_folder) {
+    const char drive = text::upper(letter);
+    if (drive < 'A' || drive > 'Z')
+        return regf::Error{regf::ErrorKind::invalid, "a drive's letter is one from A to Z"};
+    return add({drive, {}}, host_folder);
+}
+
+std::string DriveMap::text() const {
+    std::string out;
+    for (const Entry& entry : entries_) {
+        if (!entry.at.parts.empty()) continue;
+        if (!out.empty()) out += ';';
+        out.append(1, entry.at.drive).append("=").append(escaped(entry.host_folder));
+    }
+    return out;
+}
+
+regf::Result<DriveMap> DriveMap::parse(std::string_view text) {
+    DriveMap map;
+    while (!text.empty()) {
+        const std::string_view drive = text.substr(0, text.find(';'));
+        text.remove_prefix(std::min(drive.size() + 1, text.size()));
+        if (drive.size() < 3 || drive[1] != '=')
+            return regf::Error{regf::ErrorKind::invalid, "the list of drives cannot be read"};
+        const auto added = map.add_drive(drive[0], unescaped(drive.substr(2)));
+        if (!added) return added.error();
+    }
+    return map;
+}
+
+uint32_t DriveMap::letters() const {
+    uint32_t bits = 0;
+    for (const Entry& entry : entries_)
+        bits |= 1u << (entry.at.drive - 'A');
+    return bits;
+}
+
+const DriveMap::Entry* DriveMap::entry_of(const WindowsPath& path) const {
+    const Entry* nearest = nullptr;
+    for (const Entry& entry : entries_) {
+        const bool nearer = !nearest || entry.at.parts.size() > nearest->at.parts.size();
+        if (path.lies_in(entry.at) && nearer) nearest = &entry;
+    }
+    return nearest;
+}
+
+FileResult<HostPlace> DriveMap::resolve(const WindowsPath& path) const {
+    const Entry* entry = entry_of(path);
+    if (!entry) return no_such_path;
+    HostPlace place{entry->folder.duplicate(), ".", true};
+    for (size_t level = entry->at.parts.size(); level < path.parts.size(); ++level) {
+        auto folder = machine::open_folder(place.folder.number(), place.name);
+        if (!folder) return folder.error();
+        auto next = find_in(std::move(*folder), path.parts[level]);
+        if (!next) return next.error();
+        place = std::move(*next);
+    }
+    return place;
+}
+
+FileResult<HostPlace> DriveMap::resolve(std::string_view path) const {
+    const auto parsed = parse_path(path);
+    if (!parsed) return parsed.error();
+    return resolve(*parsed);
+}
+
+FileResult<Descriptor> DriveMap::open_folder(const WindowsPath& path) const {
+    const auto place = resolve(path);
+    if (!place) return place.error();
+    return machine::open_folder(place->folder.number(), place->name);
+}
+
+regf::Result<HostPlace> locate_hive(const DriveMap& drives, const std::string& file) {
+    if (file.starts_with('/')) return locate_on_host(file);
+    auto place = drives.resolve(file);
+    if (place && place->exists) return std::move(*place);
+    const FileError error = place ? no_such_file : place.error();
+    const std::string name = text::to_utf8(file);
+    if (error == permission_denied) return regf::Error{regf::ErrorKind::refused, name + " may not be opened"};
+    return regf::Error{regf::ErrorKind::missing, name + " is not there"};
+}
+
+}  // namespace machine

@@ -1,0 +1,108 @@
+#include "machine/offline/hive_store.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "machine/offline/file_attributes.h"
+
+namespace machine {
+
+WinCode win_code(regf::ErrorKind kind) {
+    switch (kind) {
+        case regf::ErrorKind::missing:
+            return file_not_found;
+        case regf::ErrorKind::no_space:
+            return disk_full;
+        case regf::ErrorKind::not_a_hive:
+        case regf::ErrorKind::damaged:
+        case regf::ErrorKind::dirty:
+            return registry_corrupt;
+        case regf::ErrorKind::io:
+            return registry_io_failed;
+        case regf::ErrorKind::invalid:
+            return invalid_parameter;
+        case regf::ErrorKind::refused:
+        case regf::ErrorKind::in_use:
+        case regf::ErrorKind::unsupported:
+        case regf::ErrorKind::changed:
+            return access_denied;
+    }
+    return access_denied;
+}
+
+HiveStore::View FileHive::read() {
+    const auto now = regf::identify(place_.hive());
+    const bool absent = !now && now.error().kind == regf::ErrorKind::missing;
+    if (!now && !(absent && missing_ == Missing::is_empty)) return {win_code(now.error().kind), nullptr};
+    const regf::FileIdentity identity = now ? *now : regf::FileIdentity{};
+    if (held_ && held_->identity == identity) return {success, &held_->hive};
+
+    held_.reset();
+    if (absent) {
+        regf::Hive::NewHive empty;
+        empty.now = regf::current_file_time();
+        held_.emplace(regf::HiveFile{regf::Hive::create(empty), identity});
+        return {success, &held_->hive};
+    }
+    const auto lock = regf::FileLock::acquire(place_.hive());
+    if (!lock) return {win_code(lock.error().kind), nullptr};
+    auto file = regf::read_hive(place_.hive(), *lock);
+    if (!file) return {win_code(file.error().kind), nullptr};
+    held_.emplace(std::move(*file));
+    return {success, &held_->hive};
+}
+
+WinCode FileHive::check_writing() {
+    const View view = read();
+    if (!view.hive) return view.code;
+    if (!view.hive->read_only_reason().empty()) return access_denied;
+    if (held_->identity == regf::FileIdentity{}) return success;  // made at the first change
+    return may_replace(place_) ? success : access_denied;
+}
+
+WinCode FileHive::apply(const regf::Change& change) {
+    if (const View view = read(); !view.hive) return view.code;
+    const bool absent = held_->identity == regf::FileIdentity{};
+    std::optional<regf::FileLock> lock;
+    if (!absent) {
+        auto acquired = regf::FileLock::acquire(place_.hive());
+        if (!acquired) return win_code(acquired.error().kind);
+        lock.emplace(std::move(*acquired));
+    }
+    if (const auto applied = held_->hive.apply(change); !applied) return win_code(applied.error().kind);
+    if (held_->hive.changes().empty()) return success;
+
+    // Whatever comes of the commit, what is in memory is not what was read: the next look reads afresh.
+    const regf::HiveFile changed = std::move(*held_);
+    held_.reset();
+    const regf::FileTime now = regf::current_file_time();
+    const auto written = absent ? regf::write_new(place_.hive(), changed.hive, now)
+                                : regf::commit(place_.hive(), changed.hive, changed.identity, now);
+    return written ? success : win_code(written.error().kind);
+}
+
+WinCode MountHive::append(const std::string& frame) {
+    const FileError error = write_all(record_.number(), frame);
+    if (error != no_error) broken_ = error == device_full ? disk_full : registry_io_failed;
+    return broken_;
+}
+
+WinCode MountHive::apply(const regf::Change& change) {
+    if (broken_ != success) return broken_;
+    regf::Hive& hive = hive_.file.hive;
+    const size_t before = hive.changes().size();
+    if (const auto applied = hive.apply(change); !applied) return win_code(applied.error().kind);
+    if (hive.changes().size() == before) return success;
+    unsealed_ = true;
+    return append(change_frame(change));
+}
+
+WinCode MountHive::seal() {
+    if (broken_ != success || !unsealed_) return broken_;
+    if (append(seal_frame()) != success) return broken_;
+    if (fdatasync(record_.number()) != 0) broken_ = registry_io_failed;
+    unsealed_ = broken_ != success;
+    return broken_;
+}
+
+}  // namespace machine

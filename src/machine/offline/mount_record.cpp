@@ -1,0 +1,172 @@
+#include "machine/offline/mount_record.h"
+
+#include <type_traits>
+#include <utility>
+
+namespace machine {
+
+namespace {
+
+enum class Frame : uint8_t { mount = 'M', change = 'C', seal = 'S' };
+
+uint32_t crc32(std::string_view bytes) {
+    uint32_t crc = 0xFFFFFFFF;
+    for (char c : bytes) {
+        crc ^= static_cast<unsigned char>(c);
+        for (int bit = 0; bit < 8; ++bit)
+            crc = (crc >> 1) ^ ((crc & 1) != 0 ? 0xEDB88320 : 0);
+    }
+    return ~crc;
+}
+
+class Writer {
+  public:
+    explicit Writer(Frame kind) { number(static_cast<uint8_t>(kind)); }
+
+    template <class Number>
+    void number(Number value) {
+        for (size_t i = 0; i < sizeof value; ++i)
+            out_ += static_cast<char>((static_cast<std::make_unsigned_t<Number>>(value) >> (8 * i)) & 0xFF);
+    }
+    template <class Text>
+    void counted(const Text& text) {
+        number(static_cast<uint32_t>(text.size()));
+        for (auto unit : text)
+            number(unit);
+    }
+    std::string frame() {
+        const std::string content = std::exchange(out_, {});
+        number(static_cast<uint32_t>(content.size()));
+        number(crc32(content));
+        return out_ + content;
+    }
+
+  private:
+    std::string out_;
+};
+
+/// Once it has run past the end it stays failed and yields zeros.
+class Reader {
+  public:
+    explicit Reader(std::string_view bytes) : bytes_(bytes) {}
+
+    template <class Number>
+    void number(Number& value) {
+        uint64_t sum = 0;
+        const std::string_view taken = take(sizeof value);
+        for (size_t i = 0; i < taken.size(); ++i)
+            sum |= uint64_t{static_cast<unsigned char>(taken[i])} << (8 * i);
+        value = static_cast<Number>(sum);
+    }
+    template <class Text>
+    void counted(Text& text) {
+        uint32_t size = 0;
+        number(size);
+        failed_ = failed_ || size > bytes_.size() / sizeof(typename Text::value_type);
+        text.resize(failed_ ? 0 : size);
+        for (auto& unit : text)
+            number(unit);
+    }
+    std::string_view take(size_t size) {
+        failed_ = failed_ || size > bytes_.size();
+        if (failed_) return {};
+        const std::string_view taken = bytes_.substr(0, size);
+        bytes_.remove_prefix(size);
+        return taken;
+    }
+    bool ok() const { return !failed_; }
+    size_t left() const { return bytes_.size(); }
+
+  private:
+    std::string_view bytes_;
+    bool failed_ = false;
+};
+
+// The fields in their order, once for the writer and for the reader.
+
+template <class Stream, class AnyMount>
+void mount_fields(Stream& stream, AnyMount& mount) {
+    stream.counted(mount.name);
+    stream.counted(mount.file);
+    stream.number(mount.identity.device);
+    stream.number(mount.identity.inode);
+    stream.number(mount.identity.size);
+    stream.number(mount.identity.modified_ns);
+    stream.number(mount.identity.primary_sequence);
+    stream.number(mount.identity.secondary_sequence);
+    stream.number(mount.identity.checksum);
+}
+
+template <class Stream, class AnyChange, class AnyKind>
+void change_fields(Stream& stream, AnyChange& change, AnyKind& kind) {
+    stream.number(kind);
+    stream.counted(change.path);
+    stream.counted(change.name);
+    stream.number(change.value.type);
+    stream.counted(change.value.data);
+    stream.number(change.when);
+}
+
+regf::Change parse_change(Reader& in) {
+    regf::Change change{};
+    uint8_t kind = 0;
+    change_fields(in, change, kind);
+    change.kind = static_cast<regf::Change::Kind>(kind);
+    return change;
+}
+
+/// The content of the next frame; none at the end and at the first frame that is not whole.
+std::optional<std::string_view> next_frame(Reader& in) {
+    uint32_t size = 0;
+    uint32_t crc = 0;
+    in.number(size);
+    in.number(crc);
+    const std::string_view content = in.take(size);
+    if (!in.ok() || content.empty() || crc32(content) != crc) return std::nullopt;
+    return content;
+}
+
+}  // namespace
+
+std::string mount_frame(const Mount& mount) {
+    Writer out(Frame::mount);
+    mount_fields(out, mount);
+    return out.frame();
+}
+
+std::string change_frame(const regf::Change& change) {
+    Writer out(Frame::change);
+    const auto kind = static_cast<uint8_t>(change.kind);
+    change_fields(out, change, kind);
+    return out.frame();
+}
+
+std::string seal_frame() { return Writer(Frame::seal).frame(); }
+
+std::optional<MountRecord> parse_record(std::string_view bytes) {
+    MountRecord record;
+    std::vector<regf::Change> pending;
+    bool mounted = false;
+    Reader in(bytes);
+    while (const auto content = next_frame(in)) {
+        Reader frame(content->substr(1));
+        const auto kind = static_cast<Frame>(content->front());
+        if (!mounted) {
+            if (kind != Frame::mount) return std::nullopt;
+            mount_fields(frame, record.mount);
+            mounted = frame.ok();
+        } else if (kind == Frame::change) {
+            pending.push_back(parse_change(frame));
+        } else if (kind == Frame::seal) {
+            record.sealed.insert(record.sealed.end(), pending.begin(), pending.end());
+            pending.clear();
+        }
+        if (!frame.ok()) break;
+        if (kind != Frame::change) record.sealed_bytes = bytes.size() - in.left();
+    }
+    record.unsealed = record.sealed_bytes != bytes.size();
+    if (!mounted) return std::nullopt;
+    return record;
+}
+
+}  // namespace machine

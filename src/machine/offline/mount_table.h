@@ -1,0 +1,52 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "machine/offline/drive_map.h"
+#include "machine/offline/mount_record.h"
+
+namespace machine {
+
+/// The hives that the hive tool has mounted on one installation: a folder with one record for each. Names
+/// compare without case.
+class MountTable {
+  public:
+    explicit MountTable(std::string folder) : folder_(std::move(folder)) {}
+
+    const std::string& folder() const { return folder_; }
+    std::vector<Mount> mounts() const;
+    std::optional<MountRecord> find(std::string_view name) const;
+    bool is_mounted(const HostPlace& file) const;
+
+    /// `refused` where the name is taken. The record is there as a whole or not at all.
+    regf::Result<Done> add(const Mount& mount) const;
+    regf::Result<Done> remove(std::string_view name) const;
+    /// Opens a record for appending, with all behind its last seal cut off.
+    regf::Result<Descriptor> open_sealed(const MountRecord& record) const;
+
+  private:
+    std::string path_of(std::string_view name) const;
+
+    std::string folder_;
+};
+
+/// `$XDG_STATE_HOME/brightlock`, or the usual place below the home folder.
+std::string default_state_folder();
+/// Where the mounts of an installation are kept: one folder for each folder that stands for a drive C.
+std::string mounts_folder(const std::string& state_folder, const std::string& drive_c);
+
+/// A mounted hive, held against every other program, with its sealed changes made in memory.
+struct MountedHive {
+    MountRecord record;
+    HostPlace place;
+    regf::FileLock lock;
+    regf::HiveFile file;
+};
+/// `changed`: somebody else has written the file since it was mounted.
+regf::Result<MountedHive> open_mounted(const DriveMap& drives, const MountTable& mounts,
+                                       std::string_view name);
+
+}  // namespace machine

@@ -1,0 +1,63 @@
+#include "machine/offline/offline_machine.h"
+
+#include <fcntl.h>
+
+#include "base/text.h"
+
+namespace machine {
+
+namespace {
+
+regf::Result<DriveMap> map_drives(const OfflineOptions& options) {
+    DriveMap drives;
+    for (const auto& [letter, folder] : options.drives) {
+        if (const auto added = drives.add_drive(letter, folder); !added) return added.error();
+    }
+    const auto program = parse_path(options.program_directory);
+    if (!program || program->parts.empty())
+        return regf::Error{
+            regf::ErrorKind::invalid,
+            "the program's folder must be a Windows path such as C:\\Program Files\\Brightlock "
+            "Suite"};
+    if (const auto added = drives.add(*program, options.executables); !added) return added.error();
+    return drives;
+}
+
+regf::Result<HostPlace> place_in_folder(const std::string& folder, const std::string& name) {
+    if (const auto made = make_folders(folder); !made) return made.error();
+    Descriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!opened.is_open())
+        return regf::Error{regf::ErrorKind::refused, "the folder " + folder + " cannot be opened"};
+    return HostPlace{std::move(opened), name, true};
+}
+
+}  // namespace
+
+regf::Result<std::unique_ptr<OfflineMachine>> OfflineMachine::open(const OfflineOptions& options) {
+    auto drives = map_drives(options);
+    if (!drives) return drives.error();
+    auto installation = describe_installation(*drives);
+    if (!installation) return installation.error();
+    auto software = locate_hive(*drives, installation->system_directory + "\\config\\software");
+    if (!software) return software.error();
+    const std::string state = options.state_folder.empty() ? default_state_folder() : options.state_folder;
+    auto user = place_in_folder(state, "user.hive");
+    if (!user) return user.error();
+    return std::unique_ptr<OfflineMachine>(
+        new OfflineMachine(std::move(*drives), std::move(*installation), std::move(*software),
+                           std::move(*user), mounts_folder(state, options.drives.at('C')), options));
+}
+
+OfflineMachine::OfflineMachine(DriveMap drives, Installation installation, HostPlace software_hive,
+                               HostPlace user_hive, std::string mounts, const OfflineOptions& options)
+    : drives_(std::move(drives)),
+      installation_(std::move(installation)),
+      mounts_(std::move(mounts)),
+      system_(drives_, installation_, options.program_directory, options.command_line),
+      files_(drives_, mounts_, system_),
+      registry_(drives_, mounts_, std::move(software_hive), std::move(user_hive)),
+      processes_(drives_, mounts_, registry_, system_, options.on_lost_changes) {}
+
+OfflineMachine::~OfflineMachine() { (void)registry_.release_mounts(); }  // a failure drops the changes
+
+}  // namespace machine

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+
+#include "machine/machine.h"
+#include "machine/offline/installation.h"
+#include "machine/offline/offline_files.h"
+#include "machine/offline/offline_processes.h"
+#include "machine/offline/offline_registry.h"
+#include "machine/offline/offline_system.h"
+
+namespace machine {
+
+struct OfflineOptions {
+    std::map<char, std::string> drives;  ///< host folders by letter; C is the installation
+    std::string executables;             ///< host folder of britlock and the hive tool
+    std::string program_directory = "C:\\Program Files\\Brightlock Suite";  ///< where they lie for Windows
+    std::string command_line;                                               ///< what the program is to see
+    std::string state_folder;                                               ///< empty: the usual one
+    LostChanges on_lost_changes;
+};
+
+/// A Windows installation in a folder of this Linux system.
+class OfflineMachine {
+  public:
+    /// The error is one line for people (UTF-8).
+    static regf::Result<std::unique_ptr<OfflineMachine>> open(const OfflineOptions& options);
+    OfflineMachine(const OfflineMachine&) = delete;
+    OfflineMachine& operator=(const OfflineMachine&) = delete;
+    /// Seals what is mounted still, so that the next unload writes it.
+    ~OfflineMachine();
+
+    const Installation& installation() const { return installation_; }
+    const DriveMap& drives() const { return drives_; }
+    const MountTable& mounts() const { return mounts_; }
+    Machine machine() { return {registry_, files_, processes_, system_}; }
+
+  private:
+    OfflineMachine(DriveMap drives, Installation installation, HostPlace software_hive, HostPlace user_hive,
+                   std::string mounts, const OfflineOptions& options);
+
+    DriveMap drives_;
+    Installation installation_;
+    MountTable mounts_;
+    OfflineSystem system_;
+    OfflineFiles files_;
+    OfflineRegistry registry_;
+    OfflineProcesses processes_;
+};
+
+}  // namespace machine

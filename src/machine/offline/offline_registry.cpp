@@ -1,0 +1,163 @@
+#include "machine/offline/offline_registry.h"
+
+#include <span>
+
+#include "base/text.h"
+#include "machine/registry_path.h"
+
+namespace machine {
+
+namespace {
+
+constexpr std::string_view software = "SOFTWARE";
+
+Outcome refused(WinCode code) { return {code, code}; }
+
+regf::Change change(regf::Change::Kind kind, std::u16string path, std::string_view name = "",
+                    regf::Value value = {}) {
+    return {kind, std::move(path), text::to_utf16(name), std::move(value), regf::current_file_time()};
+}
+
+}  // namespace
+
+OfflineRegistry::OfflineRegistry(const DriveMap& drives, const MountTable& mounts, HostPlace software_hive,
+                                 HostPlace user_hive)
+    : drives_(drives),
+      mounts_(mounts),
+      software_(std::move(software_hive), FileHive::Missing::is_an_error),
+      user_(std::move(user_hive), FileHive::Missing::is_empty) {}
+
+HiveStore* OfflineRegistry::mounted(std::string_view name, WinCode& code) {
+    const std::string folded = text::lower(name);
+    if (const auto open = open_mounts_.find(folded); open != open_mounts_.end()) return open->second.get();
+    auto hive = open_mounted(drives_, mounts_, name);
+    auto record = hive ? mounts_.open_sealed(hive->record) : regf::Result<Descriptor>(hive.error());
+    if (!record) {
+        code = win_code(record.error().kind);
+        return nullptr;
+    }
+    auto store = std::make_unique<MountHive>(std::move(*hive), std::move(*record));
+    return open_mounts_.emplace(folded, std::move(store)).first->second.get();
+}
+
+OfflineRegistry::Target OfflineRegistry::locate(Root root, std::string_view subkey) {
+    const auto split = split_subkey(subkey);
+    Target target;
+    if (!split) {
+        target.code = split.error();
+        return target;
+    }
+    std::span<const std::string_view> levels = *split;
+    if (root == Root::current_user) {
+        target.store = &user_;
+    } else if (levels.empty()) {
+        return target;
+    } else if (root == Root::users) {
+        target.store = mounted(levels[0], target.code);
+        levels = levels.subspan(1);
+    } else if (text::equal_ignoring_case(levels[0], software)) {
+        target.store = &software_;
+        levels = levels.subspan(1);
+    } else {
+        target.code = file_not_found;
+    }
+    target.at_top = levels.empty();
+    for (std::string_view level : levels)
+        target.path.append(target.path.empty() ? u"" : u"\\").append(text::to_utf16(level));
+    return target;
+}
+
+OfflineRegistry::Opened OfflineRegistry::open(const Target& target) {
+    if (!target.store) return {target.code, nullptr, std::nullopt};
+    const HiveStore::View view = target.store->read();
+    if (!view.hive) return {view.code, nullptr, std::nullopt};
+    const auto key = view.hive->find(target.path);
+    return {key ? success : file_not_found, view.hive, key};
+}
+
+WinCode OfflineRegistry::open_for_writing(const Target& target) {
+    const Opened opened = open(target);
+    return opened.key ? target.store->check_writing() : opened.code;
+}
+
+Outcome OfflineRegistry::query(Root root, std::string_view subkey, std::string_view name, RawValue& out) {
+    const Opened opened = open(locate(root, subkey));
+    if (opened.code != success) return refused(opened.code);
+    if (!opened.key) return {success, file_not_found};
+    const auto value = opened.hive->value(*opened.key, text::to_utf16(up_to_nul(name)));
+    if (!value) return {success, file_not_found};
+    out = spelling_.to_ansi(*value);
+    return {};
+}
+
+Outcome OfflineRegistry::set(Root root, std::string_view subkey, std::string_view name,
+                             const RawValue& value) {
+    Target target = locate(root, subkey);
+    if (const WinCode code = open_for_writing(target); code != success) return refused(code);
+    if (!target.store) return {success, access_denied};
+    const auto stored = spelling_.to_stored(value);
+    if (!stored) return {success, no_such_spelling};
+    return {success, target.store->apply(change(regf::Change::Kind::set_value, std::move(target.path),
+                                                up_to_nul(name), *stored))};
+}
+
+Outcome OfflineRegistry::delete_value(Root root, std::string_view subkey, std::string_view name) {
+    Target target = locate(root, subkey);
+    if (const WinCode code = open_for_writing(target); code != success) return refused(code);
+    if (!target.store) return {success, file_not_found};
+    return {success, target.store->apply(
+                         change(regf::Change::Kind::delete_value, std::move(target.path), up_to_nul(name)))};
+}
+
+Registry::Disposition OfflineRegistry::create_key(Root root, std::string_view subkey) {
+    Target target = locate(root, subkey);
+    if (!target.store) return target.code == success ? Disposition::opened : Disposition::failed;
+    const Opened opened = open(target);
+    if (!opened.hive || target.store->check_writing() != success) return Disposition::failed;
+    if (opened.key) return Disposition::opened;
+    const WinCode code = target.store->apply(change(regf::Change::Kind::create_key, std::move(target.path)));
+    return code == success ? Disposition::created : Disposition::failed;
+}
+
+WinCode OfflineRegistry::delete_key(Root root, std::string_view subkey) {
+    Target target = locate(root, subkey);
+    if (const WinCode code = open_for_writing(target); code != success) return code;
+    const Opened opened = open(target);
+    if (!opened.key || target.at_top || !opened.hive->subkeys(*opened.key).empty()) return access_denied;
+    return target.store->apply(change(regf::Change::Kind::delete_key, std::move(target.path)));
+}
+
+std::vector<std::string> OfflineRegistry::subkey_names(Root root, std::string_view subkey) {
+    std::vector<std::string> names;
+    const Target target = locate(root, subkey);
+    const Opened opened = open(target);
+    if (opened.code != success) return names;
+    if (!opened.key) {
+        if (root == Root::local_machine) return {std::string(software)};
+        for (const Mount& mount : mounts_.mounts())
+            names.push_back(mount.name);
+        return names;
+    }
+    for (const regf::Key key : opened.hive->subkeys(*opened.key)) {
+        if (auto name = text::from_utf16(opened.hive->name(key))) names.push_back(std::move(*name));
+    }
+    return names;
+}
+
+WinCode OfflineRegistry::enum_key(Root root, std::string_view subkey, uint32_t index, std::string& name) {
+    const std::vector<std::string> names = subkey_names(root, subkey);
+    if (index >= names.size()) return no_more_items;
+    name = names[index];
+    return more_data;
+}
+
+WinCode OfflineRegistry::release_mounts() {
+    WinCode worst = success;
+    for (const auto& [name, hive] : open_mounts_) {
+        if (const WinCode code = hive->seal(); code != success) worst = code;
+    }
+    open_mounts_.clear();
+    return worst;
+}
+
+}  // namespace machine
