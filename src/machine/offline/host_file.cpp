@@ -62,7 +62,7 @@ std::string HostPlace::path() const {
     const std::string link = "/proc/self/fd/" + std::to_string(folder.number());
     const ssize_t size = readlink(link.c_str(), target.data(), target.size());
     if (size <= 0) return name;
-    const std::string above(target.data(), static_cast<size_t>(size));
+    std::string above(target.data(), static_cast<size_t>(size));
     if (name == ".") return above;
     return above + (above.ends_with('/') ? "" : "/") + name;
 }

@@ -21,6 +21,7 @@ constexpr int poll_milliseconds = 5;
 
 std::vector<char*> pointers(const std::vector<std::string>& texts) {
     std::vector<char*> out;
+    out.reserve(texts.size() + 1);
     for (const std::string& text : texts)
         out.push_back(const_cast<char*>(text.c_str()));
     out.push_back(nullptr);
