@@ -1,6 +1,7 @@
 #include "toolkit/toolkit.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace toolkit {
 
@@ -50,8 +51,7 @@ void Toolkit::hide(Form& form) {
 
 void Toolkit::unload(Form& form, std::function<void()> release) {
     hide(form);
-    destroy_window(form);
-    to_release_.push_back(std::move(release));
+    unloaded_.push_back({form, std::move(release)});
 }
 
 void Toolkit::set_focus(Control* control) {
@@ -59,6 +59,7 @@ void Toolkit::set_focus(Control* control) {
     if (control == focus_) return;
     Control* const left = focus_;
     focus_ = control;
+    focus_form_ = control ? &control->form() : nullptr;
     show_focus(control);
     if (left && left->on_lost_focus) left->on_lost_focus();
     if (control && control == focus_ && control->on_got_focus) control->on_got_focus();
@@ -81,21 +82,22 @@ void Toolkit::deliver(const std::function<void()>& event) {
             end_process();
         }
     }
-    if (depth_ > 0 || to_release_.empty()) return;
-    release_unloaded();
+    if (depth_ > 0 || unloaded_.empty()) return;
+    when_idle([this] { release_unloaded(); });
     if (forms_.empty()) end_process();
 }
 
 void Toolkit::release_unloaded() {
-    const auto now = std::move(to_release_);
-    to_release_.clear();
-    for (const auto& release : now) {
-        if (release) release();
+    if (depth_ > 0) return;  // the end of the running event comes back to it
+    const auto now = std::exchange(unloaded_, {});
+    for (const Unloaded& gone : now) {
+        destroy_window(gone.form);
+        if (gone.release) gone.release();
     }
 }
 
 void Toolkit::forget(const Form* form) {
-    if (focus_ && &focus_->form() == form) focus_ = nullptr;
+    if (focus_form_ == form) focus_ = nullptr;
     std::erase(forms_, form);
 }
 

@@ -78,12 +78,14 @@ class Toolkit {
   protected:
     virtual Answer show_box(const Box& box) = 0;
     virtual std::string show_input_box(const std::string& title, const std::string& prompt) = 0;
-    /// The renderer makes, shows and destroys its window.
+    /// The renderer makes, shows and destroys its window; an unloaded one is destroyed just before its form.
     virtual void show_window(Form& form) = 0;
     virtual void hide_window(Form& form) = 0;
     virtual void destroy_window(Form& form) = 0;
     /// The program moved the focus: show it.
     virtual void show_focus(Control* control) = 0;
+    /// Runs the call when nothing of the screen that led to the event is at work any more.
+    virtual void when_idle(const std::function<void()>& call) { call(); }
 
   private:
     friend class Form;
@@ -91,8 +93,13 @@ class Toolkit {
     void release_unloaded();
 
     std::vector<Form*> forms_;  // on show, in the order of their showing
-    std::vector<std::function<void()>> to_release_;
+    struct Unloaded {
+        Form& form;
+        std::function<void()> release;
+    };
+    std::vector<Unloaded> unloaded_;
     Control* focus_ = nullptr;
+    const Form* focus_form_ = nullptr;  // of focus_, which may be gone when its form goes
     int depth_ = 0;
 };
 

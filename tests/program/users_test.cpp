@@ -1,0 +1,316 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "program/world.h"
+#include "ui/profile.h"
+
+namespace britlock {
+namespace {
+
+using namespace machine;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+const std::string anna_hive = "C:\\Documents and Settings\\Anna\\NTUSER.DAT";
+
+struct Users : testing::Test {
+    World w;
+    MemoryKey& anna = w.windows.add_profile("Anna");
+
+    std::string commands() {
+        std::string out;
+        for (const auto& process : w.windows.processes.started)
+            out += process.command_line + "\n";
+        return out;
+    }
+    std::string panel() { return w.window().StatusBar.panel_text(2); }
+};
+
+TEST_F(Users, AreTheFoldersWithoutThoseOfNobody) {
+    for (const char* folder :
+         {"Ben.DOMAIN", "All Users.WINNT", "Default User", "LocalService", "NetworkService", "all users"}) {
+        w.windows.add_profile(folder);
+    }
+    w.windows.files.add_folder("C:\\Documents and Settings\\Carl");
+    w.windows.files.add_file("C:\\Documents and Settings\\Dora\\NTUSER.DAT", "");
+    w.windows.files.add_file("C:\\Documents and Settings\\Emil.txt", "no folder");
+    w.windows.files.fail(anna_hive, permission_denied);  // logged on: counts as fine
+    w.screen.expect_box("Sorry, could not load every files..");
+    main& window = w.enter();
+    EXPECT_THAT(window.Combo_user.items(), ElementsAre("all users", "Anna", "Ben.DOMAIN", "Carl", "Dora"));
+    EXPECT_EQ(window.Combo_user.text(), "Administrator") << "the list lacks the name that the text shows";
+    EXPECT_THAT(w.screen.boxes.back().text, testing::EndsWith("the files below...")) << "without the list";
+    EXPECT_FALSE(w.windows.files.exists("C:\\Documents and Settings\\Carl\\NTUSER.DAT"));
+    EXPECT_FALSE(w.windows.files.exists("C:\\Documents and Settings\\Dora\\NTUSER.DAT"));
+
+    World g(versions::winxp, german);
+    g.windows.files.add_folder("C:\\Documents and Settings\\Carl");
+    g.screen.expect_box("Kann (einige) Profile nicht laden");
+    g.enter();
+    EXPECT_THAT(g.screen.boxes.back().text, HasSubstr("C:\\Documents and Settings\\Carl\\NTUSER.DAT\n"));
+}
+
+TEST_F(Users, LieWhereTheAdministratorSaysAsItStands) {
+    w.windows.registry.at(HKEY_LOCAL_MACHINE, product_key).set("ProfileMainPath", "C:\\Server\\Prof");
+    w.windows.files.add_hive("C:\\Server\\Profile1\\NTUSER.DAT");
+    w.windows.files.add_hive("C:\\Server\\Other\\NTUSER.DAT");
+    w.screen.expect_box("Sorry, could not load every files..");
+    main& window = w.enter();
+    EXPECT_THAT(window.Combo_user.items(), ElementsAre("Profile1")) << "no backslash is added to the path";
+    EXPECT_EQ(window.t810.text(), "C:\\Server\\Prof");
+}
+
+TEST_F(Users, TheRoadOfOneTickedBox) {
+    anna["Software"].set("Company", "kept");
+    main& window = w.enter();
+    w.choose("Anna");
+    EXPECT_FALSE(window.c11.ticked());
+    w.click(window.c11);
+    EXPECT_THAT(anna.dump(), Not(HasSubstr("NoClose"))) << "nothing reaches the registry before Apply";
+    w.apply();
+    EXPECT_THAT(anna.dump(), HasSubstr("Policies\\Explorer : NoClose = dword 1"));
+    EXPECT_THAT(anna.dump(), HasSubstr("Software : Company = \"kept\""));
+    const std::string tool = "\"C:\\Program Files\\Brightlock Suite\\regg.exe\" ";
+    const std::string unload = tool + "unload HKU\\Anna\n";
+    const std::string load = tool + "load \"" + anna_hive + "\" HKU\\Anna\n";
+    const std::string once = unload + load + unload;
+    EXPECT_EQ(commands(), once + once);
+    EXPECT_EQ(w.windows.processes.started[0].style, WindowStyle::hidden);
+    EXPECT_EQ(panel(), "");
+    EXPECT_EQ(window.mouse_pointer(), toolkit::MousePointer::normal);
+
+    w.click(window.c11);  // a mark that is not applied is gone when the same user is chosen again
+    w.choose("Anna");
+    EXPECT_TRUE(window.c11.ticked());
+    w.enter();
+    w.choose("Anna");
+    EXPECT_TRUE(w.window().c11.ticked());
+}
+
+TEST_F(Users, TheLoggedOnUserCannotBeRestricted) {
+    w.windows.system.user = "anna";  // capitals do not count
+    main& window = w.enter();
+    w.screen.expect_box("Brightlock Suite");
+    w.click(window.mm21);
+    w.choose("Anna");
+    EXPECT_FALSE(window.c11.ticked()) << "choosing the logged-on user clears the marks";
+    w.screen.expect_box("Sorry..");
+    w.apply();
+    EXPECT_EQ(commands(), "");
+}
+
+struct Fault {
+    const char* what;
+    std::function<void(World&)> cause;
+    const char* title;
+    const char* text;  ///< after the path, or whole
+};
+
+/// Every row is tried on reading and on writing: its box comes, the hive is what it was, the marks stay.
+TEST_F(Users, EveryFaultOfAHiveHasItsBox) {
+    const Fault faults[] = {
+        {"missing", [](World& x) { (void)x.windows.files.remove(anna_hive); }, "Could not find path/file...",
+         " could not be loaded. Please check your profile-pathes and make sure that you logged in a new user "
+         "once."},
+        {"empty", [](World& x) { x.windows.files.add_file(anna_hive, ""); }, "Could not find path/file...",
+         " could not be loaded. Please check your profile-pathes and make sure that you logged in a new user "
+         "once."},
+        {"held by another program", [](World& x) { x.windows.files.fail(anna_hive, permission_denied); },
+         "File in use...",
+         " was denied. The file is in use by another process or you don't have right to acess."},
+        {"no access", [](World& x) { x.windows.files.fail(anna_hive, path_access); }, "File in use...",
+         " was denied. The file is in use by another process or you don't have right to acess."},
+        {"folder gone", [](World& x) { x.windows.files.fail(anna_hive, no_such_path); }, "Path not found...",
+         ". Please check you settings (Profile Paths)."},
+        {"bad drive", [](World& x) { x.windows.files.fail(anna_hive, device_error); }, "Unknown Error...",
+         ""},
+        {"the tool fails", [](World& x) { x.windows.processes.failing_tool = 1; },
+         "Problems while writing to registry...",
+         "File was loaded sucessfully but write-access was denied by system. Please check your windows "
+         "security "
+         "settings."},
+        {"no right to write", [](World& x) { x.windows.files.hive(anna_hive)->access = Access::read_only; },
+         "Problems while writing to registry...",
+         "File was loaded sucessfully but write-access was denied by system. Please check your windows "
+         "security "
+         "settings."},
+    };
+    for (const Fault& fault : faults) {
+        SCOPED_TRACE(fault.what);
+        World x;
+        x.windows.add_profile("Anna");
+        x.windows.add_profile("Ben");
+        const auto hive = x.windows.files.hive(anna_hive);  // held, since some faults take the file away
+        hive->subkeys.erase("Software");                    // so that the proof of the load must make it
+        main& window = x.enter();
+        x.choose("Ben");
+        x.click(window.c12);
+        fault.cause(x);
+        const std::string before = hive->dump();
+
+        x.screen.expect_box(fault.title);
+        x.choose("Anna");
+        EXPECT_THAT(x.screen.boxes.back().text, testing::EndsWith(fault.text));
+        EXPECT_EQ(x.screen.boxes.back().icon, toolkit::Icon::critical);
+        EXPECT_TRUE(window.c12.ticked()) << "the form keeps the marks of the user before";
+        EXPECT_EQ(window.StatusBar.panel_text(2), "Load Profile:Anna");
+        EXPECT_TRUE(window.Combo_user.enabled());
+        x.screen.expect_box(fault.title);
+        x.apply();
+        EXPECT_EQ(hive->dump(), before);
+        x.windows.processes.failing_tool = 0;
+        x.choose("Ben");
+        EXPECT_EQ(window.StatusBar.panel_text(2), "Load Profile:Anna")
+            << "the text of then is what is restored";
+    }
+}
+
+TEST_F(Users, AToolThatIsGoneEndsTheProgramAtTheFirstUnload) {
+    main& window = w.enter();
+    (void)w.windows.files.remove("C:\\Program Files\\Brightlock Suite\\regg.exe");
+    w.screen.expect_box("Brightlock Suite");
+    EXPECT_FALSE(w.screen.act([&] { window.Combo_user.choose(0); }));
+    EXPECT_THAT(w.screen.boxes.back().text, HasSubstr("'53'"));
+}
+
+TEST_F(Users, AToolThatCannotBeOpenedIsReported) {
+    w.enter();
+    w.windows.files.fail("C:\\Program Files\\Brightlock Suite\\regg.exe", path_access);
+    w.screen.expect_box("File missing...");
+    w.choose("Anna");
+}
+
+TEST_F(Users, AHiveLeftMountedIsUnmountedFirst) {
+    anna["Software"].set("Company", "kept");
+    w.windows.registry.mount("Anna", w.windows.files.hive(anna_hive));
+    w.screen.expect_box("Brightlock Suite");
+    main& window = w.enter();
+    w.click(window.mm21);
+    w.choose("Anna");
+    EXPECT_FALSE(window.c11.ticked()) << "the user was read";
+    EXPECT_EQ(w.windows.registry.dump(HKEY_USERS, "Anna"), "(missing)");
+}
+
+TEST_F(Users, TheWindowStaysAliveWhileTheToolRuns) {
+    main& window = w.enter();
+    w.windows.processes.polls_until_done = 3;
+    bool seen = false;
+    w.screen.meanwhile = [&] {
+        EXPECT_FALSE(window.Combo_user.usable()) << "a second choice would start a second run";
+        EXPECT_EQ(panel(), "Load Profile:Anna");
+        EXPECT_EQ(window.mouse_pointer(), toolkit::MousePointer::hourglass);
+        window.Timer1.tick();
+        seen = window.cmd_set.usable();
+    };
+    w.choose("Anna");
+    EXPECT_TRUE(seen);
+    EXPECT_EQ(panel(), "");
+}
+
+TEST_F(Users, ANameWithABlankBreaksTheCommandLine) {
+    w.windows.add_profile("Anna Maria");
+    w.enter();
+    w.screen.expect_box("Problems while writing to registry...");
+    w.choose("Anna Maria");
+}
+
+TEST_F(Users, AModeThatIsNoneIsAnInternalError) {
+    main& window = w.enter();
+    w.screen.expect_box("Brightlock Suite");
+    w.screen.act([&] { window.hive(3); });
+    EXPECT_EQ(w.screen.boxes.back().text, "Interner Fehler bei Sub:HIVE");
+    EXPECT_EQ(commands(), "");
+}
+
+TEST_F(Users, TheUninstallNeverWritesAndLeavesTheHiveMounted) {
+    main& window = w.enter();
+    w.program->uninstall_running = true;
+    w.screen.act([&] {
+        window.Combo_user.set_text("Anna");
+        window.hive(main::hive_save);
+    });
+    EXPECT_NE(w.windows.registry.dump(HKEY_USERS, "Anna"), "(missing)");
+    EXPECT_THAT(anna.dump(), Not(HasSubstr("NoClose")));
+    (void)w.windows.registry.unmount("Anna");
+    (void)w.windows.files.remove(anna_hive);
+    w.screen.act([&] { window.hive(main::hive_save); });
+    EXPECT_EQ(w.screen.boxes.size(), 0u) << "and a missing hive gives no box";
+}
+
+TEST_F(Users, ADirectCallForTheLoggedOnUserWritesToTheRunningAccount) {
+    main& window = w.enter();
+    w.screen.act([&] { window.REG_Save32(); });  // the combo shows the logged-on user
+    EXPECT_THAT(w.windows.registry.dump(HKEY_CURRENT_USER),
+                HasSubstr("Policies\\Explorer : NoClose = dword 0"));
+    w.windows.journal.clear();
+    w.screen.expect_box("Could not save settings...");
+    w.screen.act([&] {
+        window.Combo_user.set_text("administrator");
+        window.REG_Save32();
+    });
+    EXPECT_THAT(w.windows.journal.text(), HasSubstr("HKU\\administrator")) << "capitals count here";
+}
+
+TEST_F(Users, OfWindows9XIsOnlyWhoIsLoggedOn) {
+    World old(versions::win98);
+    old.windows.system.user = "Kiosk";
+    main& window = old.enter();
+    EXPECT_THAT(window.Combo_user.items(), ElementsAre("Kiosk"));
+    EXPECT_EQ(window.t810.text(), "<only available for Win NT/2000/XP-Systems>");
+    EXPECT_FALSE(window.t810.enabled());
+    old.screen.expect_box("Sorry - Changing Users only in Win2K, WinNT or WinXP-Systems...");
+    old.screen.act([&] { window.Combo_user.choose(0); });
+    EXPECT_EQ(window.Combo_user.text(), "Kiosk");
+    old.click(window.c13);
+    old.apply();
+    EXPECT_THAT(old.windows.registry.dump(HKEY_CURRENT_USER), HasSubstr("NoRun = dword 1"));
+    EXPECT_TRUE(old.windows.processes.started.empty()) << "no tool is needed";
+}
+
+TEST_F(Users, TheSidDirectoryReadsTheProfileList) {
+    auto& list = w.windows.registry.at(HKEY_LOCAL_MACHINE, profile_list_key);
+    list["S-1-5-18"].set("ProfileImagePath", "C:\\WINDOWS\\system32\\config");
+    list["S-1-5-21-1-2-3-500"].set("ProfileImagePath", "C:\\Documents and Settings\\Anna");
+    list["S-1-5-21-1-2-3-501"].set("ProfileImagePath", "C:\\Documents and Settings\\");
+    list["S-1-5-21-1-2-3-502"];
+    w.enter();
+    UserDirectory& users = w.program->users;
+    w.screen.expect_box("Brightlock Suite");  // one entry has no path
+    w.screen.act([&] { users.GET_SIDS(); });
+    EXPECT_EQ(users.sid_list[1], "S-1-5-21-1-2-3-500") << "the short, well-known ones are passed over";
+    EXPECT_EQ(users.sid_user_list[1], "Anna");
+    EXPECT_EQ(users.sid_user_list[2], "");
+    EXPECT_EQ(users.NameToSID("Anna"), "S-1-5-21-1-2-3-500");
+    w.screen.expect_box("Brightlock Suite");
+    w.screen.act([&] { EXPECT_EQ(users.NameToSID("anna"), ""); });
+    EXPECT_EQ(w.screen.boxes.back().text, "SID not found.");
+
+    w.screen.act([&] { w.program->show<profile>(); });
+    profile& bench = *w.program->loaded<profile>();
+    w.screen.expect_box("Brightlock Suite");
+    w.screen.expect_box("Brightlock Suite");
+    w.screen.act([&] { bench.Command2.click(); });
+    EXPECT_THAT(bench.List1.items(), ElementsAre("S-1-5-21-1-2-3-500", "Anna", "S-1-5-21-1-2-3-501", "",
+                                                 "S-1-5-21-1-2-3-502", ""));
+    w.screen.expect_box("Brightlock Suite");
+    w.screen.act([&] { bench.Command1.click(); });
+    EXPECT_EQ(w.screen.boxes.back().text, "C:\\WINDOWS\\system32\\config");
+}
+
+TEST_F(Users, BeyondAThousandProfilesTheTableEnds) {
+    for (int i = 0; i < 1000; ++i)
+        w.windows.add_profile("User" + std::to_string(i));
+    w.screen.expect_box("Brightlock Suite");
+    w.windows.registry.at(HKEY_LOCAL_MACHINE, product_key)
+        .set("UserPW", encode_password("secret", password_key));
+    w.start();
+    EXPECT_FALSE(w.screen.act([&] {
+        w.program->loaded<getpass>()->txt_pw.type("secret");
+        w.program->loaded<getpass>()->cmd_ok.click();
+    }));
+    EXPECT_THAT(w.screen.boxes.back().text, HasSubstr("Run-time error '9'"));
+}
+
+}  // namespace
+}  // namespace britlock
