@@ -114,7 +114,9 @@ FileError MemoryFiles::set_attributes(std::string_view path, uint32_t attributes
 
 std::optional<std::vector<FoundFile>> MemoryFiles::find(std::string_view pattern) {
     const auto search = parse_pattern(pattern);
-    if (!search || !entries_.contains(search->folder.text())) return std::nullopt;
+    if (!search) return std::nullopt;
+    const std::string folder = search->folder.text();
+    if (!entries_.contains(folder) || faults_.contains(folder)) return std::nullopt;
     std::vector<FoundFile> found;
     for (const auto& [path, entry] : entries_) {
         const auto place = parse_path(path);
