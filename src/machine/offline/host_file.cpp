@@ -39,9 +39,10 @@ FileError take_over(const HostPlace& place, int to) {
     if (!old) return old.error();
     struct stat status {};
     if (fstat(old->number(), &status) != 0) return file_error(errno);
-    copy_extended_attributes(old->number(), to);
     (void)fchown(to, status.st_uid, status.st_gid);  // only root may give a file away
-    return fchmod(to, status.st_mode & 07777) == 0 ? no_error : file_error(errno);
+    if (fchmod(to, status.st_mode & 07777) != 0) return file_error(errno);
+    copy_extended_attributes(old->number(), to);  // last: on NTFS a change of the mode rewrites the ACL
+    return no_error;
 }
 
 }  // namespace

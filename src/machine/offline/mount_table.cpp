@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <pwd.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -83,20 +84,21 @@ regf::Result<Done> MountTable::add(const Mount& mount) const {
     if (mount.name.size() > longest_name)
         return regf::Error{regf::ErrorKind::invalid, "the name of the key is too long"};
     if (const auto made = make_folders(folder_); !made) return made.error();
+    // Two tools at a time must not take one name: not every file system can rename without replacing.
+    const Descriptor folder(open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder.is_open() || flock(folder.number(), LOCK_EX) != 0)
+        return system_error("cannot open the folder of the mounts");
     const std::string path = path_of(mount.name);
-    const std::string beside = path + "." + std::to_string(getpid());
-    const Descriptor file(open(beside.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0600));
-    if (!file.is_open()) return system_error("cannot record the mount");
-    const FileError error = write_all(file.number(), mount_frame(mount));
-    const bool written = error == no_error && fsync(file.number()) == 0 &&
-                         renameat2(AT_FDCWD, beside.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0;
-    if (written) return Done{};
-    const regf::Error reason =
-        errno == EEXIST
-            ? regf::Error{regf::ErrorKind::refused, "HKU\\" + text::to_utf8(mount.name) + " is taken already"}
-            : system_error("cannot record the mount");
-    (void)unlink(beside.c_str());
-    return reason;
+    if (access(path.c_str(), F_OK) == 0)
+        return regf::Error{regf::ErrorKind::refused,
+                           "HKU\\" + text::to_utf8(mount.name) + " is taken already"};
+    const HostPlace place{folder.duplicate(), path.substr(folder_.size() + 1), false};
+    const FileError error =
+        replace_file(place, [&](int file) { return write_all(file, mount_frame(mount)); });
+    if (error == no_error) return Done{};
+    if (error == device_full)
+        return regf::Error{regf::ErrorKind::no_space, "no room to record the mount: the disk is full"};
+    return regf::Error{regf::ErrorKind::io, "cannot record the mount in " + folder_};
 }
 
 regf::Result<Done> MountTable::remove(std::string_view name) const {

@@ -77,7 +77,7 @@ Result<Done> write_hive(const std::string& path, uint32_t minor, const std::u16s
         const auto key = hive.create(text::to_utf16(row.key), now);
         if (!key) return key.error();
         if (row.name.empty()) continue;
-        const auto set = hive.set_value(*key, text::to_utf16(row.name), value_of(row), now);
+        auto set = hive.set_value(*key, text::to_utf16(row.name), value_of(row), now);
         if (!set) return set;
     }
     return regf::write_new({AT_FDCWD, path}, hive, now);
@@ -153,8 +153,11 @@ Result<Done> make_machine_hives(const std::string& config, const Family& family)
     int account = 500;
     for (const char* person : people) {
         const std::string sid = "S-1-5-21-1645522239-1292428093-839522115-" + std::to_string(account);
-        rows.push_back(
-            {profile_list + "\\" + sid, "ProfileImagePath", base + "\\" + person, regf::REG_EXPAND_SZ});
+        std::string key = profile_list;
+        key.append("\\").append(sid);
+        std::string image = base;
+        image.append("\\").append(person);
+        rows.push_back({key, "ProfileImagePath", image, regf::REG_EXPAND_SZ});
         account = account == 500 ? 1003 : account + 1;
     }
     if (auto made = write_hive(config + "/software", family.machine_minor,
