@@ -62,14 +62,18 @@ Processes::Started OfflineProcesses::start_hive_tool(const std::string& host_pro
     for (const std::string& argument : split_arguments(arguments))
         words.push_back(text::to_utf8(argument));
 
+    std::array<int, 2> ends{};
+    if (pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK) != 0) return {device_error, 0};
     Child child;
+    child.messages = Descriptor(ends[0]);
+    const Descriptor error_output(ends[1]);
     child.sealed = registry_.release_mounts();
     const std::string user = words.back().substr(words.back().find('\\') + 1);
     if (words.size() > 1 && words[1] == "unload") {
         const auto record = mounts_.find(text::from_utf8(user).value_or(""));
         if (record && (record->unsealed || !record->sealed.empty())) child.changed_user = user;
     }
-    return run(words, std::move(child));
+    return run(words, std::move(child), error_output.number());
 }
 
 Processes::Started OfflineProcesses::open_folder_window(const std::string& folder) {
@@ -77,18 +81,14 @@ Processes::Started OfflineProcesses::open_folder_window(const std::string& folde
     const auto place = path ? drives_.resolve(*path) : FileResult<HostPlace>(path.error());
     // The explorer starts and says itself that there is no such folder; nothing here can say it.
     if (!place || !place->exists || !open_folder(place->folder.number(), place->name)) return {no_error, 0};
-    return run({desktop_opener, place->path()}, {});
+    return run({desktop_opener, place->path()}, {}, STDERR_FILENO);
 }
 
-Processes::Started OfflineProcesses::run(const std::vector<std::string>& arguments, Child child) {
-    std::array<int, 2> ends{};
-    if (pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK) != 0) return {device_error, 0};
-    child.messages = Descriptor(ends[0]);
-    const Descriptor writing(ends[1]);
-
+Processes::Started OfflineProcesses::run(const std::vector<std::string>& arguments, Child child,
+                                         int error_output) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, writing.number(), STDERR_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, error_output, STDERR_FILENO);
     const std::vector<std::string> variables = environment(drives_, mounts_);
     const int failed = posix_spawnp(&child.process, arguments[0].c_str(), &actions, nullptr,
                                     pointers(arguments).data(), pointers(variables).data());
@@ -131,7 +131,7 @@ void OfflineProcesses::finish(Child& child, int status) {
 void OfflineProcesses::open_address(std::string_view address) {
     const std::string lower = text::lower(address);
     if (!lower.starts_with("http://") && !lower.starts_with("https://")) return;
-    (void)run({desktop_opener, text::to_utf8(address)}, {});  // nothing is said where that fails
+    (void)run({desktop_opener, text::to_utf8(address)}, {}, STDERR_FILENO);  // nothing is said of a failure
 }
 
 }  // namespace machine

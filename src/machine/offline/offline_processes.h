@@ -34,8 +34,8 @@ class OfflineProcesses : public Processes {
 
   private:
     struct Child {
-        pid_t process = 0;  ///< 0 once it has ended
-        Descriptor messages;
+        pid_t process = 0;    ///< 0 once it has ended
+        Descriptor messages;  ///< the hive tool's error output
         std::string message;  ///< what it wrote to its error output
         uint32_t code = still_active;
         std::string changed_user;  ///< whose changes the tool is to write, if there are any
@@ -43,7 +43,7 @@ class OfflineProcesses : public Processes {
     };
     Started start_hive_tool(const std::string& host_program, const std::string& arguments);
     Started open_folder_window(const std::string& folder);
-    Started run(const std::vector<std::string>& arguments, Child child);
+    Started run(const std::vector<std::string>& arguments, Child child, int error_output);
     void finish(Child& child, int status);
 
     const DriveMap& drives_;

@@ -48,19 +48,21 @@ ClockTime OfflineSystem::local_time() {
 }
 
 std::string OfflineSystem::long_time() {
-    const locale_t locale = newlocale(LC_TIME_MASK | LC_CTYPE_MASK, "", nullptr);
-    std::string format = locale ? nl_langinfo_l(T_FMT, locale) : "%T";
-    for (const char* zone : {" %Z", " %z", "%Z", "%z"}) {
-        if (const size_t at = format.find(zone); at != std::string::npos)
-            format.erase(at, std::string_view(zone).size());
-    }
+    constexpr auto plain = "%H:%M:%S";
     const tm time = now();
     std::array<char, 100> out{};
-    const size_t size = locale ? strftime_l(out.data(), out.size(), format.c_str(), &time, locale)
-                               : strftime(out.data(), out.size(), format.c_str(), &time);
-    if (locale) freelocale(locale);
-    const std::string written(out.data(), size);
-    return text::from_utf8(written).value_or(written);
+    const locale_t locale = newlocale(LC_TIME_MASK | LC_CTYPE_MASK, "", nullptr);
+    if (locale) {
+        std::string format = nl_langinfo_l(T_FMT, locale);
+        for (const char* zone : {" %Z", " %z", "%Z", "%z"}) {
+            if (const size_t at = format.find(zone); at != std::string::npos)
+                format.erase(at, std::string_view(zone).size());
+        }
+        const size_t size = strftime_l(out.data(), out.size(), format.c_str(), &time, locale);
+        freelocale(locale);
+        if (const auto ansi = text::from_utf8({out.data(), size}); ansi && size > 0) return *ansi;
+    }
+    return {out.data(), strftime(out.data(), out.size(), plain, &time)};
 }
 
 }  // namespace machine
