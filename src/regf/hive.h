@@ -157,6 +157,8 @@ class Hive {
   private:
     struct State;
     explicit Hive(std::unique_ptr<State> state);
+    std::u16string path_of(Key key) const;
+    std::optional<Error> refuse_edit(Key key, uint64_t size, uint64_t cells) const;
     std::unique_ptr<State> state_;
 };
 

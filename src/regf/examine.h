@@ -1,0 +1,27 @@
+#pragma once
+
+#include <vector>
+
+#include "regf/hive.h"
+#include "regf/image.h"
+
+namespace regf {
+
+struct Examination {
+    std::vector<Finding> findings;
+    /// The tree of keys can be walked: it has a root, no key is reached twice, none lies too deep.
+    bool walkable = true;
+
+    const Finding* first_error() const;
+};
+
+/// Holds an image against every rule of the format.
+Examination examine(const Image& image, size_t limit);
+
+/// "damaged at 0x1A40: ..."
+std::string describe(const Finding& finding);
+
+/// XOR of the first 127 words, with the two values that are never stored.
+uint32_t base_block_checksum(std::span<const uint8_t> base_block);
+
+}  // namespace regf

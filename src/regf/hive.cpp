@@ -1,0 +1,328 @@
+#include "regf/hive.h"
+
+#include <algorithm>
+#include <ctime>
+
+#include "regf/bytes.h"
+#include "regf/editor.h"
+#include "regf/examine.h"
+#include "regf/image.h"
+#include "regf/layout.h"
+#include "regf/model.h"
+#include "regf/records.h"
+#include "regf/recovery.h"
+
+namespace regf {
+
+struct Hive::State {
+    explicit State(Bytes bytes) : opened(bytes), image(std::move(bytes)) {}
+
+    Bytes opened;  ///< as it was when it was opened, recovered where it had to be
+    Image image;
+    bool recovered = false;
+    std::string read_only_reason;
+    std::vector<Change> changes;
+
+    Editor editor() { return Editor(image); }
+    std::optional<CellView> key(Key key) const { return key_record(image, key.cell); }
+};
+
+namespace {
+
+constexpr uint32_t oldest_writable = 3;
+constexpr uint32_t newest_writable = 5;
+
+/// The parts of a path; a doubled or a closing backslash makes none.
+std::vector<std::u16string_view> parts_of(std::u16string_view path) {
+    std::vector<std::u16string_view> out;
+    while (!path.empty()) {
+        const size_t end = std::min(path.find(u'\\'), path.size());
+        if (end > 0) out.push_back(path.substr(0, end));
+        path.remove_prefix(std::min(end + 1, path.size()));
+    }
+    return out;
+}
+
+std::string why_read_only(const Image& image, const Examination& examination) {
+    if (const Finding* error = examination.first_error()) return "the hive is damaged " + describe(*error);
+    const uint32_t minor = image.minor_version();
+    if (minor < oldest_writable || minor > newest_writable) {
+        return "hives of version 1." + std::to_string(minor) + " are not written";
+    }
+    return "";
+}
+
+}  // namespace
+
+Hive::Hive(std::unique_ptr<State> state) : state_(std::move(state)) {}
+Hive::Hive(Hive&&) noexcept = default;
+Hive& Hive::operator=(Hive&&) noexcept = default;
+Hive::~Hive() = default;
+
+Result<Hive> Hive::open(Bytes bytes, const std::vector<Log>& logs) {
+    if (!has_signature(bytes, "regf")) return Error{ErrorKind::not_a_hive, "not a registry hive"};
+    const bool dirty = !is_clean(bytes);
+    if (dirty) {
+        auto recovered = recover(bytes, logs);
+        if (!recovered) return recovered.error();
+        bytes = std::move(*recovered);
+    }
+    auto state = std::make_unique<State>(std::move(bytes));
+    state->recovered = dirty;
+    const Examination examination = examine(state->image, 1);
+    if (!examination.walkable) {
+        return Error{ErrorKind::damaged, "the hive is damaged " + describe(*examination.first_error())};
+    }
+    state->read_only_reason = why_read_only(state->image, examination);
+    return Hive(std::move(state));
+}
+
+bool Hive::recovered() const { return state_->recovered; }
+const std::string& Hive::read_only_reason() const { return state_->read_only_reason; }
+uint32_t Hive::minor_version() const { return state_->image.minor_version(); }
+const std::vector<Change>& Hive::changes() const { return state_->changes; }
+
+// --- reading
+
+Key Hive::root() const { return {state_->image.root()}; }
+
+std::optional<Key> Hive::find_subkey(Key parent, std::u16string_view name) const {
+    const auto found = Editor(state_->image).find_subkey(parent.cell, name);
+    return found ? std::optional(Key{*found}) : std::nullopt;
+}
+
+std::optional<Key> Hive::find(std::u16string_view path) const {
+    std::optional<Key> key = root();
+    for (const std::u16string_view part : parts_of(path)) {
+        key = find_subkey(*key, part);
+        if (!key) break;
+    }
+    return key;
+}
+
+std::vector<Key> Hive::subkeys(Key key) const {
+    std::vector<Key> out;
+    if (const auto record = state_->key(key)) {
+        for (uint32_t offset : subkey_offsets(state_->image, *record))
+            out.push_back({offset});
+    }
+    return out;
+}
+
+std::u16string Hive::name(Key key) const {
+    const auto record = state_->key(key);
+    return record ? key_name(*record) : std::u16string();
+}
+
+std::u16string Hive::class_name(Key key) const {
+    const auto record = state_->key(key);
+    return record ? class_name_of(state_->image, *record).value_or(u"") : std::u16string();
+}
+
+FileTime Hive::last_written(Key key) const {
+    const auto record = state_->key(key);
+    return record ? get64(*record, nk::last_written) : 0;
+}
+
+uint16_t Hive::flags(Key key) const {
+    const auto record = state_->key(key);
+    return record ? get16(*record, nk::flags) : uint16_t{0};
+}
+
+ByteView Hive::security(Key key) const {
+    const auto record = state_->key(key);
+    if (!record) return {};
+    return security_descriptor(state_->image, get32(*record, nk::security)).value_or(ByteView());
+}
+
+std::vector<Hive::NamedValue> Hive::values(Key key) const {
+    std::vector<NamedValue> out;
+    const auto record = state_->key(key);
+    if (!record) return out;
+    for (uint32_t at : value_offsets(state_->image, *record)) {
+        const auto value = value_record(state_->image, at);
+        if (!value) continue;
+        auto data = value_data(state_->image, *value);
+        out.push_back({value_name(*value), value_type(*value), data.value_or(Bytes{}), data.has_value()});
+    }
+    return out;
+}
+
+std::optional<Value> Hive::value(Key key, std::u16string_view name) const {
+    const auto at = Editor(state_->image).find_value(key.cell, name);
+    if (!at) return std::nullopt;
+    const CellView record = *value_record(state_->image, *at);
+    auto data = value_data(state_->image, record);
+    if (!data) return std::nullopt;
+    return Value{value_type(record), std::move(*data)};
+}
+
+// --- edits
+
+namespace {
+
+Error missing(const std::string& what) { return {ErrorKind::missing, what}; }
+
+}  // namespace
+
+std::u16string Hive::path_of(Key key) const {
+    std::u16string path;
+    for (uint32_t at = key.cell; at != state_->image.root();) {
+        const CellView record = *key_record(state_->image, at);
+        path = path.empty() ? key_name(record) : key_name(record) + u'\\' + path;
+        at = get32(record, nk::parent);
+    }
+    return path;
+}
+
+/// What every edit of a key asks first: may the hive be written, is the key there, is room for `size` bytes
+/// in `cells` cells?
+std::optional<Error> Hive::refuse_edit(Key key, uint64_t size, uint64_t cells) const {
+    if (!state_->read_only_reason.empty()) return Error{ErrorKind::unsupported, state_->read_only_reason};
+    const auto record = state_->key(key);
+    if (!record) return missing("no such key");
+    if (get16(*record, nk::flags) & (nk::predefined_handle | nk::is_mount_point)) {
+        return Error{ErrorKind::refused, "a key that belongs to another hive"};
+    }
+    if (!state_->image.has_room_for(size, cells))
+        return Error{ErrorKind::no_space, "a hive cannot grow beyond 2 GiB"};
+    return std::nullopt;
+}
+
+Result<Key> Hive::create_subkey(Key parent, std::u16string_view name, FileTime now) {
+    if (name.empty() || name.size() > longest_key_name || name.find(u'\\') != std::u16string_view::npos) {
+        return Error{ErrorKind::invalid, "not a name for a key: " + printable(name)};
+    }
+    if (const auto existing = find_subkey(parent, name)) return *existing;
+    constexpr uint64_t list_bytes = 16 * 1024;  // of the lists that may be written anew
+    if (auto error = refuse_edit(parent, list_bytes + name.size() * 2, 6)) return *error;
+    uint32_t depth = 2;
+    for (uint32_t at = parent.cell; at != state_->image.root(); ++depth) {
+        at = get32(*key_record(state_->image, at), nk::parent);
+    }
+    if (depth > deepest_level) return Error{ErrorKind::invalid, "no key can lie below 512 levels"};
+    const Key key{state_->editor().add_key(parent.cell, name, now)};
+    state_->changes.push_back({Change::Kind::create_key, path_of(key), {}, {}, now});
+    return key;
+}
+
+Result<Key> Hive::create(std::u16string_view path, FileTime now, bool* created) {
+    Key key = root();
+    if (created) *created = false;
+    for (const std::u16string_view part : parts_of(path)) {
+        const size_t before = state_->changes.size();
+        auto next = create_subkey(key, part, now);
+        if (!next) return next.error();
+        key = *next;
+        if (created) *created = state_->changes.size() > before;
+    }
+    return key;
+}
+
+Result<Done> Hive::set_value(Key key, std::u16string_view name, const Value& value, FileTime now) {
+    if (name.size() > longest_value_name) return Error{ErrorKind::invalid, "a value's name is too long"};
+    const uint64_t segments = value.data.size() / db::segment_data + 1;
+    const uint64_t list_bytes =
+        state_->key(key) ? uint64_t{get32(*state_->key(key), nk::value_count)} * 8 : 0;
+    if (auto error = refuse_edit(key, list_bytes + value.data.size() * 2 + name.size() * 2, segments + 5))
+        return *error;
+    if (this->value(key, name) == value) return Done{};
+    state_->editor().set_value(key.cell, name, value, now);
+    state_->changes.push_back({Change::Kind::set_value, path_of(key), std::u16string(name), value, now});
+    return Done{};
+}
+
+Result<Done> Hive::delete_value(Key key, std::u16string_view name, FileTime now) {
+    if (auto error = refuse_edit(key, 0, 0)) return *error;
+    const auto at = state_->editor().find_value(key.cell, name);
+    if (!at) return missing("no value " + printable(name));
+    state_->editor().remove_value(key.cell, *at, now);
+    state_->changes.push_back({Change::Kind::delete_value, path_of(key), std::u16string(name), {}, now});
+    return Done{};
+}
+
+Result<Done> Hive::delete_key(Key key, FileTime now) {
+    if (auto error = refuse_edit(key, 0, 0)) return *error;
+    if (key == root()) return Error{ErrorKind::refused, "the root of a hive cannot be deleted"};
+    std::vector<Key> doomed{key};  // each behind its parent
+    for (size_t i = 0; i < doomed.size(); ++i) {
+        if (flags(doomed[i]) & (nk::no_delete | nk::is_mount_point | nk::predefined_handle)) {
+            return Error{ErrorKind::refused,
+                         "the key " + printable(path_of(doomed[i])) + " may not be deleted"};
+        }
+        const auto below = subkeys(doomed[i]);
+        doomed.insert(doomed.end(), below.begin(), below.end());
+    }
+    state_->changes.push_back({Change::Kind::delete_key, path_of(key), {}, {}, now});
+    Editor editor = state_->editor();
+    std::for_each(doomed.rbegin(), doomed.rend(), [&](Key each) {
+        editor.remove_key(each.cell, get32(*state_->key(each), nk::parent), now);
+    });
+    return Done{};
+}
+
+Result<Done> Hive::apply(const Change& change) {
+    if (change.kind == Change::Kind::create_key) {
+        auto made = create(change.path, change.when);
+        return made ? Result<Done>(Done{}) : Result<Done>(made.error());
+    }
+    const auto key = find(change.path);
+    if (!key) return missing("no key " + printable(change.path));
+    switch (change.kind) {
+        case Change::Kind::set_value:
+            return set_value(*key, change.name, change.value, change.when);
+        case Change::Kind::delete_value:
+            return delete_value(*key, change.name, change.when);
+        case Change::Kind::delete_key:
+            return delete_key(*key, change.when);
+        case Change::Kind::create_key:
+            break;
+    }
+    return Error{ErrorKind::invalid, "not a change"};
+}
+
+// --- sealing
+
+Result<Bytes> Hive::sealed_image(FileTime now) const {
+    Bytes bytes = state_->image.bytes();
+    const uint32_t sequence =
+        std::max(get32(bytes, base_block::primary_sequence), get32(bytes, base_block::secondary_sequence)) +
+        1;
+    put32(bytes, base_block::primary_sequence, sequence);
+    put32(bytes, base_block::secondary_sequence, sequence);
+    for (const size_t stamp : {base_block::last_written, base_block_size + bin::timestamp}) {
+        if (get64(bytes, stamp) != 0) put64(bytes, stamp, now);  // later systems leave them at 0
+    }
+    put32(bytes, base_block::type, 0);
+    put32(bytes, base_block::checksum, base_block_checksum(bytes));
+
+    // From here on nothing is taken from the edited image: the bytes are read as a stranger would.
+    const Image sealed(bytes);
+    const Examination examination = examine(sealed, 1);
+    if (const Finding* error = examination.first_error()) {
+        return Error{ErrorKind::damaged, "the new hive would be damaged " + describe(*error)};
+    }
+    const auto expected = model_of(Image(state_->opened));
+    for (const Change& change : state_->changes) {
+        if (!apply_to_model(*expected, change)) {
+            return Error{ErrorKind::damaged, "the changes do not fit the hive at " + printable(change.path)};
+        }
+    }
+    const std::string difference = first_difference(*expected, *model_of(sealed));
+    if (!difference.empty()) {
+        return Error{ErrorKind::damaged,
+                     "the new hive would differ in more than was asked for, at " + difference};
+    }
+    return bytes;
+}
+
+FileTime current_file_time() {
+    constexpr uint64_t steps_per_second = 10'000'000;
+    constexpr uint64_t seconds_from_1601_to_1970 = 11'644'473'600;
+    std::timespec now{};
+    (void)std::timespec_get(&now, TIME_UTC);
+    return (static_cast<uint64_t>(now.tv_sec) + seconds_from_1601_to_1970) * steps_per_second +
+           static_cast<uint64_t>(now.tv_nsec) / 100;
+}
+
+}  // namespace regf

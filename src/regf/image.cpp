@@ -1,0 +1,197 @@
+#include "regf/image.h"
+
+#include <algorithm>
+#include <cassert>
+
+#include "regf/bytes.h"
+#include "regf/layout.h"
+
+namespace regf {
+
+namespace {
+
+uint64_t in_file(uint32_t offset) { return base_block_size + uint64_t{offset}; }
+
+}  // namespace
+
+Image::Image(Bytes bytes) : bytes_(std::move(bytes)), base_size_(std::min(bytes_.size(), base_block_size)) {
+    if (bytes_.size() < base_block_size + bin_unit) {
+        fail(0, "the file is shorter than the smallest hive");
+        return;
+    }
+    bins_size_ = get32(bytes_, base_block::bins_size);
+    walk_bins();
+}
+
+uint32_t Image::root() const { return base_size_ < base_block_size ? nil : get32(bytes_, base_block::root); }
+
+uint32_t Image::minor_version() const {
+    return base_size_ < base_block_size ? 0 : get32(bytes_, base_block::minor);
+}
+
+void Image::fail(uint32_t offset, std::string text) {
+    if (!problem_) problem_ = Problem{in_file(offset), std::move(text)};
+}
+
+void Image::walk_bins() {
+    const uint64_t room =
+        std::min<uint64_t>(bytes_.size() - base_block_size, largest_bins_size) / bin_unit * bin_unit;
+    if (bins_size_ == 0 || bins_size_ % bin_unit != 0)
+        fail(0, "the size of the hive bins is no multiple of 4096");
+    if (bins_size_ > room) fail(static_cast<uint32_t>(room), "the file ends before its last hive bin");
+    const auto end = static_cast<uint32_t>(std::min<uint64_t>(bins_size_ / bin_unit * bin_unit, room));
+    starts_.assign(end / 8, Start::none);
+    for (uint32_t at = 0; at < end;) {
+        const auto header = std::span<const uint8_t>(bytes_).subspan(in_file(at), bin_header_size);
+        const uint32_t size = get32(header, bin::size);
+        if (!has_signature(header, "hbin")) return fail(at, "no hive bin begins here");
+        if (get32(header, bin::offset) != at) return fail(at, "a hive bin tells another place than its own");
+        if (size == 0 || size % bin_unit != 0 || size > end - at)
+            return fail(at, "a hive bin of impossible size");
+        bins_.insert(at);
+        if (!walk_cells(at + bin_header_size, at + size)) return;
+        at += size;
+    }
+}
+
+bool Image::walk_cells(uint32_t at, uint32_t bin_end) {
+    bool free_before = false;
+    while (at < bin_end) {  // at least 8 bytes forward each turn
+        const int64_t field = size_field(at);
+        const int64_t size = field < 0 ? -field : field;
+        if (size < 8 || size % 8 != 0 || size > bin_end - at) {
+            fail(at, "a cell of impossible size");
+            return false;
+        }
+        const bool free = field > 0;
+        if (free && free_before) unmerged_.push_back(at);
+        if (free) {
+            note_free(at, static_cast<uint32_t>(size));
+        } else {
+            start(at) = Start::used;
+        }
+        free_before = free;
+        at += static_cast<uint32_t>(size);
+    }
+    return true;
+}
+
+int32_t Image::size_field(uint32_t offset) const {
+    return static_cast<int32_t>(get32(bytes_, in_file(offset)));
+}
+
+void Image::set_size_field(uint32_t offset, int32_t size) {
+    put32(bytes_, in_file(offset), static_cast<uint32_t>(size));
+}
+
+void Image::note_free(uint32_t offset, uint32_t size) {
+    start(offset) = Start::free;
+    free_.emplace(size, offset);
+    set_size_field(offset, static_cast<int32_t>(size));
+}
+
+void Image::forget_free(uint32_t offset, uint32_t size) {
+    start(offset) = Start::none;
+    free_.erase({size, offset});
+}
+
+std::optional<std::span<const uint8_t>> Image::cell(uint32_t offset, size_t least) const {
+    if (offset % 8 != 0 || offset / 8 >= starts_.size() || starts_[offset / 8] != Start::used)
+        return std::nullopt;
+    const auto size = static_cast<size_t>(-int64_t{size_field(offset)}) - 4;
+    if (size < least) return std::nullopt;
+    return std::span<const uint8_t>(bytes_).subspan(in_file(offset) + 4, size);
+}
+
+std::optional<std::span<uint8_t>> Image::cell(uint32_t offset, size_t least) {
+    const auto found = std::as_const(*this).cell(offset, least);
+    if (!found) return std::nullopt;
+    return std::span(bytes_).subspan(in_file(offset) + 4, found->size());
+}
+
+std::vector<uint32_t> Image::used_cells() const {
+    std::vector<uint32_t> out;
+    for (size_t i = 0; i < starts_.size(); ++i) {
+        if (starts_[i] == Start::used) out.push_back(static_cast<uint32_t>(i * 8));
+    }
+    return out;
+}
+
+bool Image::has_room_for(uint64_t size, uint64_t cells) const {
+    const uint64_t worst = size + cells * (bin_unit + bin_header_size + 16);  // each in a bin of its own
+    return worst <= largest_bins_size - bins_size_;
+}
+
+bool Image::same_cell_size(uint32_t offset, size_t size) const {
+    const auto content = cell(offset);
+    return content && content->size() + 4 == cell_size_for(size);
+}
+
+uint32_t Image::allocate(size_t size) {
+    const auto wanted = static_cast<uint32_t>(cell_size_for(size));
+    auto fit = free_.lower_bound({wanted, 0});
+    if (fit == free_.end()) {
+        append_bin(wanted);
+        fit = free_.lower_bound({wanted, 0});
+    }
+    const auto [found_size, offset] = *fit;
+    forget_free(offset, found_size);
+    if (found_size > wanted) note_free(offset + wanted, found_size - wanted);
+    start(offset) = Start::used;
+    set_size_field(offset, -static_cast<int32_t>(wanted));
+    std::fill_n(bytes_.begin() + static_cast<ptrdiff_t>(in_file(offset) + 4), wanted - 4, uint8_t{0});
+    return offset;
+}
+
+void Image::release(uint32_t offset) {
+    assert(start(offset) == Start::used);
+    auto begin = offset;
+    auto size = static_cast<uint32_t>(-size_field(offset));
+    std::fill_n(bytes_.begin() + static_cast<ptrdiff_t>(in_file(offset) + 4), size - 4, uint8_t{0});
+    start(offset) = Start::none;
+
+    const uint32_t bin_start = *std::prev(bins_.upper_bound(offset));
+    const auto next_bin = bins_.upper_bound(offset);
+    const uint32_t bin_end = next_bin == bins_.end() ? bins_size_ : *next_bin;
+    while (begin + size < bin_end && start(begin + size) == Start::free) {
+        const auto behind = static_cast<uint32_t>(size_field(begin + size));
+        forget_free(begin + size, behind);
+        size += behind;
+    }
+    // The free cell before, if there is one, begins at the last mark in front of this cell.
+    const uint32_t first = bin_start + static_cast<uint32_t>(bin_header_size);
+    for (uint32_t at = begin; at > first;) {
+        at -= 8;
+        if (start(at) == Start::none) continue;
+        if (start(at) == Start::free) {
+            const auto before = static_cast<uint32_t>(size_field(at));
+            forget_free(at, before);
+            size += before;
+            begin = at;
+            continue;
+        }
+        break;
+    }
+    note_free(begin, size);
+}
+
+/// The file keeps its length while the new bin fits into its tail; what lay there has no meaning.
+void Image::append_bin(size_t cell_size) {
+    const uint64_t size = (cell_size + bin_header_size + bin_unit - 1) / bin_unit * bin_unit;
+    assert(size <= largest_bins_size - bins_size_);
+    const uint32_t at = bins_size_;
+    const uint64_t end = in_file(at) + size;
+    if (bytes_.size() < end) bytes_.resize(end);
+    std::fill_n(bytes_.begin() + static_cast<ptrdiff_t>(in_file(at)), size, uint8_t{0});
+    const auto header = std::span(bytes_).subspan(in_file(at), bin_header_size);
+    std::copy_n("hbin", 4, header.begin());
+    put32(header, bin::offset, at);
+    put32(header, bin::size, static_cast<uint32_t>(size));
+    bins_.insert(at);
+    bins_size_ += static_cast<uint32_t>(size);
+    put32(bytes_, base_block::bins_size, bins_size_);
+    starts_.resize(bins_size_ / 8, Start::none);
+    note_free(at + bin_header_size, static_cast<uint32_t>(size - bin_header_size));
+}
+
+}  // namespace regf

@@ -1,0 +1,222 @@
+#include "regf/records.h"
+
+#include <algorithm>
+
+#include "regf/bytes.h"
+#include "regf/layout.h"
+
+namespace regf {
+
+std::optional<CellView> key_record(const Image& image, uint32_t offset) {
+    const auto key = image.cell(offset, nk::name);
+    if (!key || !has_signature(*key, "nk")) return std::nullopt;
+    const size_t length = get16(*key, nk::name_length);
+    if (length == 0 || length > key->size() - nk::name) return std::nullopt;
+    return key;
+}
+
+std::u16string key_name(CellView key) {
+    return load_name(key.subspan(nk::name, get16(key, nk::name_length)),
+                     get16(key, nk::flags) & nk::compressed_name);
+}
+
+int compare_key_name(CellView key, std::u16string_view name) {
+    const bool compressed = get16(key, nk::flags) & nk::compressed_name;
+    const size_t length = get16(key, nk::name_length) / (compressed ? 1 : 2);
+    for (size_t i = 0; i < std::min(length, name.size()); ++i) {
+        const auto unit =
+            static_cast<char16_t>(compressed ? key[nk::name + i] : get16(key, nk::name + 2 * i));
+        const int difference = upcase(unit) - upcase(name[i]);
+        if (difference != 0) return difference;
+    }
+    return static_cast<int>(length) - static_cast<int>(name.size());
+}
+
+namespace {
+
+bool is_leaf(CellView list) {
+    return has_signature(list, "li") || has_signature(list, "lf") || has_signature(list, "lh");
+}
+
+/// The offsets in one list, whatever its kind.
+std::optional<std::vector<uint32_t>> elements(CellView list) {
+    const size_t count = get16(list, 2);
+    const size_t step = has_signature(list, "lf") || has_signature(list, "lh") ? 8 : 4;
+    if (count == 0 || count * step > list.size() - 4) return std::nullopt;
+    std::vector<uint32_t> out;
+    for (size_t i = 0; i < count; ++i)
+        out.push_back(get32(list, 4 + i * step));
+    return out;
+}
+
+std::optional<Leaf> read_leaf(const Image& image, uint32_t offset, uint32_t index_offset) {
+    const auto list = image.cell(offset, 4);
+    if (!list || !is_leaf(*list)) return std::nullopt;
+    auto keys = elements(*list);
+    if (!keys) return std::nullopt;
+    return Leaf{offset, index_offset, std::move(*keys)};
+}
+
+/// False where the rest cannot be read; what was read stays in `out`.
+bool read_leaves(const Image& image, CellView key, std::vector<Leaf>& out) {
+    if (get32(key, nk::subkey_count) == 0) return true;
+    const uint32_t offset = get32(key, nk::subkey_list);
+    const auto list = image.cell(offset, 4);
+    if (!list) return false;
+    if (!has_signature(*list, "ri")) {
+        auto leaf = read_leaf(image, offset, nil);
+        if (leaf) out.push_back(std::move(*leaf));
+        return leaf.has_value();
+    }
+    const auto leaves = elements(*list);
+    if (!leaves) return false;
+    // A leaf named again and again must not make a small file large in memory.
+    size_t total = 0;
+    const size_t most = image.bins_size() / 8;
+    for (uint32_t at : *leaves) {
+        auto leaf = read_leaf(image, at, offset);
+        if (!leaf || (total += leaf->keys.size()) > most) return false;
+        out.push_back(std::move(*leaf));
+    }
+    return true;
+}
+
+}  // namespace
+
+std::optional<std::vector<Leaf>> subkey_leaves(const Image& image, CellView key) {
+    std::vector<Leaf> out;
+    if (!read_leaves(image, key, out)) return std::nullopt;
+    return out;
+}
+
+std::vector<uint32_t> subkey_offsets(const Image& image, CellView key) {
+    std::vector<Leaf> leaves;
+    (void)read_leaves(image, key, leaves);  // a damaged rest is a finding of the validator
+    std::vector<uint32_t> out;
+    for (const Leaf& leaf : leaves) {
+        for (uint32_t offset : leaf.keys) {
+            if (key_record(image, offset)) out.push_back(offset);
+        }
+    }
+    return out;
+}
+
+std::optional<CellView> value_record(const Image& image, uint32_t offset) {
+    const auto value = image.cell(offset, vk::name);
+    if (!value || !has_signature(*value, "vk")) return std::nullopt;
+    if (get16(*value, vk::name_length) > value->size() - vk::name) return std::nullopt;
+    return value;
+}
+
+std::u16string value_name(CellView value) {
+    return load_name(value.subspan(vk::name, get16(value, vk::name_length)),
+                     get16(value, vk::flags) & vk::compressed_name);
+}
+
+std::vector<uint32_t> value_offsets(const Image& image, CellView key) {
+    const size_t count = get32(key, nk::value_count);
+    if (count == 0 || (get16(key, nk::flags) & nk::predefined_handle)) return {};
+    const auto list = image.cell(get32(key, nk::value_list));
+    std::vector<uint32_t> out;
+    if (!list) return out;
+    for (size_t i = 0; i < std::min(count, list->size() / 4); ++i)
+        out.push_back(get32(*list, i * 4));
+    return out;
+}
+
+uint32_t value_type(CellView value) { return get32(value, vk::type); }
+
+std::optional<DataPlace> value_data_place(const Image& image, CellView value) {
+    const uint32_t told = get32(value, vk::data_size);
+    DataPlace place;
+    place.size = told & ~vk::resident;
+    if (told & vk::resident) {
+        place.resident = true;
+        if (place.size > vk::most_resident) return std::nullopt;
+        return place;
+    }
+    if (place.size == 0) return place;
+    place.cell = get32(value, vk::data);
+    if (place.size <= db::segment_data || image.minor_version() < db::first_minor_version) {
+        if (!image.cell(place.cell, place.size)) return std::nullopt;
+        return place;
+    }
+    const auto record = image.cell(place.cell, 8);
+    if (!record || !has_signature(*record, "db")) return std::nullopt;
+    const uint32_t count = get16(*record, db::segment_count);
+    if (count < 2 || count != (uint64_t{place.size} + db::segment_data - 1) / db::segment_data)
+        return std::nullopt;
+    place.segment_list = get32(*record, db::segment_list);
+    const auto list = image.cell(*place.segment_list, size_t{count} * 4);
+    if (!list) return std::nullopt;
+    for (uint32_t i = 0, left = place.size; i < count; ++i) {
+        const uint32_t here = std::min(left, db::segment_data);
+        place.segments.push_back(get32(*list, size_t{i} * 4));
+        if (!image.cell(place.segments.back(), here)) return std::nullopt;
+        left -= here;
+    }
+    return place;
+}
+
+std::optional<Bytes> value_data(const Image& image, CellView value) {
+    const auto place = value_data_place(image, value);
+    if (!place) return std::nullopt;
+    auto copy = [](CellView from, size_t size) {
+        return Bytes(from.begin(), from.begin() + static_cast<ptrdiff_t>(size));
+    };
+    if (place->resident) return copy(value.subspan(vk::data), place->size);
+    if (place->size == 0) return Bytes{};
+    if (place->segments.empty()) return copy(*image.cell(place->cell), place->size);
+    Bytes out;
+    for (uint32_t segment : place->segments) {
+        const auto cell = *image.cell(segment);
+        const size_t here = std::min<size_t>(place->size - out.size(), db::segment_data);
+        out.insert(out.end(), cell.begin(), cell.begin() + static_cast<ptrdiff_t>(here));
+    }
+    return out;
+}
+
+std::optional<CellView> security_descriptor(const Image& image, uint32_t offset) {
+    const auto record = image.cell(offset, sk::descriptor);
+    if (!record || !has_signature(*record, "sk")) return std::nullopt;
+    const size_t size = get32(*record, sk::descriptor_size);
+    if (size == 0 || size > record->size() - sk::descriptor) return std::nullopt;
+    return record->subspan(sk::descriptor, size);
+}
+
+namespace {
+
+bool has_sid(CellView descriptor, uint32_t at) {
+    if (at == 0 || at > descriptor.size() || descriptor.size() - at < 8) return false;
+    const size_t sub_authorities = descriptor[at + 1];
+    return descriptor[at] == 1 && sub_authorities <= 15 && descriptor.size() - at >= 8 + 4 * sub_authorities;
+}
+
+/// An absent list is legal.
+bool has_acl(CellView descriptor, uint32_t at) {
+    if (at == 0) return true;
+    if (at > descriptor.size() || descriptor.size() - at < 8) return false;
+    const size_t size = get16(descriptor, at + 2);
+    return size >= 8 && size <= descriptor.size() - at;
+}
+
+}  // namespace
+
+bool is_valid_descriptor(CellView descriptor) {
+    constexpr size_t header = 20;
+    constexpr uint16_t self_relative = 0x8000;
+    if (descriptor.size() < header || descriptor[0] != 1 || !(get16(descriptor, 2) & self_relative))
+        return false;
+    return has_sid(descriptor, get32(descriptor, 4)) && has_sid(descriptor, get32(descriptor, 8)) &&
+           has_acl(descriptor, get32(descriptor, 12)) && has_acl(descriptor, get32(descriptor, 16));
+}
+
+std::optional<std::u16string> class_name_of(const Image& image, CellView key) {
+    const size_t length = get16(key, nk::class_length);
+    if (length == 0) return std::u16string();
+    const auto cell = image.cell(get32(key, nk::class_name), length);
+    if (!cell) return std::nullopt;
+    return load_name(cell->first(length), false);
+}
+
+}  // namespace regf

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "regf/image.h"
+#include "regf/names.h"
+
+/// Reading the records of an image. Every offset goes through Image::cell; an answer of none means that the
+/// record breaks a rule of the format.
+namespace regf {
+
+using CellView = std::span<const uint8_t>;
+
+/// The record of a key, its name whole.
+std::optional<CellView> key_record(const Image& image, uint32_t offset);
+std::u16string key_name(CellView key);
+/// As compare_names, without making a string.
+int compare_key_name(CellView key, std::u16string_view name);
+
+/// One leaf of a key's subkey list.
+struct Leaf {
+    uint32_t offset;
+    uint32_t index_offset;  ///< nil, or the index (`ri`) that holds it
+    std::vector<uint32_t> keys;
+};
+/// The leaves of a key in order; none where a list is damaged (or is an index inside an index).
+std::optional<std::vector<Leaf>> subkey_leaves(const Image& image, CellView key);
+/// The subkeys as the lists name them; what cannot be read ends the list.
+std::vector<uint32_t> subkey_offsets(const Image& image, CellView key);
+
+std::optional<CellView> value_record(const Image& image, uint32_t offset);
+std::u16string value_name(CellView value);
+std::vector<uint32_t> value_offsets(const Image& image, CellView key);
+
+/// The cells that hold a value's data, with what each must have.
+struct DataPlace {
+    uint32_t size = 0;           ///< bytes
+    bool resident = false;       ///< in the value record itself
+    uint32_t cell = 0xFFFFFFFF;  ///< the data, or the big-data record
+    std::optional<uint32_t> segment_list;
+    std::vector<uint32_t> segments;
+};
+/// None where a cell is missing or too small for what is told of it.
+std::optional<DataPlace> value_data_place(const Image& image, CellView value);
+std::optional<Bytes> value_data(const Image& image, CellView value);
+uint32_t value_type(CellView value);
+
+/// The descriptor in a security record; none where it does not fit.
+std::optional<CellView> security_descriptor(const Image& image, uint32_t offset);
+/// Revision, self-relative, owner and group there, everything inside.
+bool is_valid_descriptor(CellView descriptor);
+
+std::optional<std::u16string> class_name_of(const Image& image, CellView key);
+
+}  // namespace regf

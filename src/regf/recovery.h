@@ -1,0 +1,16 @@
+#pragma once
+
+#include <vector>
+
+#include "regf/hive.h"
+
+namespace regf {
+
+/// Is the base block sound, and was its last write finished?
+bool is_clean(ByteView image);
+
+/// Completes the unfinished writes of a dirty hive from its logs, as Windows does; the result is clean.
+/// `dirty` where no log fits.
+Result<Bytes> recover(const Bytes& image, const std::vector<Log>& logs);
+
+}  // namespace regf

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+
+#include "regf/hive.h"
+
+namespace regf {
+
+/// Everything that a hive says, one line for each key and value, in the order of the file. Names are escaped
+/// so that a line is ASCII whatever they hold.
+std::string dump(const Hive& hive);
+/// The same with time stamps, flags, class names and security descriptors.
+std::string full_dump(const Hive& hive);
+
+Bytes read_file(const std::string& path);
+void write_file(const std::string& path, const Bytes& bytes);
+
+/// A folder of its own for each test, gone afterwards.
+class TemporaryFolder {
+  public:
+    TemporaryFolder();
+    ~TemporaryFolder();
+    const std::string& path() const { return path_; }
+    std::string operator/(const std::string& name) const { return path_ + "/" + name; }
+
+  private:
+    std::string path_;
+};
+
+}  // namespace regf

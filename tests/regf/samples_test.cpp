@@ -1,0 +1,171 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+
+#include "regf/dump.h"
+#include "regf/file.h"
+
+namespace regf {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+const fs::path samples = SAMPLE_HIVES;
+
+struct Samples : testing::Test {
+    void SetUp() override {
+        if (!fs::exists(samples)) GTEST_SKIP() << "the sample hives are not there";
+    }
+};
+
+/// What another reader says of a hive file; empty where it cannot read it.
+std::string foreign_dump(const fs::path& file) {
+    const std::string command =
+        std::string("/usr/bin/python3 " TEST_SOURCES "/foreign_dump.py '") + file.string() + "' 2>/dev/null";
+    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+    std::string out;
+    std::array<char, 65536> buffer{};
+    while (const size_t got = fread(buffer.data(), 1, buffer.size(), pipe.get()))
+        out.append(buffer.data(), got);
+    return out;
+}
+
+bool foreign_reader_is_there() { return std::system("/usr/bin/python3 -c 'import hivex' 2>/dev/null") == 0; }
+
+Result<HiveFile> open_file(const fs::path& file) {
+    const FilePlace place{-100, file.string()};
+    auto lock = FileLock::acquire(place);
+    if (!lock) return lock.error();
+    return read_hive(place, *lock);
+}
+
+/// Line by line, so that a difference is readable.
+void expect_same(const std::string& ours, const std::string& theirs, const std::string& what) {
+    if (ours == theirs) return;
+    const auto [a, b] = std::mismatch(ours.begin(), ours.end(), theirs.begin(), theirs.end());
+    auto around = [](const std::string& s, std::string::const_iterator at) {
+        const auto start = std::max<std::ptrdiff_t>(0, at - s.begin() - 60);
+        return s.substr(static_cast<size_t>(start), 160);
+    };
+    ADD_FAILURE() << what << "\n ours:   ..." << around(ours, a) << "\n theirs: ..." << around(theirs, b);
+}
+
+TEST_F(Samples, AreReadAsAnotherReaderReadsThemOrRefused) {
+    if (!foreign_reader_is_there()) GTEST_SKIP() << "the other reader (python3-hivex) is not installed";
+    std::map<std::string, std::string> verdicts;
+    int same = 0;
+    for (const auto& entry : fs::recursive_directory_iterator(samples)) {
+        const std::string name = entry.path().filename().string();
+        if (!entry.is_regular_file() || name == "README.md" || name.find(".LOG") != std::string::npos)
+            continue;
+        const auto ours = open_file(entry.path());
+        if (!ours) {
+            EXPECT_THAT(ours.error().message, HasSubstr(name));
+            verdicts[name] = "refused: " + ours.error().message;
+            continue;
+        }
+        if (ours->hive.recovered()) continue;  // another reader sees the unfinished state
+        const std::string theirs = foreign_dump(entry.path());
+        if (theirs.empty()) {
+            verdicts[name] = "read by us alone";
+            continue;
+        }
+        expect_same(dump(ours->hive), theirs, name);
+        verdicts[name] =
+            "same" + (ours->hive.read_only_reason().empty() ? "" : ", " + ours->hive.read_only_reason());
+        ++same;
+    }
+    for (const auto& [name, verdict] : verdicts)
+        std::cout << "  " << name << ": " << verdict << "\n";
+    EXPECT_GE(same, 8);
+}
+
+TEST_F(Samples, OfDirtyHivesAreRecoveredAsWindowsDoes) {
+    struct Dirty {
+        const char* hive;
+        const char* recovered;
+    };
+    for (const Dirty& d : {Dirty{"dirty/old-log/OldDirtyHive", "dirty/old-log/RecoveredHive_Windows7"},
+                           Dirty{"dirty/new-log/NewDirtyHive", "dirty/new-log/RecoveredHive_Windows10"}}) {
+        const auto ours = open_file(samples / d.hive);
+        ASSERT_TRUE(ours) << ours.error().message;
+        EXPECT_TRUE(ours->hive.recovered());
+        EXPECT_EQ(ours->hive.read_only_reason(), "");
+        const auto windows = open_file(samples / d.recovered);
+        ASSERT_TRUE(windows);
+        expect_same(dump(ours->hive), dump(windows->hive), d.hive);
+    }
+    const auto bad = open_file(samples / "dirty/bad-log/BadLogHive");
+    ASSERT_FALSE(bad);
+    EXPECT_EQ(bad.error().kind, ErrorKind::dirty);
+    const auto without_log = Hive::open(read_file(samples / "dirty/new-log/NewDirtyHive"));
+    ASSERT_FALSE(without_log);
+    EXPECT_EQ(without_log.error().kind, ErrorKind::dirty);
+}
+
+TEST_F(Samples, WithRulesBrokenAreNeverWritten) {
+    for (const char* name : {"BadListHive", "BadSubkeyHive", "GarbageHive", "InvalidParentHive",
+                             "TruncatedHive", "WrongOrderHive"}) {
+        SCOPED_TRACE(name);
+        auto opened = open_file(samples / "odd" / name);
+        if (!opened) continue;
+        Hive& hive = opened->hive;
+        EXPECT_NE(hive.read_only_reason(), "");
+        const std::string before = full_dump(hive);
+        const auto refused = hive.create_subkey(hive.root(), u"New", 1);
+        ASSERT_FALSE(refused);
+        EXPECT_EQ(refused.error().kind, ErrorKind::unsupported);
+        EXPECT_FALSE(hive.set_value(hive.root(), u"x", {REG_DWORD, {1, 0, 0, 0}}, 1));
+        EXPECT_FALSE(hive.delete_key(hive.root(), 1));
+        EXPECT_EQ(full_dump(hive), before);
+    }
+}
+
+TEST_F(Samples, ARealUserHiveKeepsItsSizeOverAHundredRuns) {
+    TemporaryFolder folder;
+    const FilePlace place{-100, folder / "NTUSER.DAT"};
+    fs::copy_file(samples / "xp-user.NTUSER.DAT", place.name);
+    auto apply = [&](int run) {
+        auto lock = FileLock::acquire(place);
+        auto file = read_hive(place, *lock);
+        Hive& hive = file->hive;
+        const std::u16string policies = u"Software\\Microsoft\\Windows\\CurrentVersion\\Policies\\";
+        const FileTime now = 131331190512216222 + static_cast<FileTime>(run);
+        for (const char16_t* name :
+             {u"Explorer", u"System", u"Network", u"Explorer\\RestrictRun", u"Explorer\\Hide"}) {
+            const auto key = hive.create(policies + name, now);
+            ASSERT_TRUE(key);
+            for (int i = 0; i < 40; ++i) {  // first cleared, then set, as an Apply does
+                const std::u16string value = u"Value" + std::u16string(1, static_cast<char16_t>(u'A' + i));
+                ASSERT_TRUE(hive.set_value(*key, value, {REG_DWORD, {0, 0, 0, 0}}, now));
+                const auto length = static_cast<size_t>(i + run % 2) * 3;
+                ASSERT_TRUE(hive.set_value(*key, value, {REG_SZ, Bytes(length, 'x')}, now));
+            }
+        }
+        ASSERT_TRUE(hive.delete_key(*hive.find(policies + u"Explorer\\RestrictRun"), now));
+        ASSERT_TRUE(commit(place, hive, file->identity, now));
+    };
+    std::vector<uintmax_t> sizes{fs::file_size(place.name)};
+    for (int run = 0; run < 100; ++run) {
+        apply(run);
+        sizes.push_back(fs::file_size(place.name));
+    }
+    std::cout << "  sizes: before " << sizes[0] << ", after one " << sizes[1] << ", after a hundred "
+              << sizes[100] << "\n";
+    EXPECT_EQ(sizes[100], sizes[2]) << "both lengths of the values have found their place by the second run";
+    EXPECT_EQ(validate(read_file(place.name)).size(), 0u);
+    if (foreign_reader_is_there()) {
+        const auto ours = open_file(place.name);
+        expect_same(dump(ours->hive), foreign_dump(place.name), "after a hundred runs");
+    }
+}
+
+}  // namespace
+}  // namespace regf
