@@ -304,6 +304,15 @@ void PictureBox::set_drawing(const Drawing* drawing) {
 
 // --- the folder controls
 
+std::vector<std::string> folders_on_the_way(std::string_view path) {
+    std::vector<std::string> out;
+    for (size_t at = path.find('\\'); at != std::string_view::npos; at = path.find('\\', at + 1)) {
+        out.emplace_back(path.substr(0, out.empty() ? at + 1 : at));  // the root keeps its backslash
+    }
+    if (out.empty() || out.back() != path) out.emplace_back(path);
+    return out;
+}
+
 void DirListBox::set_path(std::string_view path) {
     const std::string found = source_.folder(path);
     if (found == path_) return;
@@ -315,15 +324,6 @@ void DirListBox::set_path(std::string_view path) {
 void DirListBox::reread() {
     folders_ = source_.folders(path_);
     refresh();
-}
-
-std::vector<std::string> DirListBox::ancestors() const {
-    std::vector<std::string> out;
-    for (size_t at = path_.find('\\'); at != std::string::npos; at = path_.find('\\', at + 1)) {
-        out.push_back(path_.substr(0, out.empty() ? at + 1 : at));  // the root keeps its backslash
-    }
-    if (out.empty() || out.back() != path_) out.push_back(path_);
-    return out;
 }
 
 void DirListBox::open_folder(int index) {

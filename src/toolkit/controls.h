@@ -341,6 +341,9 @@ class FolderSource {
     virtual std::vector<std::string> files(std::string_view path) = 0;
 };
 
+/// The root, each folder on the way and the folder itself: full paths.
+std::vector<std::string> folders_on_the_way(std::string_view path);
+
 /// Shows the way from the root to its folder, and the folders in it.
 class DirListBox : public Control {
   public:
@@ -352,8 +355,7 @@ class DirListBox : public Control {
     void reread();
     /// Sub-folders, names only.
     const std::vector<std::string>& folders() const { return folders_; }
-    /// The folders on the way, the root first, its own last: full paths.
-    std::vector<std::string> ancestors() const;
+    std::vector<std::string> ancestors() const { return folders_on_the_way(path_); }
     bool takes_focus() const override { return true; }
 
     /// A person opens one of the sub-folders, or goes to one on the way (0: the root).

@@ -1,0 +1,91 @@
+#include "toolkit/qt/boxes.h"
+
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <span>
+
+#include "toolkit/qt/conversion.h"
+
+namespace toolkit::qt {
+
+namespace {
+
+struct Choice {
+    const char* caption;
+    Answer answer;
+};
+
+std::span<const Choice> choices(Buttons buttons) {
+    static constexpr Choice ok[] = {{"OK", Answer::ok}};
+    static constexpr Choice yes_no[] = {{"&Yes", Answer::yes}, {"&No", Answer::no}};
+    static constexpr Choice abort_retry_ignore[] = {
+        {"&Abort", Answer::abort}, {"&Retry", Answer::retry}, {"&Ignore", Answer::ignore}};
+    switch (buttons) {
+        case Buttons::yes_no:
+            return yes_no;
+        case Buttons::abort_retry_ignore:
+            return abort_retry_ignore;
+        case Buttons::ok:
+            break;
+    }
+    return ok;
+}
+
+QMessageBox::Icon picture(Icon icon) {
+    switch (icon) {
+        case Icon::critical:
+            return QMessageBox::Critical;
+        case Icon::question:
+            return QMessageBox::Question;
+        case Icon::exclamation:
+            return QMessageBox::Warning;
+        case Icon::information:
+            return QMessageBox::Information;
+        case Icon::none:
+            break;
+    }
+    return QMessageBox::NoIcon;
+}
+
+}  // namespace
+
+Answer ask(const Box& box, QWidget* parent) {
+    QMessageBox window(picture(box.icon), shown(box.title), shown(box.text), QMessageBox::NoButton, parent);
+    window.setTextFormat(Qt::PlainText);
+    const auto offered = choices(box.buttons);
+    for (const Choice& choice : offered) {
+        // The same role for all: Qt would take a "No" for the answer of Esc and of the close button.
+        QPushButton* button = window.addButton(QLatin1String(choice.caption), QMessageBox::AcceptRole);
+        if (choice.answer == box.default_answer) window.setDefaultButton(button);
+    }
+    window.exec();
+    const qsizetype pressed = window.buttons().indexOf(window.clickedButton());
+    return offered[std::max<qsizetype>(pressed, 0)].answer;
+}
+
+std::string ask_line(const std::string& title, const std::string& prompt, QWidget* parent) {
+    QDialog window(parent);
+    window.setWindowTitle(shown(title));
+    auto* text = new QLabel(shown(prompt));
+    text->setTextFormat(Qt::PlainText);
+    text->setWordWrap(true);
+    auto* line = new AnsiLine(&window);
+    auto* buttons = new QDialogButtonBox;
+    buttons->addButton(QStringLiteral("OK"), QDialogButtonBox::AcceptRole);
+    buttons->addButton(QStringLiteral("Cancel"), QDialogButtonBox::RejectRole);
+    QObject::connect(buttons, &QDialogButtonBox::accepted, &window, &QDialog::accept);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, &window, &QDialog::reject);
+
+    auto* rows = new QVBoxLayout(&window);
+    rows->addWidget(text);
+    rows->addWidget(line);
+    rows->addWidget(buttons);
+    line->setFocus();
+    window.setMinimumWidth(pixels(5400));
+    return window.exec() == QDialog::Accepted ? line->ansi_text() : std::string();
+}
+
+}  // namespace toolkit::qt
