@@ -169,7 +169,8 @@ std::u16string Hive::path_of(Key key) const {
     std::u16string path;
     for (uint32_t at = key.cell; at != state_->image.root();) {
         const CellView record = *key_record(state_->image, at);
-        path = path.empty() ? key_name(record) : key_name(record) + u'\\' + path;
+        if (!path.empty()) path.insert(0, 1, u'\\');
+        path.insert(0, key_name(record));
         at = get32(record, nk::parent);
     }
     return path;

@@ -7,7 +7,6 @@ namespace britlock {
 namespace {
 
 using namespace machine;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -43,7 +42,6 @@ struct Restricted : World {
     }
 };
 
-const Version nt_families[] = {versions::winnt, versions::win2k, versions::winxp};
 const Version all_families[] = {versions::winnt, versions::win2k, versions::winxp,
                                 versions::win95, versions::win98, versions::winme};
 

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <variant>
+
+/// What the Linux edition is started with. Its own options come first; the rest is the program's command
+/// line.
+struct Options {
+    std::map<char, std::string> drives;  ///< host folders by letter; C is the installation
+    std::string program_directory;       ///< where the program lies for Windows; empty: the default
+    std::string state_folder;            ///< empty: the usual one
+    std::string screenshot;              ///< PNG file to render the main window into; empty: none
+    int page = 1;                        ///< of the screenshot
+    std::string user;                    ///< whose marks the screenshot shows; empty: those at the start
+    std::string make_sample;             ///< folder to make a sample installation in; empty: none
+    std::string command_line;
+};
+
+extern const char* const usage;
+
+/// The options, or one line that tells what is wrong with them.
+std::variant<Options, std::string> parse_options(int argc, const char* const* argv);

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "machine/offline/mount_table.h"
+
+/// The work of the hive tool. A hive that is mounted is a record beside the installation; its file is written
+/// once, when it is unloaded, and as a whole.
+namespace regg {
+
+/// What the tool finds out about its surroundings.
+struct Setting {
+    machine::DriveMap drives;
+    bool drives_known = false;  ///< false: files can be named by host paths only
+    machine::MountTable mounts;
+};
+
+/// `load <file> HKU\<name>` or `unload HKU\<name>`, words in UTF-8. The error's message is one line. A note
+/// is a line about something that went well and still should be known.
+regf::Result<Done> run(const Setting& setting, const std::vector<std::string>& words, std::string& note);
+
+}  // namespace regg

@@ -1,0 +1,34 @@
+# What ./run and ./check share. Sourced from the project's root.
+
+build_packages=(g++ cmake ninja-build qt6-base-dev fonts-liberation)
+test_packages=(libgtest-dev libgmock-dev python3 python3-hivex libhivex-bin reglookup xvfb xdotool openbox imagemagick
+    clang-format clang-tidy)
+
+# Installs those of the packages that are missing.
+install_packages() {
+    local missing=() package
+    for package in "$@"; do
+        dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null | grep -qx installed || missing+=("$package")
+    done
+    [ ${#missing[@]} -gt 0 ] || return 0
+    echo "installing: ${missing[*]}"
+    local as_root=()
+    [ "$(id -u)" = 0 ] || as_root=(sudo)
+    "${as_root[@]}" apt-get update -qq
+    DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+# build FOLDER [cmake options] [--targets name...]
+build() {
+    local folder=$1 options=() targets=()
+    shift
+    while [ $# -gt 0 ] && [ "$1" != --targets ]; do
+        options+=("$1")
+        shift
+    done
+    [ $# -eq 0 ] || targets=(--target "${@:2}")
+    if command -v ccache >/dev/null; then options+=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache); fi
+    cmake -S . -B "$folder" -G Ninja "${options[@]}" >/dev/null
+    cmake --build "$folder" "${targets[@]}" | grep -vE '^\[[0-9/]+\] ' || true
+    cmake --build "$folder" "${targets[@]}" >/dev/null
+}
