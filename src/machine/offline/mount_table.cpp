@@ -90,8 +90,7 @@ regf::Result<Done> MountTable::add(const Mount& mount) const {
         return system_error("cannot open the folder of the mounts");
     const std::string path = path_of(mount.name);
     if (access(path.c_str(), F_OK) == 0)
-        return regf::Error{regf::ErrorKind::refused,
-                           "HKU\\" + text::to_utf8(mount.name) + " is taken already"};
+        return regf::Error{regf::ErrorKind::refused, "another hive is mounted there"};
     const HostPlace place{folder.duplicate(), path.substr(folder_.size() + 1), false};
     const FileError error =
         replace_file(place, [&](int file) { return write_all(file, mount_frame(mount)); });
@@ -133,8 +132,7 @@ std::string mounts_folder(const std::string& state_folder, const std::string& dr
 
 regf::Result<MountedHive> open_mounted(const DriveMap& drives, const MountTable& mounts,
                                        std::string_view name) {
-    const regf::Error not_mounted{regf::ErrorKind::missing,
-                                  "no hive is mounted as HKU\\" + text::to_utf8(name)};
+    const regf::Error not_mounted{regf::ErrorKind::missing, "no hive is mounted there"};
     const auto found = mounts.find(name);
     if (!found) return not_mounted;
     auto place = locate_hive(drives, found->mount.file);

@@ -58,6 +58,4 @@ OfflineMachine::OfflineMachine(DriveMap drives, Installation installation, HostP
       registry_(drives_, mounts_, std::move(software_hive), std::move(user_hive)),
       processes_(drives_, mounts_, registry_, system_, options.on_lost_changes) {}
 
-OfflineMachine::~OfflineMachine() { (void)registry_.release_mounts(); }  // a failure drops the changes
-
 }  // namespace machine

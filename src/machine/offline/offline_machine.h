@@ -29,8 +29,11 @@ class OfflineMachine {
     static regf::Result<std::unique_ptr<OfflineMachine>> open(const OfflineOptions& options);
     OfflineMachine(const OfflineMachine&) = delete;
     OfflineMachine& operator=(const OfflineMachine&) = delete;
-    /// Seals what is mounted still, so that the next unload writes it.
-    ~OfflineMachine();
+    ~OfflineMachine() { (void)release(); }  // a failure drops the changes
+
+    /// What the end of a run must not forget: marks the changes to a hive that is mounted still as complete,
+    /// so that the next unload writes them, and lets go of it.
+    WinCode release() { return registry_.release_mounts(); }
 
     const Installation& installation() const { return installation_; }
     const DriveMap& drives() const { return drives_; }

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string>
+
+#include "regf/file.h"
+
+/// Looks into hive files and changes them, past every machine.
+
+inline regf::HiveFile read_hive_file(const std::filesystem::path& path) {
+    const regf::FilePlace place{AT_FDCWD, path.string()};
+    const auto lock = regf::FileLock::acquire(place);
+    EXPECT_TRUE(lock) << lock.error().message;
+    auto file = regf::read_hive(place, *lock);
+    EXPECT_TRUE(file) << file.error().message;
+    return std::move(*file);
+}
+
+inline std::optional<regf::Value> read_value(const std::filesystem::path& path, std::u16string_view key,
+                                             std::u16string_view name) {
+    const regf::HiveFile file = read_hive_file(path);
+    const auto found = file.hive.find(key);
+    return found ? file.hive.value(*found, name) : std::nullopt;
+}
+
+/// The text of a value without its closing NUL.
+inline std::u16string text_of(const regf::Value& value) {
+    std::u16string text;
+    for (size_t i = 0; i + 1 < value.data.size(); i += 2)
+        text += static_cast<char16_t>(value.data[i] | value.data[i + 1] << 8);
+    return text.substr(0, text.find(u'\0'));
+}
+
+inline void set_text(const std::filesystem::path& path, std::u16string_view key, std::u16string_view name,
+                     std::u16string_view text) {
+    regf::HiveFile file = read_hive_file(path);
+    regf::Value value{regf::REG_SZ, {}};
+    for (char16_t unit : std::u16string(text) + u'\0') {
+        value.data.push_back(static_cast<uint8_t>(unit & 0xFF));
+        value.data.push_back(static_cast<uint8_t>(unit >> 8));
+    }
+    const regf::FileTime now = regf::current_file_time();
+    const auto made = file.hive.create(key, now);
+    ASSERT_TRUE(made) << made.error().message;
+    const auto set = file.hive.set_value(*made, name, value, now);
+    ASSERT_TRUE(set) << set.error().message;
+    const auto written = regf::commit({AT_FDCWD, path.string()}, file.hive, file.identity, now);
+    ASSERT_TRUE(written) << written.error().message;
+}
+
+/// What is wrong with a hive file: nothing, for a healthy one.
+inline std::string findings(const std::filesystem::path& path) {
+    std::string out;
+    std::ifstream in(path, std::ios::binary);
+    const std::string bytes{std::istreambuf_iterator<char>(in), {}};
+    for (const regf::Finding& finding :
+         regf::validate({reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()}))
+        out += std::to_string(finding.file_offset) + ": " + finding.text + "\n";
+    return out;
+}

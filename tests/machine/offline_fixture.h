@@ -1,0 +1,103 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "machine/offline/offline_machine.h"
+#include "machine/offline/sample_installation.h"
+
+/// A folder that goes away with its owner.
+class TemporaryFolder {
+  public:
+    TemporaryFolder() {
+        std::string name = (std::filesystem::temp_directory_path() / "brightlock-XXXXXX").string();
+        path_ = mkdtemp(name.data());
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    ~TemporaryFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    const std::filesystem::path& path() const { return path_; }
+
+  private:
+    std::filesystem::path path_;
+};
+
+inline std::string bytes_of(const std::filesystem::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+inline void write_bytes(const std::filesystem::path& file, std::string_view bytes) {
+    std::ofstream(file, std::ios::binary) << bytes;
+}
+
+/// Starts a command line and waits for its end, as the program does it; the start's error counts as a code
+/// beyond all others.
+inline uint32_t run_command(machine::Processes& processes, const std::string& command_line) {
+    const auto started = processes.start(command_line, machine::WindowStyle::hidden);
+    if (started.error != machine::no_error) return 1000u + static_cast<uint32_t>(started.error);
+    for (;;) {
+        const uint32_t code = processes.exit_code(started.id);
+        if (code != machine::still_active) return code;
+    }
+}
+
+/// A sample installation in a folder of its own, with a machine on it. The real hive tool serves it.
+class OfflineFixture {
+  public:
+    explicit OfflineFixture(machine::SampleFamily family = machine::SampleFamily::winxp) {
+        const auto made = machine::make_sample_installation(disk().string(), family);
+        EXPECT_TRUE(made) << made.error().message;
+        options.drives = {{'C', disk().string()}};
+        options.executables = PROGRAM_FOLDER;
+        options.state_folder = (folder_.path() / "state").string();
+        options.on_lost_changes = [this](const std::string& user, const std::string& message) {
+            lost_changes.push_back(user + ": " + message);
+        };
+        open();
+    }
+
+    /// Another run of the program on the same installation, in place of the one before.
+    void open() {
+        machine_.reset();
+        auto opened = machine::OfflineMachine::open(options);
+        ASSERT_TRUE(opened) << opened.error().message;
+        machine_ = std::move(*opened);
+    }
+
+    std::filesystem::path disk() const { return folder_.path() / "disk"; }
+    std::filesystem::path scratch() const { return folder_.path(); }
+    std::filesystem::path hive_of(const std::string& user) const {
+        return disk() / "Documents and Settings" / user / "NTUSER.DAT";
+    }
+    machine::Machine machine() { return machine_->machine(); }
+    machine::OfflineMachine& offline() { return *machine_; }
+
+    uint32_t load(const std::string& user) {
+        return tool("load \"" + windows_hive_of(user) + "\" HKU\\" + user);
+    }
+    uint32_t unload(const std::string& user) { return tool("unload HKU\\" + user); }
+    uint32_t tool(const std::string& arguments) {
+        return run_command(machine().processes,
+                           "\"C:\\Program Files\\Brightlock Suite\\regg.exe\" " + arguments);
+    }
+    static std::string windows_hive_of(const std::string& user) {
+        return "C:\\Documents and Settings\\" + user + "\\NTUSER.DAT";
+    }
+
+    machine::OfflineOptions options;
+    std::vector<std::string> lost_changes;
+
+  private:
+    TemporaryFolder folder_;
+    std::unique_ptr<machine::OfflineMachine> machine_;
+};

@@ -1,0 +1,371 @@
+// What only the machine on disk must withstand: a disk that its users have written to.
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+
+#include <array>
+
+#include "base/text.h"
+#include "machine/hive_editing.h"
+#include "machine/memory/journal.h"
+#include "machine/memory/memory_registry.h"
+#include "machine/offline_fixture.h"
+
+using namespace machine;
+using namespace text::literals;
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+namespace {
+
+/// Every file below a folder with its content; links with their targets.
+std::string snapshot(const fs::path& folder) {
+    std::vector<std::string> lines;
+    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+        std::string line = entry.path().lexically_relative(folder).string();
+        if (entry.is_symlink()) {
+            line += " -> " + fs::read_symlink(entry.path()).string();
+        } else if (entry.is_regular_file()) {
+            line += "=" + bytes_of(entry.path());
+        }
+        lines.push_back(line);
+    }
+    std::sort(lines.begin(), lines.end());
+    std::string out;
+    for (const std::string& line : lines)
+        out += line + "\n";
+    return out;
+}
+
+std::string names(Files& files, const std::string& pattern) {
+    std::string out;
+    for (const FoundFile& found : files.find(pattern).value_or(std::vector<FoundFile>()))
+        out += found.name + " ";
+    return out;
+}
+
+/// A text value as it stands in a hive file, UTF-8.
+std::string stored_text(const fs::path& hive, std::u16string_view key, std::u16string_view name) {
+    const auto value = read_value(hive, key, name);
+    return value ? text::utf8_from_utf16(text_of(*value)) : "(missing)";
+}
+
+}  // namespace
+
+TEST(HostileDisk, NoLinkLeadsOut) {
+    OfflineFixture fixture;
+    const fs::path outside = fixture.scratch() / "outside";
+    fs::create_directories(outside / "folder");
+    write_bytes(outside / "secret.txt", "secret");
+    write_bytes(outside / "folder/deep.txt", "deep");
+    write_bytes(outside / "NTUSER.DAT", bytes_of(fixture.hive_of("Anna")));
+    const fs::path disk = fixture.disk();
+    const fs::path profile = disk / "Documents and Settings/Anna";
+    fs::create_symlink(outside, disk / "Escape");
+    fs::create_symlink("../../outside", disk / "WINDOWS/up");
+    fs::create_symlink("/", disk / "School/root");
+    fs::create_symlink(outside / "secret.txt", profile / "secret.txt");
+    fs::create_symlink(outside / "not there", profile / "dangling.txt");
+    fs::create_symlink(profile / "Desktop", disk / "School/inside");
+    fs::create_symlink("self", disk / "School/self");
+    fs::remove(fixture.hive_of("Ben"));
+    fs::create_symlink(outside / "NTUSER.DAT", fixture.hive_of("Ben"));
+    const std::string before = snapshot(outside);
+
+    Files& files = fixture.machine().files;
+    for (const std::string& path :
+         {std::string("C:\\Escape"), std::string("C:\\escape\\secret.txt"),
+          std::string("C:\\Escape\\new.txt"), std::string("C:\\Escape\\folder\\deep.txt"),
+          std::string("C:\\WINDOWS\\up\\secret.txt"), std::string("C:\\School\\root\\etc\\passwd"),
+          std::string("C:\\School\\inside\\x.txt"), std::string("C:\\School\\self\\x"),
+          std::string("C:\\Documents and Settings\\Anna\\secret.txt"),
+          std::string("C:\\Documents and Settings\\Anna\\dangling.txt"),
+          OfflineFixture::windows_hive_of("Ben")}) {
+        SCOPED_TRACE(path);
+        std::string bytes;
+        EXPECT_EQ(files.open_binary(path).error, permission_denied);
+        EXPECT_EQ(files.read(path, bytes), permission_denied);
+        EXPECT_EQ(files.write(path, "mine"), permission_denied);
+        EXPECT_EQ(files.remove(path), permission_denied);
+        EXPECT_NE(files.set_attributes(path, attribute_read_only), no_error);
+        EXPECT_FALSE(files.find(path + "\\*"));
+        EXPECT_NE(files.delete_folder(path), no_error);
+        EXPECT_NE(files.copy_folder(path, "C:\\School\\copy"), no_error);
+        EXPECT_NE(files.copy_folder("C:\\School\\Icons", path), no_error);
+    }
+    EXPECT_EQ(fixture.load("Ben"), 1u);
+    EXPECT_EQ(files.attributes("C:\\Escape"), attribute_reparse_point);
+
+    // Links in a folder are not copied, and removed without what they lead to.
+    EXPECT_EQ(files.copy_folder("C:\\School", "C:\\Copied"), no_error);
+    EXPECT_EQ(names(files, "C:\\Copied\\*"), "Icons ");
+    EXPECT_EQ(files.delete_folder("C:\\School"), no_error);
+    EXPECT_TRUE(fs::exists(profile / "Desktop"));
+    EXPECT_EQ(snapshot(outside), before);
+}
+
+TEST(HostileDisk, NothingButFilesAndFoldersIsOpened) {
+    OfflineFixture fixture;
+    Files& files = fixture.machine().files;
+    ASSERT_EQ(mkfifo((fixture.disk() / "pipe").c_str(), 0666), 0);
+    std::string bytes;
+    EXPECT_EQ(files.open_binary("C:\\pipe").error, permission_denied)
+        << "and that without waiting for a writer";
+    EXPECT_EQ(files.read("C:\\pipe", bytes), permission_denied);
+    EXPECT_EQ(files.remove("C:\\pipe"), permission_denied);
+    EXPECT_EQ(files.attributes("C:\\pipe"), no_attributes);
+    EXPECT_EQ(names(files, "C:\\p*"), "Program Files ");
+}
+
+TEST(HostileDisk, NamesThatWindowsCannotSpellAreLeftAlone) {
+    OfflineFixture fixture;
+    Files& files = fixture.machine().files;
+    const fs::path folder = fixture.disk() / "School/Icons";
+    for (const char* name :
+         {"кириллица.lnk", "bad\xff.lnk", "a:b.lnk", "a\\b.lnk", "nul.lnk", "dot.lnk.", "Ü.lnk"})
+        write_bytes(folder / name, name);
+    EXPECT_EQ(names(files, "C:\\School\\Icons\\*.lnk"),
+              std::string("Calculator.LNK Notepad.lnk ") + U"Ü.lnk "_ansi);
+    EXPECT_EQ(files.copy_folder("C:\\School\\Icons", "C:\\Copy"), no_error);
+    EXPECT_EQ(snapshot(fixture.disk() / "Copy"), snapshot(folder)) << "a copy holds them all the same";
+
+    write_bytes(folder / "SAME.lnk", "upper");
+    write_bytes(folder / "same.lnk", "lower");
+    std::string bytes;
+    EXPECT_EQ(files.read("C:\\School\\Icons\\same.lnk", bytes), no_error);
+    EXPECT_EQ(bytes, "lower") << "the exact spelling comes first";
+    EXPECT_EQ(files.read("C:\\School\\Icons\\SaMe.lnk", bytes), no_error);
+    EXPECT_EQ(bytes, "upper") << "else always the same one";
+}
+
+TEST(OfflineFiles, AFileIsReplacedWithAllItsMarks) {
+    OfflineFixture fixture;
+    const fs::path file = fixture.disk() / "MSDOS.SYS";
+    ASSERT_EQ(chmod(file.c_str(), 0640), 0);
+    const bool marked = setxattr(file.c_str(), "user.mark", "kept", 4, 0) == 0;
+    EXPECT_TRUE(fixture.machine().files.write_profile("Options", "BootKeys", "0", "C:\\msdos.sys"));
+    EXPECT_THAT(bytes_of(file), HasSubstr("BootGUI=1\r\nBootKeys=0\r\n"));
+    struct stat status {};
+    ASSERT_EQ(stat(file.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0640u);
+    std::array<char, 4> mark{};
+    EXPECT_EQ(getxattr(file.c_str(), "user.mark", mark.data(), mark.size()), marked ? 4 : -1);
+    EXPECT_FALSE(fs::exists(fixture.disk() / "msdos.sys"));
+}
+
+TEST(OfflineFiles, WhatAnotherProgramLocksIsInUse) {
+    OfflineFixture fixture;
+    const std::string hive = OfflineFixture::windows_hive_of("Anna");
+    const Descriptor other(open(fixture.hive_of("Anna").c_str(), O_RDONLY));
+    ASSERT_EQ(flock(other.number(), LOCK_EX), 0);
+    Files& files = fixture.machine().files;
+    EXPECT_EQ(files.open_binary(hive).error, permission_denied);
+    EXPECT_EQ(files.write(hive, "x"), permission_denied);
+    EXPECT_EQ(files.remove(hive), permission_denied);
+    ASSERT_EQ(flock(other.number(), LOCK_UN), 0);
+    EXPECT_EQ(files.open_binary(hive).error, no_error);
+}
+
+TEST(Installation, TellsWhatItIsOrWhyItIsNotServed) {
+    const struct {
+        SampleFamily family;
+        const char* name;
+        uint32_t major, minor;
+        const char* windows;
+        const char* profiles;
+    } served[] = {
+        {SampleFamily::winnt, "Windows NT 4", 4, 0, "C:\\WINNT", "C:\\WINNT\\Profiles"},
+        {SampleFamily::win2k, "Windows 2000", 5, 0, "C:\\WINNT", "C:\\Documents and Settings"},
+        {SampleFamily::winxp, "Windows XP", 5, 1, "C:\\WINDOWS", "C:\\Documents and Settings"},
+    };
+    for (const auto& row : served) {
+        OfflineFixture fixture(row.family);
+        const Installation& found = fixture.offline().installation();
+        EXPECT_EQ(found.family, row.name);
+        EXPECT_EQ(found.version.major, row.major);
+        EXPECT_EQ(found.version.minor, row.minor);
+        EXPECT_EQ(fixture.machine().system.windows_directory(), row.windows);
+        EXPECT_EQ(fixture.machine().system.profiles_directory(), row.profiles);
+        EXPECT_EQ(fixture.machine().system.logical_drives(), 1u << 2 | 1u << 4)
+            << "C of the map, E of its disks";
+        EXPECT_EQ(fixture.machine().system.token_groups(), std::vector<std::string>{"S-1-5-32-544"});
+    }
+
+    const struct {
+        const char* what;
+        std::function<void(const fs::path& disk)> change;
+        const char* message;
+    } refused[] = {
+        {"empty", [](const fs::path& disk) { fs::remove_all(disk / "WINDOWS"); }, "there is no Windows"},
+        {"9X",
+         [](const fs::path& disk) {
+             fs::remove_all(disk / "WINDOWS/system32");
+             write_bytes(disk / "WINDOWS/USER.DAT", "CREG");
+         },
+         "95, 98 and ME"},
+        {"newer",
+         [](const fs::path& disk) {
+             set_text(disk / "WINDOWS/system32/config/software", u"Microsoft\\Windows NT\\CurrentVersion",
+                      u"CurrentVersion", u"6.1");
+         },
+         "version 6.1"},
+        {"server",
+         [](const fs::path& disk) {
+             set_text(disk / "WINDOWS/system32/config/software", u"Microsoft\\Windows NT\\CurrentVersion",
+                      u"CurrentVersion", u"5.2");
+         },
+         "version 5.2"},
+        {"damaged",
+         [](const fs::path& disk) { write_bytes(disk / "WINDOWS/system32/config/software", "junk"); },
+         "hive"},
+        {"hibernated",
+         [](const fs::path& disk) { write_bytes(disk / "HIBERFIL.SYS", "hibr" + std::string(5000, '\0')); },
+         "hibernates"},
+    };
+    for (const auto& row : refused) {
+        SCOPED_TRACE(row.what);
+        TemporaryFolder folder;
+        ASSERT_TRUE(make_sample_installation(folder.path(), SampleFamily::winxp));
+        row.change(folder.path());
+        DriveMap drives;
+        ASSERT_TRUE(drives.add_drive('C', folder.path()));
+        const auto found = describe_installation(drives);
+        ASSERT_FALSE(found);
+        EXPECT_THAT(found.error().message, HasSubstr(row.message));
+    }
+}
+
+TEST(Installation, IsPreparedOnceAndNotTouchedAgain) {
+    OfflineFixture fixture;
+    const fs::path software = fixture.disk() / "WINDOWS/system32/config/software";
+    prepare_installation(fixture.machine().registry);
+    EXPECT_EQ(stored_text(software, u"Microsoft\\Windows\\CurrentVersion\\Uninstall\\Brightlock Suite",
+                          u"DisplayName"),
+              "Brightlock Suite");
+    EXPECT_EQ(findings(software), "");
+    const std::string once = bytes_of(software);
+    fixture.open();
+    prepare_installation(fixture.machine().registry);
+    EXPECT_EQ(fixture.machine().registry.create_key(Root::local_machine, "SOFTWARE\\Morvane\\BRLCK"),
+              Registry::Disposition::opened);
+    EXPECT_EQ(bytes_of(software), once);
+}
+
+TEST(OfflineRegistry, KeepsThePersonsOwnSettingsBetweenRuns) {
+    OfflineFixture fixture;
+    EXPECT_EQ(fixture.machine().registry.create_key(Root::current_user, "Software\\Lock"),
+              Registry::Disposition::created);
+    EXPECT_EQ(
+        fixture.machine().registry.set(Root::current_user, "Software\\Lock", "a", dword_value(3)).action,
+        success);
+    fixture.open();
+    RawValue value;
+    EXPECT_EQ(fixture.machine().registry.query(Root::current_user, "Software\\Lock", "A", value).action,
+              success);
+    EXPECT_EQ(findings(fixture.scratch() / "state/user.hive"), "");
+}
+
+TEST(OfflineRegistry, ReadsAgainWhatSomebodyElseHasChanged) {
+    OfflineFixture fixture;
+    Registry& registry = fixture.machine().registry;
+    prepare_installation(registry);
+    RawValue value;
+    EXPECT_EQ(registry.query(Root::local_machine, "Software\\Morvane\\BRLCK", "Country", value).action,
+              file_not_found);
+    set_text(fixture.disk() / "WINDOWS/system32/config/software", u"Morvane\\BRLCK", u"Country", u"49");
+    EXPECT_EQ(registry.query(Root::local_machine, "Software\\Morvane\\BRLCK", "Country", value).action,
+              success);
+    EXPECT_EQ(describe(value), "\"49\"");
+}
+
+TEST(OfflineRegistry, AReadOnlyHiveIsOpenForReadersOnly) {
+    OfflineFixture fixture;
+    const fs::path software = fixture.disk() / "WINDOWS/system32/config/software";
+    ASSERT_EQ(chmod(software.c_str(), 0444), 0);
+    Registry& registry = fixture.machine().registry;
+    const std::string key = "Software\\Microsoft\\Windows NT\\CurrentVersion";
+    RawValue value;
+    EXPECT_EQ(registry.query(Root::local_machine, key, "CurrentVersion", value).action, success);
+    EXPECT_EQ(registry.set(Root::local_machine, key, "a", dword_value(1)).open, access_denied);
+    EXPECT_EQ(registry.create_key(Root::local_machine, key), Registry::Disposition::failed);
+    EXPECT_EQ(fixture.machine().system.token_groups(), std::vector<std::string>{"S-1-5-32-545"});
+}
+
+TEST(OfflineRegistry, ATextBeyondTheCodePageSurvivesReadingAndWriting) {
+    OfflineFixture fixture;
+    const fs::path hive = fixture.hive_of("Anna");
+    const std::u16string key = u"Software\\Lock";
+    set_text(hive, key, u"1", u" Łódź.exe");
+    set_text(hive, key, u"2", u"Ω.exe");
+    set_text(hive, key, u"3", u"Ψ.exe");
+    set_text(hive, key, u"4", u"really?");
+    set_text(hive, key, u"Ж", u"a name that nobody here can spell");
+    ASSERT_EQ(fixture.load("Anna"), 0u);
+    Registry& registry = fixture.machine().registry;
+    const std::string place = "Anna\\Software\\Lock";
+    std::vector<std::string> texts;
+    for (const char* name : {"1", "2", "3", "4"}) {
+        RawValue value;
+        EXPECT_EQ(registry.query(Root::users, place, name, value).action, success);
+        texts.push_back(value.data.substr(0, value.data.find('\0')));
+        EXPECT_EQ(registry.delete_value(Root::users, place, name).action, success);
+    }
+    EXPECT_EQ(texts[0], U" ?ód?.exe"_ansi);
+    EXPECT_EQ(texts[1], "?.exe");
+    EXPECT_EQ(texts[2], "?.exe");
+
+    // The program takes blanks off a text before it writes it back, perhaps under another name.
+    EXPECT_EQ(registry.set(Root::users, place, " 7", text_value(U"?ód?.exe"_ansi)).action, success);
+    EXPECT_EQ(registry.set(Root::users, place, " 8", text_value("really?")).action, success);
+    EXPECT_EQ(registry.set(Root::users, place, " 9", text_value("new?")).action, success);
+    EXPECT_EQ(registry.set(Root::users, place, "2", text_value("?.exe")).action, no_such_spelling);
+    EXPECT_EQ(registry.set(Root::users, place, "1", text_value(U"?ÓD?.EXE"_ansi)).action, no_such_spelling);
+    EXPECT_EQ(registry.delete_value(Root::users, place, "?").action, file_not_found);
+    ASSERT_EQ(fixture.unload("Anna"), 0u);
+    EXPECT_EQ(stored_text(hive, key, u" 7"), "Łódź.exe");
+    EXPECT_EQ(stored_text(hive, key, u" 8"), "really?");
+    EXPECT_EQ(stored_text(hive, key, u" 9"), "new?");
+    EXPECT_EQ(stored_text(hive, key, u"2"), "(missing)");
+    EXPECT_EQ(stored_text(hive, key, u"Ж"), "a name that nobody here can spell");
+}
+
+TEST(DriveMap, TellsTheHiveToolOfFoldersWithAnyName) {
+    TemporaryFolder folder;
+    DriveMap drives;
+    for (const auto& [letter, name] : {std::pair('C', "a;b"), {'D', "100%25"}, {'e', "c=d"}}) {
+        fs::create_directory(folder.path() / name);
+        write_bytes(folder.path() / name / "x", "x");
+        ASSERT_TRUE(drives.add_drive(letter, folder.path() / name));
+    }
+    const auto again = DriveMap::parse(drives.text());
+    ASSERT_TRUE(again) << again.error().message;
+    EXPECT_EQ(again->letters(), 0b11100u);
+    for (const char* path : {"C:\\x", "D:\\x", "E:\\x"})
+        EXPECT_TRUE(again->resolve(path) && again->resolve(path)->exists) << path;
+}
+
+TEST(MountRecord, EndsAtTheFirstFrameThatIsNotWhole) {
+    regf::Change change{regf::Change::Kind::set_value, u"Software\\Ж", u"", {4, {1, 0, 0, 0}}, 77};
+    const std::string mount = mount_frame({"Anna", "C:\\x", {1, 2, 3, -4, 5, 6, 7}});
+    const std::string sealed = mount + change_frame(change) + seal_frame();
+    const std::string whole = sealed + change_frame(change) + change_frame(change);
+    for (size_t size = 0; size <= whole.size(); ++size) {
+        const auto record = parse_record(std::string_view(whole).substr(0, size));
+        ASSERT_EQ(record.has_value(), size >= mount.size()) << size;
+        if (!record) continue;
+        EXPECT_EQ(record->mount.identity, (regf::FileIdentity{1, 2, 3, -4, 5, 6, 7}));
+        const bool has_seal = size >= sealed.size();
+        EXPECT_EQ(record->sealed, std::vector<regf::Change>(has_seal ? 1 : 0, change)) << size;
+        EXPECT_EQ(record->sealed_bytes, has_seal ? sealed.size() : mount.size()) << size;
+        EXPECT_EQ(record->unsealed, size != record->sealed_bytes) << size;
+    }
+    for (size_t at = 0; at < whole.size(); ++at) {
+        std::string flipped = whole;
+        flipped[at] = static_cast<char>(flipped[at] ^ 0x40);
+        const auto record = parse_record(flipped);
+        EXPECT_TRUE(!record || record->sealed.size() <= 1) << at;
+    }
+}

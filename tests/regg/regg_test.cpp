@@ -1,0 +1,317 @@
+// The hive tool as a program of its own: each of its messages, and what is left of a hive after each fault.
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/file.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+
+#include "machine/hive_editing.h"
+#include "machine/memory/memory_registry.h"
+#include "machine/offline_fixture.h"
+
+using namespace machine;
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+namespace {
+
+constexpr auto key = "Anna\\Software\\Lock";
+
+struct Ran {
+    int code;
+    std::string line;
+};
+
+/// Runs the tool by hand, as an administrator would in a shell; `environment` stands before the command.
+Ran run_tool(const std::string& arguments, const std::string& environment) {
+    const std::string line = environment + " '" + PROGRAM_FOLDER + "/regg.exe' " + arguments + " 2>&1";
+    FILE* pipe = popen(line.c_str(), "r");
+    std::string output;
+    for (int c = 0; (c = std::fgetc(pipe)) != EOF;)
+        output += static_cast<char>(c);
+    return {WEXITSTATUS(pclose(pipe)), output};
+}
+
+Registry::Disposition make_lock_key(OfflineFixture& fixture) {
+    return fixture.machine().registry.create_key(Root::users, key);
+}
+
+WinCode set(OfflineFixture& fixture, int32_t number) {
+    return fixture.machine().registry.set(Root::users, key, "a", dword_value(number)).action;
+}
+
+/// The number that stands in Anna's file; -1 where there is none.
+int stored(const OfflineFixture& fixture) {
+    EXPECT_EQ(findings(fixture.hive_of("Anna")), "");
+    const auto value = read_value(fixture.hive_of("Anna"), u"Software\\Lock", u"a");
+    return value ? value->data.at(0) : -1;
+}
+
+/// Does something in a process that then dies at once, with no destructor run.
+void in_dying_process(const std::function<void()>& work) {
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        work();
+        (void)raise(SIGKILL);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFSIGNALED(status));
+}
+
+/// A file system of its own on a folder, of a size that fills soon. Not ready where this process may not
+/// mount.
+class SmallDisk {
+  public:
+    SmallDisk(const fs::path& folder, const std::string& size) : folder_(folder) {
+        fs::create_directories(folder);
+        ready_ = mount("none", folder.c_str(), "tmpfs", 0, ("size=" + size).c_str()) == 0;
+    }
+    SmallDisk(const SmallDisk&) = delete;
+    SmallDisk& operator=(const SmallDisk&) = delete;
+    ~SmallDisk() {
+        if (ready_) (void)umount2(folder_.c_str(), MNT_DETACH);
+    }
+    bool ready() const { return ready_; }
+    void fill() {
+        std::ofstream file(folder_ / "filler", std::ios::binary);
+        const std::string block(4096, 'x');
+        while (file.write(block.data(), static_cast<std::streamsize>(block.size())).flush())
+            continue;
+    }
+    void make_room() { fs::remove(folder_ / "filler"); }
+
+  private:
+    fs::path folder_;
+    bool ready_ = false;
+};
+
+}  // namespace
+
+TEST(HiveTool, LeavesAHiveThatNobodyChangedByteForByte) {
+    OfflineFixture fixture;
+    const std::string before = bytes_of(fixture.hive_of("Anna"));
+    ASSERT_EQ(fixture.load("Anna"), 0u);
+    Registry& registry = fixture.machine().registry;
+    EXPECT_EQ(registry.create_key(Root::users, "Anna\\Software"), Registry::Disposition::opened);
+    EXPECT_EQ(registry.set(Root::users, "Anna\\Control Panel\\Sound", "Beep", text_value("yes")).action,
+              success);
+    EXPECT_EQ(registry.delete_value(Root::users, "Anna\\Software", "none").action, file_not_found);
+    ASSERT_EQ(fixture.unload("Anna"), 0u);
+    EXPECT_EQ(bytes_of(fixture.hive_of("Anna")), before);
+    EXPECT_TRUE(fixture.offline().mounts().mounts().empty());
+}
+
+TEST(HiveTool, WritesChangesOnceAndOnlyWhenItUnloads) {
+    OfflineFixture fixture;
+    const std::string before = bytes_of(fixture.hive_of("Anna"));
+    ASSERT_EQ(fixture.load("Anna"), 0u);
+    EXPECT_EQ(make_lock_key(fixture), Registry::Disposition::created);
+    EXPECT_EQ(set(fixture, 1), success);
+    ASSERT_EQ(fixture.load("Ben"), 0u) << "the tool works for another user meanwhile";
+    EXPECT_EQ(set(fixture, 2), success);
+    EXPECT_EQ(bytes_of(fixture.hive_of("Anna")), before);
+    ASSERT_EQ(fixture.unload("Anna"), 0u);
+    EXPECT_EQ(stored(fixture), 2);
+    EXPECT_EQ(make_lock_key(fixture), Registry::Disposition::failed);
+    ASSERT_EQ(fixture.unload("Ben"), 0u);
+    EXPECT_TRUE(fixture.lost_changes.empty());
+}
+
+TEST(HiveTool, SaysInOneLineWhyItRefuses) {
+    OfflineFixture fixture;
+    const fs::path disk = fixture.disk();
+    const std::string hive = fixture.hive_of("Anna").string();
+    const std::string drives = "BRIGHTLOCK_DRIVES='C=" + disk.string() + "' ";
+    const std::string mounts = "BRIGHTLOCK_MOUNTS='" + (fixture.scratch() / "by-hand").string() + "' ";
+    const auto quoted = [](const std::string& text) { return "'" + text + "' "; };
+    write_bytes(disk / "text.dat", "not a hive at all");
+    write_bytes(disk / "empty.dat", "");
+    std::string damaged = bytes_of(hive);
+    damaged.resize(damaged.size() / 2);
+    write_bytes(disk / "damaged.dat", damaged);
+    std::string dirty = bytes_of(hive);
+    dirty[4] = static_cast<char>(dirty[4] + 1);  // a write was begun and never ended
+    write_bytes(disk / "dirty.dat", dirty);
+    write_bytes(disk / "readonly.dat", bytes_of(hive));
+    fs::permissions(disk / "readonly.dat", fs::perms::owner_read);
+    write_bytes(disk / "locked.dat", bytes_of(hive));
+    const Descriptor other(open((disk / "locked.dat").c_str(), O_RDONLY));
+    ASSERT_EQ(flock(other.number(), LOCK_EX), 0);
+    ASSERT_EQ(run_tool("load " + quoted(hive) + "'HKU\\Anna'", mounts).code, 0);
+
+    const struct {
+        std::string arguments;
+        const char* message;
+        bool with_drives = true;
+    } rows[] = {
+        {"", "the command is"},
+        {"load", "the command is"},
+        {"load " + quoted(hive) + "'HKU\\Ben' more", "the command is"},
+        {"unload 'HKU\\two' words", "the command is"},
+        {"save 'HKU\\Anna'", "the command is"},
+        {"load " + quoted(hive) + "'HKLM\\Ben'", "not a key directly below HKU"},
+        {"load " + quoted(hive) + "'HKU\\Ben\\Software'", "not a key directly below HKU"},
+        {"load " + quoted(hive) + "'HKU\\'", "not a key directly below HKU"},
+        {"load " + quoted(hive) + "'HKU\\Жанна'", "cannot spell"},
+        {"unload 'HKU\\Nobody'", "HKU\\Nobody: no hive is mounted there"},
+        {"load " + quoted(hive) + "'HKU\\Ben'", "mounted already"},
+        {"load 'C:\\Documents and Settings\\Ben\\NTUSER.DAT' 'HKU\\anna'", "another hive is mounted there"},
+        {"load 'C:\\Documents and Settings\\Ben\\NTUSER.DAT' 'HKU\\Ben'", "no folder is known", false},
+        {"load 'NTUSER.DAT' 'HKU\\Ben'", "not the full path"},
+        {"load 'C:\\none.dat' 'HKU\\Ben'", "is not there"},
+        {"load 'Z:\\none.dat' 'HKU\\Ben'", "is not there"},
+        {"load 'C:\\WINDOWS' 'HKU\\Ben'", "directory"},
+        {"load 'C:\\text.dat' 'HKU\\Ben'", "text.dat: not a registry hive"},
+        {"load 'C:\\empty.dat' 'HKU\\Ben'", "empty.dat: not a registry hive"},
+        {"load 'C:\\damaged.dat' 'HKU\\Ben'", "damaged at 0x"},
+        {"load 'C:\\dirty.dat' 'HKU\\Ben'", "not finished"},
+        {"load 'C:\\readonly.dat' 'HKU\\Ben'", "no permission to write"},
+        {"load 'C:\\locked.dat' 'HKU\\Ben'", "in use by another program"},
+        {"load 'C:\\Documents and Settings\\Ben\\NTUSER.DAT' 'HKU\\" + std::string(121, 'x') + "'",
+         "too long"},
+    };
+    for (const auto& row : rows) {
+        const Ran ran = run_tool(row.arguments, mounts + (row.with_drives ? drives : ""));
+        EXPECT_EQ(ran.code, 1) << row.arguments;
+        EXPECT_TRUE(ran.line.starts_with("regg: ")) << row.arguments << "\n" << ran.line;
+        EXPECT_EQ(ran.line.find('\n'), ran.line.size() - 1) << row.arguments << "\n" << ran.line;
+        EXPECT_THAT(ran.line, HasSubstr(row.message)) << row.arguments;
+    }
+    EXPECT_EQ(std::distance(fs::directory_iterator(fixture.scratch() / "by-hand"), {}), 1)
+        << "nothing is half mounted";
+    EXPECT_EQ(run_tool("unload 'HKU\\ANNA'", mounts).code, 0);
+}
+
+TEST(HiveTool, KeepsAwayFromAHiveThatAnotherRunWorksOn) {
+    OfflineFixture fixture;
+    ASSERT_EQ(fixture.load("Anna"), 0u);
+    EXPECT_EQ(make_lock_key(fixture), Registry::Disposition::created);
+    const std::string mounts = "BRIGHTLOCK_MOUNTS='" + fixture.offline().mounts().folder() + "' ";
+    const std::string drives = "BRIGHTLOCK_DRIVES='C=" + fixture.disk().string() + "' ";
+    const Ran refused = run_tool("unload 'HKU\\Anna'", mounts + drives);
+    EXPECT_EQ(refused.code, 1);
+    EXPECT_THAT(refused.line, HasSubstr("in use by another program"));
+    EXPECT_EQ(set(fixture, 3), success);
+    EXPECT_EQ(fixture.unload("Anna"), 0u);
+    EXPECT_EQ(stored(fixture), 3);
+}
+
+TEST(HiveTool, DropsTheUnfinishedChangesOfARunThatDied) {
+    OfflineFixture fixture;
+    const std::string before = bytes_of(fixture.hive_of("Anna"));
+    ASSERT_EQ(fixture.load("Anna"), 0u);
+    in_dying_process([&] {
+        (void)make_lock_key(fixture);
+        (void)set(fixture, 4);
+    });
+    fixture.open();
+    RawValue value;
+    EXPECT_EQ(fixture.machine().registry.query(Root::users, key, "a", value).open, file_not_found);
+    EXPECT_EQ(fixture.unload("Anna"), 0u);
+    EXPECT_EQ(bytes_of(fixture.hive_of("Anna")), before);
+}
+
+TEST(HiveTool, WritesWhatARunHadFinishedBeforeItDied) {
+    OfflineFixture fixture;
+    ASSERT_EQ(fixture.load("Anna"), 0u);
+    in_dying_process([&] {
+        (void)make_lock_key(fixture);
+        (void)set(fixture, 5);
+        (void)fixture.load("Ben");  // before a program starts, the changes so far are complete
+        (void)set(fixture, 6);
+    });
+    fixture.open();
+    EXPECT_EQ(set(fixture, 7), success) << "the tail of the dead run must not come back behind this";
+    EXPECT_EQ(fixture.machine().registry.delete_value(Root::users, key, "a").action, success);
+    ASSERT_EQ(fixture.load("Administrator"), 0u);
+    EXPECT_EQ(set(fixture, 8), success);
+    EXPECT_EQ(fixture.unload("Anna"), 0u);
+    EXPECT_EQ(stored(fixture), 8);
+}
+
+TEST(HiveTool, KilledAtAnyMomentLeavesTheOldHiveOrTheNewOne) {
+    OfflineFixture fixture;
+    const std::string environment = "BRIGHTLOCK_MOUNTS='" + fixture.offline().mounts().folder() +
+                                    "' BRIGHTLOCK_DRIVES='C=" + fixture.disk().string() + "' ";
+    int before = -1;
+    for (int number = 1; number <= 30; ++number) {
+        ASSERT_EQ(fixture.load("Anna"), 0u);
+        (void)make_lock_key(fixture);
+        ASSERT_EQ(set(fixture, number), success);
+        ASSERT_EQ(fixture.offline().release(), success);
+        const std::string killed = "timeout -s KILL 0." + std::to_string(1000 + number * 5).substr(1) + " ";
+        (void)run_tool("unload 'HKU\\Anna'", environment + killed);
+        const int now = stored(fixture);
+        EXPECT_TRUE(now == before || now == number) << now;
+        (void)run_tool("unload 'HKU\\Anna'", environment);
+        before = stored(fixture);
+        EXPECT_EQ(before, number);
+        ASSERT_TRUE(fixture.offline().mounts().mounts().empty());
+    }
+}
+
+TEST(HiveTool, DoesNotWriteOverWhatSomebodyElseHasWritten) {
+    OfflineFixture fixture;
+    ASSERT_EQ(fixture.load("Anna"), 0u);
+    EXPECT_EQ(make_lock_key(fixture), Registry::Disposition::created);
+    fixture.open();  // seals the change and lets go of the file
+    set_text(fixture.hive_of("Anna"), u"Software\\Other", u"x", u"y");
+    const std::string theirs = bytes_of(fixture.hive_of("Anna"));
+    EXPECT_EQ(make_lock_key(fixture), Registry::Disposition::failed);
+    EXPECT_EQ(fixture.unload("Anna"), 1u);
+    EXPECT_EQ(bytes_of(fixture.hive_of("Anna")), theirs);
+    ASSERT_EQ(fixture.lost_changes.size(), 1u);
+    EXPECT_THAT(fixture.lost_changes[0], HasSubstr("Anna: regg: HKU\\Anna: "));
+    EXPECT_EQ(fixture.load("Anna"), 0u) << "the name is free again";
+    EXPECT_EQ(fixture.unload("Anna"), 0u);
+}
+
+TEST(HiveTool, AFullDiskUnderTheHiveKeepsTheChangesForTheNextUnload) {
+    OfflineFixture fixture;
+    const fs::path profile = fixture.hive_of("Anna").parent_path();
+    const std::string hive = bytes_of(fixture.hive_of("Anna"));
+    SmallDisk disk(profile, "256k");
+    if (!disk.ready()) GTEST_SKIP() << "this process may not mount a file system";
+    write_bytes(fixture.hive_of("Anna"), hive);
+    ASSERT_EQ(fixture.load("Anna"), 0u);
+    EXPECT_EQ(make_lock_key(fixture), Registry::Disposition::created);
+    EXPECT_EQ(set(fixture, 9), success);
+    disk.fill();
+    EXPECT_EQ(fixture.unload("Anna"), 1u);
+    EXPECT_EQ(bytes_of(fixture.hive_of("Anna")), hive);
+    ASSERT_EQ(fixture.lost_changes.size(), 1u);
+    EXPECT_THAT(fixture.lost_changes[0],
+                HasSubstr("No space left on device; it is kept for the next unload"));
+    disk.make_room();
+    EXPECT_EQ(fixture.unload("Anna"), 0u);
+    EXPECT_EQ(stored(fixture), 9);
+}
+
+TEST(HiveTool, AFullDiskUnderTheRecordDropsTheRunAsAWhole) {
+    OfflineFixture fixture;
+    SmallDisk disk(fixture.options.state_folder, "64k");
+    if (!disk.ready()) GTEST_SKIP() << "this process may not mount a file system";
+    fixture.open();
+    const std::string before = bytes_of(fixture.hive_of("Anna"));
+    ASSERT_EQ(fixture.load("Anna"), 0u);
+    EXPECT_EQ(make_lock_key(fixture), Registry::Disposition::created);
+    EXPECT_EQ(set(fixture, 1), success);
+    disk.fill();
+    WinCode code = success;
+    for (int32_t number = 2; code == success && number < 2000; ++number)
+        code = set(fixture, number);
+    EXPECT_EQ(code, disk_full);
+    disk.make_room();
+    EXPECT_EQ(set(fixture, 1), disk_full) << "a set of changes with a gap is never completed";
+    EXPECT_EQ(fixture.unload("Anna"), 0u);
+    EXPECT_EQ(bytes_of(fixture.hive_of("Anna")), before);
+    EXPECT_EQ(fixture.lost_changes.size(), 1u);
+}
