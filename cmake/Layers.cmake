@@ -4,6 +4,10 @@
 add_library(brightlock_options INTERFACE)
 target_compile_options(brightlock_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
     -Wno-sign-conversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    # This compiler takes the joining of a literal and a string for an overlapping copy when it optimises.
+    target_compile_options(brightlock_options INTERFACE -Wno-restrict)
+endif()
 if(BRITLOCK_SANITIZE)
     target_compile_options(brightlock_options INTERFACE -fsanitize=address,undefined
         -fno-sanitize-recover=all -fno-omit-frame-pointer)
