@@ -50,6 +50,8 @@ struct Implementation {
     std::function<std::unique_ptr<Subject>()> make;
 };
 
+void PrintTo(const Implementation& implementation, std::ostream* out) { *out << implementation.name; }
+
 class Contract : public testing::TestWithParam<Implementation> {
   protected:
     std::unique_ptr<Subject> subject_ = GetParam().make();

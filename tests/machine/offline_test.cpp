@@ -5,6 +5,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
+#include <unistd.h>
 
 #include <array>
 
@@ -330,6 +331,34 @@ TEST(OfflineRegistry, ATextBeyondTheCodePageSurvivesReadingAndWriting) {
     EXPECT_EQ(stored_text(hive, key, u" 9"), "new?");
     EXPECT_EQ(stored_text(hive, key, u"2"), "(missing)");
     EXPECT_EQ(stored_text(hive, key, u"Ж"), "a name that nobody here can spell");
+}
+
+TEST(OfflineProcesses, HandFoldersAndWebAddressesToTheDesktopAndNothingElse) {
+    OfflineFixture fixture;
+    const fs::path tools = fixture.scratch() / "tools";
+    const fs::path opened = fixture.scratch() / "opened";
+    fs::create_directory(tools);
+    write_bytes(tools / "xdg-open", "#!/bin/sh\necho \"$1\" >> '" + opened.string() + "'\n");
+    fs::permissions(tools / "xdg-open", fs::perms::owner_all);
+    const std::string path = std::getenv("PATH");
+    setenv("PATH", (tools.string() + ":" + path).c_str(), 1);
+    Processes& processes = fixture.machine().processes;
+    EXPECT_EQ(run_command(processes, "Explorer.exe c:\\school\\ICONS"), 0u);
+    EXPECT_EQ(run_command(processes, "explorer.exe C:\\none"), 0u);
+    EXPECT_EQ(run_command(processes, "C:\\WINDOWS\\notepad.exe"), 1000u + no_such_file);
+    EXPECT_EQ(run_command(processes, "xdg-open x"), 1000u + no_such_file);
+    for (const char* address : {"file:///etc/passwd", "javascript:1", "HTTP://update.invalid/?a=b c"})
+        processes.open_address(address);
+    EXPECT_EQ(run_command(processes, "explorer.exe C:\\"), 0u);
+    std::string wanted = (fixture.disk() / "School/Icons").string() + "\n";
+    for (int wait = 0; wait < 200 && bytes_of(opened).find("update") == std::string::npos; ++wait)
+        usleep(10000);
+    setenv("PATH", path.c_str(), 1);
+    EXPECT_THAT(bytes_of(opened), HasSubstr(wanted));
+    EXPECT_THAT(bytes_of(opened), HasSubstr(fixture.disk().string() + "\n"));
+    EXPECT_THAT(bytes_of(opened), HasSubstr("HTTP://update.invalid/?a=b c\n"));
+    const std::string lines = bytes_of(opened);
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), 3) << lines;
 }
 
 TEST(DriveMap, TellsTheHiveToolOfFoldersWithAnyName) {

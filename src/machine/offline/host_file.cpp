@@ -185,6 +185,7 @@ FileError write_all(int file, std::string_view bytes) {
 FileError replace_file(const HostPlace& place, const std::function<FileError(int)>& fill) {
     const int folder = place.folder.number();
     const std::string beside = ".brightlock-" + std::to_string(getpid()) + ".tmp";
+    (void)unlinkat(folder, beside.c_str(), 0);  // of a run that was killed, in the unlikely case
     const Descriptor file(
         openat(folder, beside.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
     if (!file.is_open()) return file_error(errno);

@@ -118,6 +118,8 @@ void OfflineProcesses::finish(Child& child, int status) {
     for (ssize_t size = 0; (size = read(child.messages.number(), piece.data(), piece.size())) > 0;)
         child.message.append(piece.data(), static_cast<size_t>(size));
     (void)write_all(STDERR_FILENO, child.message);
+    while (child.message.ends_with('\n'))
+        child.message.pop_back();
 
     if (child.changed_user.empty() || !on_lost_changes_) return;
     if (child.sealed != success) {

@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <deque>
 #include <functional>
 #include <string>
 #include <vector>
@@ -51,7 +52,8 @@ class OfflineProcesses : public Processes {
     OfflineRegistry& registry_;
     System& system_;
     LostChanges on_lost_changes_;
-    std::vector<Child> children_;  ///< by id, the first being 1
+    /// By id, the first being 1. Handlers that run while one is waited for may start more: none may move.
+    std::deque<Child> children_;
 };
 
 }  // namespace machine
