@@ -40,13 +40,14 @@ function(brightlock_layer name)
     endif()
 endfunction()
 
-# brightlock_test(regf_test SOURCES a.cpp LINK regf): one test program; each of its cases is a test of CTest.
+# brightlock_test(regf_test SOURCES a.cpp LINK regf [LABELS release]): one test program; each of its cases is a test of CTest.
+# Those labelled "release" ask for the speed of a release build and run there alone.
 function(brightlock_test name)
-    cmake_parse_arguments(T "" "" "SOURCES;LINK" ${ARGN})
+    cmake_parse_arguments(T "" "" "SOURCES;LINK;LABELS" ${ARGN})
     add_executable(${name} ${T_SOURCES})
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
     target_link_libraries(${name} PRIVATE ${T_LINK} GTest::gmock GTest::gtest_main brightlock_options)
     target_compile_definitions(${name} PRIVATE
         SAMPLE_HIVES="${PROJECT_SOURCE_DIR}/../shared/hives" PROGRAM_FOLDER="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
-    gtest_discover_tests(${name} PROPERTIES TIMEOUT 600 DISCOVERY_TIMEOUT 60)
+    gtest_discover_tests(${name} PROPERTIES TIMEOUT 600 DISCOVERY_TIMEOUT 60 LABELS "${T_LABELS}")
 endfunction()

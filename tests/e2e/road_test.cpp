@@ -127,7 +127,8 @@ std::multiset<std::string> expected_lines() {
            zero);
     values("/Software/Policies/Microsoft/Windows/System", {"DisableCMD"}, zero);
     // This key is in every real user's hive, so the registration data land in it, as numbers.
-    values("/Software/Microsoft/Windows\\u0020NT/CurrentVersion", {"RegisteredOrganization", "RegisteredOwner"}, zero);
+    values("/Software/Microsoft/Windows\\u0020NT/CurrentVersion",
+           {"RegisteredOrganization", "RegisteredOwner"}, zero);
     values("", {"NoPrintSharingControl"}, zero);
     values("/Control\\u0020Panel/Sound", {"Beep"}, " 1 4e006f000000");
     for (char letter = 'A'; letter <= 'Z'; ++letter) {
