@@ -15,8 +15,11 @@ namespace toolkit::qt {
 constexpr int twips_per_pixel = 15;
 
 constexpr int pixels(int twips) { return twips / twips_per_pixel; }
+/// By its edges: what ends at the same twip ends at the same pixel.
 inline QRect pixels(const Rect& twips) {
-    return {pixels(twips.left), pixels(twips.top), pixels(twips.width), pixels(twips.height)};
+    const QPoint from(pixels(twips.left), pixels(twips.top));
+    const QPoint to(pixels(twips.left + twips.width), pixels(twips.top + twips.height));
+    return {from, QSize(to.x() - from.x(), to.y() - from.y())};
 }
 /// Fonts go by pixels as the layout does: a host that enlarges points would clip the captions.
 constexpr int font_pixels(int points) { return (points * 96 + 36) / 72; }

@@ -76,7 +76,9 @@ void LineList::select(int row) {
 
 void LineList::mousePressEvent(QMouseEvent* event) {
     QListView::mousePressEvent(event);
-    pressed_on_line_ = event->button() == Qt::LeftButton && indexAt(event->pos()).isValid();
+    const int row = indexAt(event->pos()).row();
+    pressed_on_line_ = event->button() == Qt::LeftButton && row >= 0;
+    if (pressed_on_line_) select(row);  // Qt does not where the press hits the mark
 }
 
 void LineList::mouseReleaseEvent(QMouseEvent* event) {

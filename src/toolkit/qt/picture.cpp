@@ -43,9 +43,9 @@ QImage decode_picture(std::string_view bytes) {
     QImageReader reader(&buffer);
     static const QList<QByteArray> formats = {"bmp", "ico", "cur", "gif", "jpeg", "jpg"};
     if (!formats.contains(reader.format())) return {};
-    const QSize size = reader.size();
-    if (size.width() > longest_side || size.height() > longest_side) return {};
-    return reader.read();
+    QImage image = reader.read();
+    if (image.width() > longest_side || image.height() > longest_side) return {};
+    return image;
 }
 
 void draw(QPainter& painter, const Drawing& drawing, const QRectF& square) {

@@ -1,0 +1,170 @@
+#include <QBuffer>
+#include <QComboBox>
+#include <QDialog>
+#include <QLineEdit>
+#include <QListView>
+
+#include "toolkit/desk.h"
+#include "toolkit/qt/file_filter.h"
+#include "toolkit/qt/picture.h"
+
+using namespace toolkit;
+
+namespace {
+
+// A grey dot.
+constexpr std::string_view gif{"GIF89a\1\0\1\0\x80\0\0\x80\x80\x80\0\0\0,\0\0\0\0\1\0\1\0\0\2\2D\1\0;", 35};
+
+std::string picture_file(const char* format) {
+    if (std::string_view(format) == "gif") return std::string(gif);
+    QImage image(24, 16, QImage::Format_RGB32);
+    image.fill(Qt::darkCyan);
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    EXPECT_TRUE(image.save(&buffer, format)) << format;
+    return buffer.data().toStdString();
+}
+
+}  // namespace
+
+TEST(Picture, ShowsTheFormatsOfADesktopOnly) {
+    for (const char* format : {"bmp", "ico", "jpeg", "gif"}) {
+        EXPECT_FALSE(qt::decode_picture(picture_file(format)).isNull()) << format;
+    }
+    for (const char* format : {"png", "ppm", "xpm"}) {
+        EXPECT_TRUE(qt::decode_picture(picture_file(format)).isNull()) << format;
+    }
+    EXPECT_TRUE(qt::decode_picture("").isNull());
+}
+
+TEST(Picture, SurvivesHostileBytes) {
+    for (const char* format : {"bmp", "ico", "jpeg", "gif"}) {
+        const std::string whole = picture_file(format);
+        for (size_t i = 0; i < whole.size(); ++i) {
+            qt::decode_picture(std::string_view(whole).substr(0, i));
+            for (const char flip : {'\x01', '\x80', '\xff'}) {
+                std::string damaged = whole;
+                damaged[i] ^= flip;
+                const QImage image = qt::decode_picture(damaged);
+                EXPECT_LE(image.width(), 16384);
+                EXPECT_LE(image.height(), 16384);
+            }
+        }
+    }
+    std::string bomb = picture_file("bmp");
+    bomb.replace(18, 8, std::string("\xff\x3f\0\0\xff\x3f\0\0", 8));  // 16383 by 16383 pixels
+    EXPECT_TRUE(qt::decode_picture(bomb).isNull());
+}
+
+TEST(FileFilter, PatternsAndNames) {
+    const auto filters = qt::parse_filters("Programs (*.exe)|*.exe;*.com|All|*.*|left over");
+    ASSERT_EQ(filters.size(), 2U);
+    EXPECT_EQ(filters[1].description, "All");
+    EXPECT_EQ(filters[1].pattern, "*.*");
+
+    struct Row {
+        const char* pattern;
+        const char* name;
+        bool expected;
+    };
+    for (const auto& [pattern, name, expected] : {Row{"*.brl", "All.BRL", true},
+                                                  {"*.brl", "brl", false},
+                                                  {"*.*", "Makefile", true},
+                                                  {"*.exe; *.com", "edit.com", true},
+                                                  {"?at.*", "cat.txt", true},
+                                                  {"?at.*", "at.txt", false},
+                                                  {"*a*a*a*b", "aaaaaaaaaaaaaaaaaaaaaaaa", false},
+                                                  {"\xc4*", "\xe4pfel", true},
+                                                  {"", "", true},
+                                                  {"*", "", true}}) {
+        EXPECT_EQ(qt::matches(pattern, name), expected) << pattern << " " << name;
+    }
+    EXPECT_EQ(qt::extension_of("*.brl;*.txt"), ".brl");
+    EXPECT_EQ(qt::extension_of("*.*"), "");
+    EXPECT_EQ(qt::full_path("C:\\", "a.brl"), "C:\\a.brl");
+    EXPECT_EQ(qt::full_path("C:\\School", "Room\\a"), "C:\\School\\Room\\a");
+    EXPECT_EQ(qt::full_path("C:\\School", "\\a"), "C:\\a");
+    EXPECT_EQ(qt::full_path("C:\\School", "D:a"), "D:\\a");
+    EXPECT_EQ(qt::full_path("C:\\School", "D:"), "D:\\");
+}
+
+class QtFileDialog : public QtWindow {
+  protected:
+    template <class Act>
+    std::string ask(FileDialog dialog, Act act) {
+        dialog.filter = "Restrictions|*.brl|All files|*.*";
+        std::string path;
+        at_box<QDialog>([act](QDialog& box) {
+            act(box);
+            if (box.isVisible()) box.reject();
+        });
+        by_program([&] { path = screen.ask_file(dialog); });
+        return path;
+    }
+    static QListView& list(QDialog& box, int index) { return *box.findChildren<QListView*>()[index]; }
+    static std::string lines(QDialog& box, int index) {
+        std::string out;
+        const auto* model = list(box, index).model();
+        for (int i = 0; i < model->rowCount(); ++i)
+            out += model->index(i, 0).data().toString().toStdString() + "/";
+        return out;
+    }
+    static void enter(QDialog& box, const QString& name) {
+        auto& line = *box.findChild<QLineEdit*>();
+        line.clear();
+        type(line, name);
+        key(line, Qt::Key_Return);
+    }
+    enum { files, folders };
+};
+
+TEST_F(QtFileDialog, WalksByKeysAndFilters) {
+    const auto path = ask({.start_folder = "c:\\school"}, [](QDialog& box) {
+        EXPECT_EQ(lines(box, files), "all.brl/Pupils.BRL/");
+        EXPECT_EQ(lines(box, folders), "C:\\/School/Room 1/");
+        key(list(box, folders), Qt::Key_Down);
+        key(list(box, folders), Qt::Key_Return);
+        EXPECT_EQ(lines(box, files), "pc1.brl/");
+        key(list(box, folders), Qt::Key_Home);
+        key(list(box, folders), Qt::Key_Return);
+        EXPECT_EQ(lines(box, files), "");
+        auto& filter = *box.findChildren<QComboBox*>()[0];
+        key(filter, Qt::Key_Down);
+        EXPECT_EQ(lines(box, files), "boot.ini/");
+        key(list(box, files), Qt::Key_Down);
+        EXPECT_EQ(box.findChild<QLineEdit*>()->text(), "boot.ini");
+        key(box, Qt::Key_Return);
+    });
+    EXPECT_EQ(path, "C:\\boot.ini");
+    EXPECT_EQ(ask({}, [](QDialog& box) { EXPECT_EQ(lines(box, folders), "C:\\/School/Windows/"); }), "");
+}
+
+TEST_F(QtFileDialog, TakesTypedNames) {
+    const FileDialog open{.start_folder = "C:\\School"};
+    const FileDialog save{.action = FileDialog::Action::save, .start_folder = "C:\\School"};
+    EXPECT_EQ(ask(open, [](QDialog& box) { enter(box, "new"); }), "C:\\School\\new");
+    EXPECT_EQ(ask(save, [](QDialog& box) { enter(box, "new"); }), "C:\\School\\new.brl");
+    EXPECT_EQ(ask(save, [](QDialog& box) { enter(box, "\\new.txt"); }), "C:\\new.txt");
+    EXPECT_EQ(ask(save,
+                  [](QDialog& box) {
+                      enter(box, "");
+                      enter(box, "*.txt");
+                      EXPECT_EQ(lines(box, files), "notes.txt/");
+                      enter(box, "room 1");
+                      EXPECT_EQ(lines(box, folders), "C:\\/School/Room 1/");
+                      enter(box, "pc2");
+                  }),
+              "C:\\School\\Room 1\\pc2.txt");
+}
+
+TEST_F(QtFileDialog, StaysWhereItIsWhenADriveDoesNotAnswer) {
+    ask({.start_folder = "D:\\gone"}, [](QDialog& box) {
+        const std::string before = lines(box, folders);
+        EXPECT_TRUE(before.starts_with("C:\\/"));
+        auto& drives = *box.findChildren<QComboBox*>()[1];
+        EXPECT_EQ(drives.currentText(), "C:");
+        key(drives, Qt::Key_Down);
+        EXPECT_EQ(drives.currentText(), "C:");
+        EXPECT_EQ(lines(box, folders), before);
+    });
+}
