@@ -43,6 +43,7 @@ class Files {
     /// path. no_such_path.
     virtual Measured open_binary(std::string_view path) = 0;
 
+    /// A missing `C:\MSDOS.SYS` of an installation that is not running reads as empty, and takes attributes.
     virtual FileError read(std::string_view path, std::string& bytes) = 0;
     /// The old content or the new one, whole, whatever happens.
     virtual FileError write(std::string_view path, std::string_view bytes) = 0;

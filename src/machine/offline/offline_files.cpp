@@ -13,6 +13,14 @@
 
 namespace machine {
 
+namespace {
+
+/// Windows has this file in any case; an installation on a disk of its own may lack it, and is worked on all
+/// the same.
+bool is_boot_options_file(std::string_view path) { return text::equal_ignoring_case(path, "C:\\MSDOS.SYS"); }
+
+}  // namespace
+
 bool OfflineFiles::is_in_use(const HostPlace& place) const {
     const auto lock = regf::FileLock::acquire(place.hive());
     return (!lock && lock.error().kind == regf::ErrorKind::in_use) || mounts_.is_mounted(place);
@@ -44,6 +52,10 @@ Files::Measured OfflineFiles::open_binary(std::string_view path) {
 FileError OfflineFiles::read(std::string_view path, std::string& bytes) {
     const auto place = drives_.resolve(path);
     if (!place) return place.error();
+    if (!place->exists && is_boot_options_file(path)) {
+        bytes.clear();
+        return no_error;
+    }
     const auto file = open_file(*place, O_RDONLY);
     if (!file) return file.error();
     auto content = read_all(file->number());
@@ -75,7 +87,9 @@ uint32_t OfflineFiles::attributes(std::string_view path) {
 
 FileError OfflineFiles::set_attributes(std::string_view path, uint32_t attributes) {
     const auto place = drives_.resolve(path);
-    return place ? set_attributes_of(*place, attributes) : place.error();
+    if (!place) return place.error();
+    if (!place->exists && is_boot_options_file(path)) return no_error;
+    return set_attributes_of(*place, attributes);
 }
 
 std::optional<std::vector<FoundFile>> OfflineFiles::find(std::string_view pattern) {

@@ -71,6 +71,7 @@ Processes::Started OfflineProcesses::start_hive_tool(const std::string& host_pro
     const std::string user = words.back().substr(words.back().find('\\') + 1);
     if (words.size() > 1 && words[1] == "unload") {
         const auto record = mounts_.find(text::from_utf8(user).value_or(""));
+        child.nothing_to_do = !record;
         if (record && (record->unsealed || !record->sealed.empty())) child.changed_user = user;
     }
     return run(words, std::move(child), error_output.number());
@@ -117,7 +118,7 @@ void OfflineProcesses::finish(Child& child, int status) {
     std::array<char, 4096> piece{};
     for (ssize_t size = 0; (size = read(child.messages.number(), piece.data(), piece.size())) > 0;)
         child.message.append(piece.data(), static_cast<size_t>(size));
-    (void)write_all(STDERR_FILENO, child.message);
+    if (!child.nothing_to_do) (void)write_all(STDERR_FILENO, child.message);
     while (child.message.ends_with('\n'))
         child.message.pop_back();
 

@@ -39,7 +39,8 @@ class OfflineProcesses : public Processes {
         Descriptor messages;  ///< the hive tool's error output
         std::string message;  ///< what it wrote to its error output
         uint32_t code = still_active;
-        std::string changed_user;  ///< whose changes the tool is to write, if there are any
+        bool nothing_to_do = false;  ///< unmounts what is not mounted, to be on the safe side: no news
+        std::string changed_user;    ///< whose changes the tool is to write, if there are any
         WinCode sealed = success;
     };
     Started start_hive_tool(const std::string& host_program, const std::string& arguments);
