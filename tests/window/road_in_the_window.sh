@@ -1,0 +1,93 @@
+#!/usr/bin/env bash
+# The whole road in the real window: a person at mouse and keyboard sets a password, chooses a user, ticks boxes, presses
+# Apply; then another reader looks into the hive. Pictures of the way go into the folder given, if one is.
+#
+# usage: road_in_the_window.sh FOLDER-OF-THE-EXECUTABLES [FOLDER-FOR-PICTURES]
+set -euo pipefail
+executables=$1
+pictures=${2:-}
+here=$(cd "$(dirname "$0")" && pwd)
+work=$(mktemp -d)
+started=()
+trap 'kill "${started[@]}" 2>/dev/null || true; rm -rf "$work"' EXIT
+
+fail() {
+    echo "road in the window: $*" >&2
+    import -window root "$work/failed.png" 2>/dev/null && [ -n "$pictures" ] && cp "$work/failed.png" "$pictures/failed.png"
+    exit 1
+}
+
+export DISPLAY=:$((90 + RANDOM % 900))
+Xvfb "$DISPLAY" -screen 0 800x600x24 -nolisten tcp >/dev/null 2>&1 &
+started+=($!)
+for _ in $(seq 100); do xdotool getdisplaygeometry >/dev/null 2>&1 && break; sleep 0.1; done
+openbox >/dev/null 2>&1 &
+started+=($!)
+
+"$executables/britlock" --make-sample "$work/xp"
+"$executables/britlock" --machine "$work/xp" --drive D="$work" --state "$work/state" 2>"$work/errors" &
+program=$!
+started+=("$program")
+
+# Waits for a window of this exact title, and gives it the keyboard.
+window() {
+    local id
+    for _ in $(seq 100); do
+        id=$(xdotool search --onlyvisible --name "^$1\$" 2>/dev/null | tail -n 1) || true
+        if [ -n "$id" ]; then
+            xdotool windowactivate --sync "$id" 2>/dev/null || true
+            sleep 0.3
+            return
+        fi
+        sleep 0.1
+    done
+    fail "no window '$1'"
+}
+keys() { xdotool key --delay 40 "$@"; }
+# A click inside the active window, in its client area.
+click() { xdotool mousemove --window "$(xdotool getactivewindow)" "$1" "$2" click 1; sleep 0.2; }
+picture() { [ -z "$pictures" ] || import -window "$(xdotool getactivewindow)" "$pictures/$1.png"; }
+
+window 'Set a Password !'
+keys Return
+window 'Set New Password'
+xdotool type --delay 30 'secret'
+keys Tab
+xdotool type --delay 30 'secret'
+picture set-password
+keys Return
+window 'Password...'
+keys Return
+
+window 'Brightlock Suite'
+picture start
+menu=20            # the menu bar stands above what is measured here
+click 215 $((menu + 361))   # the list of users, by mouse, then by keys
+keys Escape
+xdotool mousemove --window "$(xdotool getactivewindow)" 215 $((menu + 361))
+keys Down          # by key: the next user is read
+sleep 0.5
+click 150 $((menu + 76))    # Disable ShutDown, by mouse
+keys Tab space              # Disable LogOff, by keys
+keys alt+5                  # page 5 by its access key
+sleep 0.3
+picture drives
+keys alt+1
+keys alt+a                  # Apply
+sleep 1.5
+picture applied
+
+# Which user the key press chose is seen by whose hive has changed.
+found=
+for user in Administrator Anna Ben; do
+    /usr/bin/python3 "$here/../regf/foreign_dump.py" "$work/xp/Documents and Settings/$user/NTUSER.DAT" >"$work/$user.txt"
+    if grep -q 'Policies/Explorer NoClose 4 01000000' "$work/$user.txt"; then found=$user; fi
+done
+[ -n "$found" ] || fail "no user's hive holds the tick"
+grep -q 'Policies/Explorer NoLogOff 4 01000000' "$work/$found.txt" || fail "the box ticked by key is not in the hive"
+grep -q 'Policies/Explorer NoRun 4 00000000' "$work/$found.txt" || fail "a box that nobody ticked is not at 0"
+
+keys alt+c                  # Cancel ends the process
+for _ in $(seq 50); do kill -0 "$program" 2>/dev/null || break; sleep 0.1; done
+kill -0 "$program" 2>/dev/null && fail "Cancel did not end the process"
+echo "the road in the window: $found has the ticks"
