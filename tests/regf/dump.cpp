@@ -1,10 +1,15 @@
 #include "regf/dump.h"
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <memory>
 
 namespace regf {
 
@@ -70,6 +75,29 @@ Bytes read_file(const std::string& path) {
 void write_file(const std::string& path, const Bytes& bytes) {
     std::ofstream(path, std::ios::binary)
         .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+}
+
+std::string foreign_dump(const std::string& file) {
+    const std::string command =
+        std::string("/usr/bin/python3 " TEST_SOURCES "/foreign_dump.py '") + file + "' 2>/dev/null";
+    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+    std::string out;
+    std::array<char, 65536> buffer{};
+    while (const size_t got = fread(buffer.data(), 1, buffer.size(), pipe.get()))
+        out.append(buffer.data(), got);
+    return out;
+}
+
+bool foreign_reader_is_there() { return std::system("/usr/bin/python3 -c 'import hivex' 2>/dev/null") == 0; }
+
+void expect_same(const std::string& ours, const std::string& theirs, const std::string& what) {
+    if (ours == theirs) return;
+    const auto [a, b] = std::mismatch(ours.begin(), ours.end(), theirs.begin(), theirs.end());
+    auto around = [](const std::string& s, std::string::const_iterator at) {
+        const auto start = std::max<std::ptrdiff_t>(0, at - s.begin() - 60);
+        return s.substr(static_cast<size_t>(start), 160);
+    };
+    ADD_FAILURE() << what << "\n ours:   ..." << around(ours, a) << "\n theirs: ..." << around(theirs, b);
 }
 
 TemporaryFolder::TemporaryFolder() {

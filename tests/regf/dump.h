@@ -15,6 +15,12 @@ std::string full_dump(const Hive& hive);
 Bytes read_file(const std::string& path);
 void write_file(const std::string& path, const Bytes& bytes);
 
+/// What another reader says of a hive file; empty where it cannot read it.
+std::string foreign_dump(const std::string& file);
+bool foreign_reader_is_there();
+/// Fails the test with the surroundings of the first difference.
+void expect_same(const std::string& ours, const std::string& theirs, const std::string& what);
+
 /// A folder of its own for each test, gone afterwards.
 class TemporaryFolder {
   public:

@@ -1,12 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <array>
-#include <cstdio>
 #include <filesystem>
 #include <iostream>
-#include <memory>
+#include <map>
 
 #include "regf/dump.h"
 #include "regf/file.h"
@@ -25,36 +22,11 @@ struct Samples : testing::Test {
     }
 };
 
-/// What another reader says of a hive file; empty where it cannot read it.
-std::string foreign_dump(const fs::path& file) {
-    const std::string command =
-        std::string("/usr/bin/python3 " TEST_SOURCES "/foreign_dump.py '") + file.string() + "' 2>/dev/null";
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
-    std::string out;
-    std::array<char, 65536> buffer{};
-    while (const size_t got = fread(buffer.data(), 1, buffer.size(), pipe.get()))
-        out.append(buffer.data(), got);
-    return out;
-}
-
-bool foreign_reader_is_there() { return std::system("/usr/bin/python3 -c 'import hivex' 2>/dev/null") == 0; }
-
 Result<HiveFile> open_file(const fs::path& file) {
     const FilePlace place{-100, file.string()};
     auto lock = FileLock::acquire(place);
     if (!lock) return lock.error();
     return read_hive(place, *lock);
-}
-
-/// Line by line, so that a difference is readable.
-void expect_same(const std::string& ours, const std::string& theirs, const std::string& what) {
-    if (ours == theirs) return;
-    const auto [a, b] = std::mismatch(ours.begin(), ours.end(), theirs.begin(), theirs.end());
-    auto around = [](const std::string& s, std::string::const_iterator at) {
-        const auto start = std::max<std::ptrdiff_t>(0, at - s.begin() - 60);
-        return s.substr(static_cast<size_t>(start), 160);
-    };
-    ADD_FAILURE() << what << "\n ours:   ..." << around(ours, a) << "\n theirs: ..." << around(theirs, b);
 }
 
 TEST_F(Samples, AreReadAsAnotherReaderReadsThemOrRefused) {

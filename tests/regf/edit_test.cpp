@@ -1,0 +1,256 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <random>
+
+#include "regf/bytes.h"
+#include "regf/dump.h"
+#include "regf/layout.h"
+
+namespace regf {
+namespace {
+
+using Values = std::map<std::u16string, Value>;
+using Tree = std::map<std::u16string, Values>;  // by path
+
+void read_tree(const Hive& hive, Key key, const std::u16string& path, Tree& out) {
+    Values& values = out[path];
+    for (const auto& value : hive.values(key)) {
+        EXPECT_TRUE(value.readable);
+        values[value.name] = {value.type, value.data};
+    }
+    for (Key child : hive.subkeys(key))
+        read_tree(hive, child, path.empty() ? hive.name(child) : path + u'\\' + hive.name(child), out);
+}
+
+Tree tree_of(const Hive& hive) {
+    Tree out;
+    read_tree(hive, hive.root(), u"", out);
+    return out;
+}
+
+std::string findings_of(const Bytes& image) {
+    std::string out;
+    for (const Finding& finding : validate(image))
+        out += finding.text + "\n";
+    return out;
+}
+
+/// The image as it would be written, held against every rule.
+Bytes sealed(const Hive& hive) {
+    auto image = hive.sealed_image(5000);
+    if (!image) {
+        ADD_FAILURE() << image.error().message;
+        return {};
+    }
+    EXPECT_EQ(findings_of(*image), "");
+    return std::move(*image);
+}
+
+void expect_read_alike(const Bytes& image) {
+    if (!foreign_reader_is_there()) return;
+    TemporaryFolder folder;
+    write_file(folder / "hive", image);
+    expect_same(dump(*Hive::open(image)), foreign_dump(folder / "hive"), "another reader");
+}
+
+size_t count_lists(const Bytes& image, const char* kind) {
+    size_t count = 0;
+    for (size_t at = base_block_size; at + 8 < image.size(); at += 8)
+        count += (image[at + 3] & 0x80) && has_signature(ByteView(image).subspan(at + 4), kind);
+    return count;
+}
+
+std::u16string numbered(const char16_t* stem, size_t number) {
+    std::u16string out = stem;
+    for (char digit : std::to_string(number))
+        out += static_cast<char16_t>(digit);
+    return out;
+}
+
+struct OfVersion : testing::TestWithParam<uint32_t> {
+    Hive hive = Hive::create({.minor_version = GetParam(), .file_name = u"x", .now = 1000});
+};
+INSTANTIATE_TEST_SUITE_P(Hives, OfVersion, testing::Values(3u, 5u), testing::PrintToStringParamName());
+
+/// Draws edits and carries out each on the hive and on plain maps.
+class Scribbler {
+  public:
+    /// `odd`: with names that another reader chokes on.
+    Scribbler(Hive& hive, Tree& tree, unsigned seed, bool odd)
+        : hive_(hive), tree_(tree), random_(seed), odd_(odd) {}
+
+    void edit_once() {
+        const size_t dice = below(100);
+        if (dice < 30) {
+            std::u16string path = any_key();
+            if (std::count(path.begin(), path.end(), u'\\') > 5) return;
+            path += (path.empty() ? u"" : u"\\") + any_name();
+            ASSERT_TRUE(hive_.create(path, ++now_));
+            tree_[path];
+        } else if (dice < 36) {
+            const std::u16string path = any_key();
+            if (path.empty()) return;
+            ASSERT_TRUE(hive_.delete_key(*hive_.find(path), ++now_));
+            std::erase_if(tree_, [&](const auto& entry) {
+                return entry.first == path || entry.first.starts_with(path + u'\\');
+            });
+        } else if (dice < 85) {
+            const std::u16string path = any_key();
+            const std::u16string name = below(5) == 0 ? u"" : any_name();
+            const Value value{static_cast<uint32_t>(below(13)), any_data()};
+            ASSERT_TRUE(hive_.set_value(*hive_.find(path), name, value, ++now_));
+            tree_[path][name] = value;
+        } else {
+            auto& [path, values] = *std::next(tree_.begin(), below(tree_.size()));
+            if (values.empty()) return;
+            const auto victim = std::next(values.begin(), below(values.size()));
+            ASSERT_TRUE(hive_.delete_value(*hive_.find(path), victim->first, ++now_));
+            values.erase(victim);
+        }
+    }
+
+  private:
+    std::ptrdiff_t below(size_t limit) { return static_cast<std::ptrdiff_t>(random_() % limit); }
+    std::u16string any_key() { return std::next(tree_.begin(), below(tree_.size()))->first; }
+    std::u16string any_name() {
+        static const std::u16string rare[] = {u"\u00DF",    u"\u00EBige",    u"\u041F\u0440\u0438",
+                                              u"\u0178",    u"(x)",          u"\xD81D",
+                                              u"key\xDC00", {u'a', 0, u'\n'}};
+        if (below(3) == 0) return rare[below(odd_ ? std::size(rare) : 5)];
+        return below(20) == 0 ? std::u16string(255, u'L') : numbered(u"Name", below(60));
+    }
+    Bytes any_data() {
+        static const size_t sizes[] = {0,   1,    2,     3,     4,     5,     12,   13,
+                                       100, 4000, 16343, 16344, 16345, 32688, 81725};
+        Bytes data(sizes[below(below(4) == 0 ? std::size(sizes) : 9)]);
+        for (uint8_t& byte : data)
+            byte = static_cast<uint8_t>(random_());
+        return data;
+    }
+
+    Hive& hive_;
+    Tree& tree_;
+    std::mt19937 random_;
+    bool odd_;
+    FileTime now_ = 1000;
+};
+
+TEST_P(OfVersion, TakesRandomEditsAsPlainMapsDo) {
+    for (unsigned seed = 1; seed <= 4; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        Bytes image = sealed(Hive::create({.minor_version = GetParam(), .file_name = u"x", .now = 1000}));
+        Tree tree{{u"", {}}};
+        for (int batch = 0; batch < 4; ++batch) {
+            Hive edited = std::move(*Hive::open(image));
+            Scribbler scribbler(edited, tree, seed * 100 + static_cast<unsigned>(batch), seed % 2 == 0);
+            for (int i = 0; i < 250 && !HasFatalFailure(); ++i)
+                scribbler.edit_once();
+            ASSERT_TRUE(tree_of(edited) == tree);
+            Hive replayed = std::move(*Hive::open(image));
+            for (const Change& change : edited.changes())
+                ASSERT_TRUE(replayed.apply(change));
+            EXPECT_EQ(full_dump(replayed), full_dump(edited));
+            EXPECT_EQ(replayed.changes(), edited.changes());
+            image = sealed(edited);
+            ASSERT_TRUE(tree_of(*Hive::open(image)) == tree);
+        }
+        if (seed % 2 != 0) expect_read_alike(image);
+    }
+}
+
+TEST_P(OfVersion, SplitsAndShrinksListsOfThousandsOfKeys) {
+    std::vector<std::u16string> names;
+    for (size_t i = 0; i < 1600; ++i)
+        names.push_back(numbered(i < 200 ? u"\u0416" : u"Key ", 10000 + i));
+    const bool old = GetParam() == 3;
+    const Key parent = *hive.create(u"Parent", 1);
+    for (size_t i = 0; i < names.size(); ++i) {
+        ASSERT_TRUE(hive.create_subkey(parent, names[i], 2));
+        if (i != 400 && i != 800 && i + 1 != names.size()) continue;
+        const Bytes image = sealed(hive);
+        EXPECT_EQ(count_lists(image, "ri"), i > 1012);
+        EXPECT_GE(count_lists(image, old ? "li" : "lh"), i > 1012 ? 3 : 0);
+        EXPECT_EQ(count_lists(image, "li") > 0, old && i > 507);
+        EXPECT_EQ(count_lists(image, "lf") > 0, old);  // the root's own at least
+        EXPECT_EQ(count_lists(image, "lh") > 0, !old);
+    }
+    expect_read_alike(sealed(hive));
+    std::shuffle(names.begin(), names.end(), std::mt19937(1));
+    for (size_t i = 0; i < names.size(); ++i) {
+        const auto key = hive.find_subkey(parent, names[i]);
+        ASSERT_TRUE(key);
+        ASSERT_TRUE(hive.delete_key(*key, 3));
+        if (i % 500 == 0) sealed(hive);
+    }
+    EXPECT_TRUE(hive.subkeys(parent).empty());
+    EXPECT_EQ(count_lists(sealed(hive), "ri"), 0u);
+}
+
+TEST_P(OfVersion, GrowsNoMoreHoweverOftenEverythingIsDeletedAndWrittenAgain) {
+    Tree tree{{u"", {}}};
+    Scribbler scribbler(hive, tree, 77, true);
+    for (int i = 0; i < 400; ++i)
+        scribbler.edit_once();
+    const std::vector<Change> changes = hive.changes();
+    std::vector<size_t> sizes{sealed(hive).size()};
+    for (int round = 0; round < 4; ++round) {
+        for (Key key : hive.subkeys(hive.root()))
+            ASSERT_TRUE(hive.delete_key(key, 1));
+        for (const auto& value : hive.values(hive.root()))
+            ASSERT_TRUE(hive.delete_value(hive.root(), value.name, 1));
+        EXPECT_EQ(dump(hive), "K \n");
+        for (const Change& change : changes)
+            ASSERT_TRUE(hive.apply(change));
+        EXPECT_TRUE(tree_of(hive) == tree);
+        sizes.push_back(sealed(hive).size());
+    }
+    EXPECT_LE(sizes[1], sizes[0] * 11 / 10) << "large cells may find small ones in their place, once";
+    EXPECT_EQ(sizes.back(), sizes[1]);
+}
+
+TEST_P(OfVersion, StaysAsItIsWhereAnEditAsksForWhatIsThereOrIsRefused) {
+    ASSERT_TRUE(hive.create(u"A\\B", 1));
+    const Key key = *hive.find(u"a\\b");
+    for (const size_t size : {0, 3, 5, 16344, 16345})
+        ASSERT_TRUE(hive.set_value(key, numbered(u"v", size), {REG_BINARY, Bytes(size, 7)}, 1));
+    std::u16string deepest = u"d";
+    for (int level = 3; level <= 512; ++level)
+        deepest += u"\\d";
+    const Key bottom = *hive.create(deepest, 1);
+    const Bytes before = sealed(hive);
+    const std::string dump_before = full_dump(hive);
+    const size_t changes = hive.changes().size();
+
+    bool created = true;
+    EXPECT_EQ(*hive.create(u"\\a\\\\B\\", 9, &created), key);
+    EXPECT_FALSE(created);
+    for (const auto& value : hive.values(key))
+        EXPECT_TRUE(hive.set_value(key, value.name, {value.type, value.data}, 9));
+    EXPECT_TRUE(hive.set_value(key, u"V3", {REG_BINARY, Bytes(3, 7)}, 9)) << "in another case";
+
+    auto kind = [](const auto& result) { return result ? "done" : std::to_string(int(result.error().kind)); };
+    const std::string invalid = std::to_string(int(ErrorKind::invalid));
+    const std::string missing = std::to_string(int(ErrorKind::missing));
+    const std::string refused = std::to_string(int(ErrorKind::refused));
+    EXPECT_EQ(kind(hive.create_subkey(key, u"", 9)), invalid);
+    EXPECT_EQ(kind(hive.create_subkey(key, u"a\\b", 9)), invalid);
+    EXPECT_EQ(kind(hive.create_subkey(key, std::u16string(256, u'x'), 9)), invalid);
+    EXPECT_EQ(kind(hive.create(u"New\\Newer\\" + std::u16string(256, u'x'), 9)), invalid);
+    EXPECT_EQ(kind(hive.create_subkey(bottom, u"x", 9)), invalid);
+    EXPECT_EQ(kind(hive.create(u"e" + deepest + u"\\x", 9)), invalid);
+    EXPECT_EQ(kind(hive.set_value(key, std::u16string(16384, u'x'), {}, 9)), invalid);
+    EXPECT_EQ(kind(hive.set_value({0x28}, u"x", {}, 9)), missing);
+    EXPECT_EQ(kind(hive.delete_value(key, u"none", 9)), missing);
+    EXPECT_EQ(kind(hive.delete_key({0x28}, 9)), missing);
+    EXPECT_EQ(kind(hive.apply({Change::Kind::delete_key, u"A\\None", {}, {}, 9})), missing);
+    EXPECT_EQ(kind(hive.delete_key(hive.root(), 9)), refused);
+
+    EXPECT_EQ(hive.changes().size(), changes);
+    EXPECT_EQ(full_dump(hive), dump_before);
+    EXPECT_TRUE(sealed(hive) == before);
+}
+
+}  // namespace
+}  // namespace regf
