@@ -179,6 +179,19 @@ TEST_F(QtWindow, HiddenPageGivesTheFocusToTheTabs) {
     EXPECT_EQ(log(), "page 2 page 3 page 0");
 }
 
+TEST_F(QtWindow, FocusReturnsToAControlThatWasDisabledMeanwhile) {
+    auto& combo = widget(gallery->combo);
+    combo.setFocus(Qt::TabFocusReason);
+    gallery->combo.on_click = [&] {
+        gallery->combo.set_enabled(false);
+        EXPECT_FALSE(combo.hasFocus());
+        gallery->combo.set_enabled(true);
+    };
+    key(combo, Qt::Key_Down);
+    EXPECT_TRUE(combo.hasFocus());
+    EXPECT_EQ(log(), "+combo");
+}
+
 TEST_F(QtWindow, BarStatusMenuAndPicture) {
     auto& bar = widget<QListView>(gallery->bar);
     click(*bar.viewport(), line_at(bar, 1));

@@ -25,8 +25,12 @@ class ItemPainter : public QStyledItemDelegate {
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override {
-        if (option.state & (QStyle::State_HasFocus | QStyle::State_Selected)) {
+        // No mark stays on the item last pressed: the page on show may have come by another way.
+        if (option.state & QStyle::State_MouseOver)
             painter->fillRect(option.rect, option.palette.highlight());
+        if (option.state & QStyle::State_HasFocus) {
+            painter->setPen(option.palette.color(QPalette::Mid));
+            painter->drawRect(option.rect.adjusted(1, 1, -2, -2));
         }
         const QRect place = option.rect.adjusted(0, margin, 0, -margin);
         const auto picture = index.data(Qt::DecorationRole).value<QPixmap>();
@@ -64,7 +68,8 @@ class ListBarWidget : public Shown<LineList, ListBar> {
         QPalette colours = palette();
         colours.setColor(QPalette::Base, QColor(0x6e, 0x6e, 0x6e));
         colours.setColor(QPalette::Text, Qt::white);
-        colours.setColor(QPalette::Highlight, QColor(0x4a, 0x4a, 0x4a));
+        colours.setColor(QPalette::Mid, QColor(0xb0, 0xb0, 0xb0));
+        colours.setColor(QPalette::Highlight, QColor(0x58, 0x58, 0x58));
         setPalette(colours);
         verticalScrollBar()->setPalette(QApplication::palette());
     }
@@ -83,7 +88,7 @@ class ListBarWidget : public Shown<LineList, ListBar> {
     void resizeEvent(QResizeEvent* event) override {
         Shown::resizeEvent(event);
         const int frame = frameWidth();
-        header_->setGeometry(frame, frame, width() - 2 * frame, header_height);
+        header_->setGeometry(frame, frame, viewport()->width(), header_height);
     }
 
     void keyPressEvent(QKeyEvent* event) override {

@@ -21,12 +21,11 @@ class Look : public QProxyStyle {
         switch (hint) {
             case SH_LineEdit_PasswordCharacter:
                 return '*';
-            case SH_LineEdit_PasswordMaskDelay:
-                return 0;
             case SH_DialogButtonLayout:
                 return QDialogButtonBox::WinLayout;
+            case SH_LineEdit_PasswordMaskDelay:
+            case SH_ComboBox_Popup:  // a list below the box, not a menu over it
             case SH_DialogButtonBox_ButtonsHaveIcons:
-                return 0;
             case SH_ItemView_ActivateItemOnSingleClick:
                 return 0;
             case SH_UnderlineShortcut:
@@ -55,6 +54,7 @@ QPalette light_grey() {
     const QColor grey(0xe6, 0xe4, 0xe0);
     const QColor lighter(0xf1, 0xf0, 0xed);  // what the style makes of the grey for the tab in front
     QPalette palette(grey, lighter);
+    palette.setColor(QPalette::Dark, QColor(0xa0, 0x9e, 0x9a));
     palette.setColor(QPalette::Base, Qt::white);
     palette.setColor(QPalette::Highlight, QColor(0x2f, 0x5d, 0xa8));
     palette.setColor(QPalette::HighlightedText, Qt::white);

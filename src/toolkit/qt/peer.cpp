@@ -26,11 +26,13 @@ QFont font_of(const Control& control) {
 void WidgetPeer::refresh(const Control&) {
     // When the focused widget goes, Qt passes the focus on as if the person had pressed Tab.
     const QScopedValueRollback quiet(refreshing_, refreshing_ + 1);
+    const bool was_gone = widget_.isHidden() || !widget_.isEnabled();
     widget_.setGeometry(pixels(control_.place()));
     if (const QFont font = font_of(control_); widget_.font() != font) widget_.setFont(font);
     widget_.setEnabled(control_.enabled());
     show_state();
     widget_.setVisible(control_.visible() && on_its_page(control_));
+    if (was_gone && control_.form().toolkit().focus() == &control_) widget_.setFocus(Qt::OtherFocusReason);
 }
 
 void WidgetPeer::focus_came(Qt::FocusReason reason) {

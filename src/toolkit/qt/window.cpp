@@ -152,7 +152,7 @@ void Window::refresh() {
 
 void Window::refresh_menus() {
     for (const auto& [item, action] : actions_) {
-        action->setText(shown(item->caption()));
+        action->setText(item->separator() ? QString() : shown(item->caption()));
         action->setSeparator(item->separator());
         action->setVisible(item->visible());
     }
