@@ -8,7 +8,8 @@ constexpr toolkit::Rect page_place{180, 480, 6600, 4400};
 
 // Inside a page. The information panel covers what lies right of 4255.
 constexpr int left = 180;
-constexpr int width = 4050;
+constexpr int width = 4050;        // of captions
+constexpr int list_width = 3945;   // of what has a frame of its own
 constexpr int line = 255;
 constexpr int field = 315;
 constexpr int first_row = 390;
@@ -43,7 +44,7 @@ void main::place_controls() {
 
     page(f2);
     put(l21, &f2, {left, 330, width, 480});
-    put(lv1, &f2, {left, 840, width, 2880});
+    put(lv1, &f2, {left, 840, list_width, 2880});
     pair_of_buttons(cmd21, cmd22, f2);
 
     page(f3);
@@ -58,14 +59,14 @@ void main::place_controls() {
     put(c39, &f3, {left, 3480, 2640, line});
     put(t32, &f3, {left + 255, 3765, 2010, field});
     put(cm32, &f3, {left + 2310, 3765, 360, field});
-    put(pic31, &f3, {left + 2790, 2730, 1260, 1350});
+    put(pic31, &f3, {left + 2790, 2730, 1155, 1350});
 
     page(f4);
     put(c41, &f4, {left, 330, width, line});
-    put(List1, &f4, {left, 690, 2520, 3240});
+    put(List1, &f4, {left, 690, 2415, 3240});
     top = 690;
     for (toolkit::Button* button : {&cm41, &cm42, &cm43, &cm44, &cm45}) {
-        put(*button, &f4, {2820, top, 1410, button_height});
+        put(*button, &f4, {2715, top, 1410, button_height});
         top += 465;
     }
     put(gesamtfiles, &f4, {left, 4020, 2520, line});
@@ -83,13 +84,13 @@ void main::place_controls() {
 
     page(f9);
     put(l83, &f9, {left, 330, width, line});
-    put(syslist, &f9, {left, 600, width, 2070});
+    put(syslist, &f9, {left, 600, list_width, 2070});
     put(l81, &f9, {left, 2865, 1980, line});
-    put(t81, &f9, {left + 1980, 2820, 2070, field});
+    put(t81, &f9, {left + 1980, 2820, list_width - 1980, field});
     put(l82, &f9, {left, 3255, 1980, line});
-    put(t82, &f9, {left + 1980, 3210, 2070, field});
+    put(t82, &f9, {left + 1980, 3210, list_width - 1980, field});
     put(l810, &f9, {left, 3660, width, line});
-    put(t810, &f9, {left, 3915, width, field});
+    put(t810, &f9, {left, 3915, list_width, field});
 
     put(f0, nullptr, {6250, 600, 2345, 4400});
     put(Image1, &f0, {180, 330, 600, 600});
