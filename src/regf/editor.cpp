@@ -1,7 +1,6 @@
 #include "regf/editor.h"
 
 #include <algorithm>
-#include <map>
 
 #include "regf/bytes.h"
 #include "regf/layout.h"
@@ -14,7 +13,22 @@ namespace {
 constexpr size_t longest_lf = 507;
 constexpr size_t longest_leaf = 1012;
 
+/// A list moved to a larger cell gets room for what may come, so that not every insertion moves it again.
 size_t with_headroom(size_t count) { return count + count / 2; }
+
+std::vector<uint32_t> offsets_of(const std::vector<Leaf>& leaves) {
+    std::vector<uint32_t> out(leaves.size());
+    std::transform(leaves.begin(), leaves.end(), out.begin(), [](const Leaf& leaf) { return leaf.offset; });
+    return out;
+}
+
+bool is_wide(const char* kind) { return kind[1] == 'f' || kind[1] == 'h'; }
+size_t longest(const char* kind) { return kind[1] == 'f' ? longest_lf : longest_leaf; }
+
+void put_offsets(std::span<uint8_t> list, const std::vector<uint32_t>& offsets) {
+    for (size_t i = 0; i < offsets.size(); ++i)
+        put32(list, i * 4, offsets[i]);
+}
 
 void raise32(std::span<uint8_t> record, size_t at, uint32_t value) {
     if (get32(record, at) < value) put32(record, at, value);
@@ -22,42 +36,22 @@ void raise32(std::span<uint8_t> record, size_t at, uint32_t value) {
 
 }  // namespace
 
-std::optional<uint32_t> Editor::find_subkey(uint32_t parent, std::u16string_view name) const {
-    const auto key = key_record(image_, parent);
-    if (!key) return std::nullopt;
-    // Binary search would miss a key in a list out of order, which can still be read.
-    for (uint32_t child : subkey_offsets(image_, *key)) {
-        if (compare_key_name(*key_record(image_, child), name) == 0) return child;
-    }
-    return std::nullopt;
-}
-
-std::optional<uint32_t> Editor::find_value(uint32_t key, std::u16string_view name) const {
-    const auto record = key_record(image_, key);
-    if (!record) return std::nullopt;
-    for (uint32_t at : value_offsets(image_, *record)) {
-        const auto value = value_record(image_, at);
-        if (value && same_name(value_name(*value), name)) return at;
-    }
-    return std::nullopt;
-}
-
 // --- keys
 
 uint32_t Editor::add_key(uint32_t parent, std::u16string_view name, FileTime now) {
     const StoredName stored = store_name(name);
     const uint32_t security = security_for_child(parent);
     const uint32_t offset = image_.allocate(nk::name + stored.bytes.size());
-    const auto key = record(offset);
-    std::copy_n("nk", 2, key.begin());
-    put16(key, nk::flags, stored.compressed ? nk::compressed_name : 0);
-    put64(key, nk::last_written, now);
-    put32(key, nk::parent, parent);
+    const auto made = record(offset);
+    std::copy_n("nk", 2, made.begin());
+    put16(made, nk::flags, stored.compressed ? nk::compressed_name : 0);
+    put64(made, nk::last_written, now);
+    put32(made, nk::parent, parent);
     for (const size_t list : {nk::subkey_list, nk::volatile_list, nk::value_list, nk::class_name})
-        put32(key, list, nil);
-    put32(key, nk::security, security);
-    put16(key, nk::name_length, static_cast<uint16_t>(stored.bytes.size()));
-    std::copy(stored.bytes.begin(), stored.bytes.end(), key.begin() + nk::name);
+        put32(made, list, nil);
+    put32(made, nk::security, security);
+    put16(made, nk::name_length, static_cast<uint16_t>(stored.bytes.size()));
+    std::copy(stored.bytes.begin(), stored.bytes.end(), made.begin() + nk::name);
     const auto shared = record(security);
     put32(shared, sk::reference_count, get32(shared, sk::reference_count) + 1);
 
@@ -70,19 +64,17 @@ uint32_t Editor::add_key(uint32_t parent, std::u16string_view name, FileTime now
     return offset;
 }
 
-void Editor::remove_key(uint32_t offset, uint32_t parent, FileTime now) {
-    const CellView key = *key_record(image_, offset);
-    const auto values = value_offsets(image_, key);
-    for (uint32_t value : values) {
-        release_data(value);
-        image_.release(value);
-    }
-    if (!values.empty()) image_.release(get32(key, nk::value_list));
-    if (get16(key, nk::class_length) > 0) image_.release(get32(key, nk::class_name));
-    drop_security(get32(key, nk::security));
+void Editor::remove_key(uint32_t offset, FileTime now) {
+    const uint32_t parent = get32(key(offset), nk::parent);
     take_from_list(parent, offset);
-    image_.release(offset);
-
+    std::vector<uint32_t> doomed{offset};
+    while (!doomed.empty()) {
+        const uint32_t at = doomed.back();
+        doomed.pop_back();
+        const auto below = subkey_offsets(image_, key(at));
+        doomed.insert(doomed.end(), below.begin(), below.end());
+        release_key(at);
+    }
     const auto above = record(parent);
     const uint32_t left = get32(above, nk::subkey_count) - 1;
     put32(above, nk::subkey_count, left);
@@ -92,17 +84,32 @@ void Editor::remove_key(uint32_t offset, uint32_t parent, FileTime now) {
     put32(above, nk::largest_class_name, 0);
 }
 
-/// The descriptor that most of the siblings share, as they inherited it; without siblings that of the parent.
+void Editor::release_key(uint32_t offset) {
+    const CellView doomed = key(offset);
+    const auto values = value_offsets(image_, doomed);
+    for (uint32_t value : values) {
+        release_data(value);
+        image_.release(value);
+    }
+    if (!values.empty()) image_.release(get32(doomed, nk::value_list));
+    if (get16(doomed, nk::class_length) > 0) image_.release(get32(doomed, nk::class_name));
+    const auto leaves = subkey_lists(image_, doomed).leaves;
+    for (const Leaf& leaf : leaves)
+        image_.release(leaf.offset);
+    if (!leaves.empty() && leaves.front().index_offset != nil) image_.release(leaves.front().index_offset);
+    drop_security(get32(doomed, nk::security));
+    image_.release(offset);
+}
+
+/// The descriptor that most siblings share, as they inherited it (found by letting unlike ones cancel each
+/// other out); without siblings that of the parent.
 uint32_t Editor::security_for_child(uint32_t parent) const {
-    const CellView key = *key_record(image_, parent);
-    uint32_t best = get32(key, nk::security);
-    size_t most = 0;
-    std::map<uint32_t, size_t> users;
-    for (uint32_t sibling : subkey_offsets(image_, key)) {
-        const uint32_t security = get32(*key_record(image_, sibling), nk::security);
-        if (++users[security] <= most) continue;
-        most = users[security];
-        best = security;
+    uint32_t best = get32(key(parent), nk::security);
+    size_t votes = 0;
+    for (uint32_t sibling : subkey_offsets(image_, key(parent))) {
+        const uint32_t security = get32(key(sibling), nk::security);
+        if (votes == 0) best = security;
+        votes = security == best ? votes + 1 : votes - 1;
     }
     return best;
 }
@@ -123,20 +130,24 @@ void Editor::drop_security(uint32_t offset) {
 
 uint32_t Editor::store_list(std::optional<uint32_t> old, const char* kind,
                             const std::vector<uint32_t>& offsets) {
-    const bool wide = kind[1] == 'f' || kind[1] == 'h';
-    const size_t step = wide ? 8 : 4;
+    const bool is_index = kind[0] == 'r';
+    const size_t step = is_wide(kind) ? 8 : 4;
     uint32_t at = old.value_or(nil);
     if (!old || image_.cell(*old)->size() < 4 + step * offsets.size()) {
-        if (old) image_.release(*old);
-        at = image_.allocate(4 + step * (old ? with_headroom(offsets.size()) : offsets.size()));
+        size_t room = offsets.size();
+        if (old) {
+            image_.release(*old);
+            room = is_index ? with_headroom(room) : std::min(with_headroom(room), longest(kind));
+        }
+        at = image_.allocate(4 + step * room);
     }
     const auto list = record(at);
     std::copy_n(kind, 2, list.begin());
     put16(list, 2, static_cast<uint16_t>(offsets.size()));
     for (size_t i = 0; i < offsets.size(); ++i) {
         put32(list, 4 + i * step, offsets[i]);
-        if (!wide) continue;
-        const std::u16string name = key_name(*key_record(image_, offsets[i]));
+        if (!is_wide(kind)) continue;
+        const std::u16string name = key_name(key(offsets[i]));
         put32(list, 8 + i * step, kind[1] == 'h' ? name_hash(name) : name_hint(name));
     }
     return at;
@@ -155,13 +166,13 @@ const char* Editor::leaf_kind(const Leaf* old, size_t count) const {
 }
 
 void Editor::insert_subkey(uint32_t parent, uint32_t child) {
-    auto leaves = *subkey_leaves(image_, *key_record(image_, parent));
+    auto leaves = subkey_lists(image_, key(parent)).leaves;
     if (leaves.empty()) {
         return put32(record(parent), nk::subkey_list,
                      store_list(std::nullopt, leaf_kind(nullptr, 1), {child}));
     }
-    const std::u16string name = key_name(*key_record(image_, child));
-    auto before = [&](uint32_t other) { return compare_key_name(*key_record(image_, other), name) < 0; };
+    const std::u16string name = key_name(key(child));
+    auto before = [&](uint32_t other) { return compare_key_name(key(other), name) < 0; };
     size_t which = 0;  // the last leaf that begins before the new name
     while (which + 1 < leaves.size() && before(leaves[which + 1].keys.front()))
         ++which;
@@ -169,8 +180,7 @@ void Editor::insert_subkey(uint32_t parent, uint32_t child) {
     leaf.keys.insert(std::partition_point(leaf.keys.begin(), leaf.keys.end(), before), child);
 
     const char* const kind = leaf_kind(&leaf, leaf.keys.size());
-    const size_t most = kind[1] == 'f' ? longest_lf : longest_leaf;
-    if (leaf.keys.size() > most) return split_leaf(parent, leaves, which, kind);
+    if (leaf.keys.size() > longest(kind)) return split_leaf(parent, leaves, which, kind);
     const uint32_t stored = store_list(leaf.offset, kind, leaf.keys);
     if (leaf.index_offset == nil) return put32(record(parent), nk::subkey_list, stored);
     put32(record(leaf.index_offset), 4 + 4 * which, stored);
@@ -180,9 +190,7 @@ void Editor::split_leaf(uint32_t parent, const std::vector<Leaf>& leaves, size_t
     const auto& keys = leaves[which].keys;
     const auto half = keys.begin() + static_cast<ptrdiff_t>(keys.size() / 2);
     image_.release(leaves[which].offset);
-    std::vector<uint32_t> offsets;
-    for (const Leaf& leaf : leaves)
-        offsets.push_back(leaf.offset);
+    auto offsets = offsets_of(leaves);
     offsets[which] = store_list(std::nullopt, kind, {keys.begin(), half});
     offsets.insert(offsets.begin() + static_cast<ptrdiff_t>(which) + 1,
                    store_list(std::nullopt, kind, {half, keys.end()}));
@@ -192,45 +200,38 @@ void Editor::split_leaf(uint32_t parent, const std::vector<Leaf>& leaves, size_t
 }
 
 void Editor::take_from_list(uint32_t parent, uint32_t child) {
-    const CellView key = *key_record(image_, parent);
-    auto leaves = *subkey_leaves(image_, key);
-    const auto leaf = std::find_if(leaves.begin(), leaves.end(), [&](const Leaf& l) {
-        return std::find(l.keys.begin(), l.keys.end(), child) != l.keys.end();
-    });
-    std::erase(leaf->keys, child);
-    const bool in_index = leaf->index_offset != nil;
+    auto leaves = subkey_lists(image_, key(parent)).leaves;
+    auto leaf = leaves.begin();
+    while (std::erase(leaf->keys, child) == 0)
+        ++leaf;
     if (!leaf->keys.empty()) {
         store_list(leaf->offset, leaf_kind(&*leaf, leaf->keys.size()), leaf->keys);  // shrinks in place
         return;
     }
-    image_.release(leaf->offset);
     const uint32_t index = leaf->index_offset;
+    image_.release(leaf->offset);
     leaves.erase(leaf);
-    if (!leaves.empty()) {
-        std::vector<uint32_t> offsets;
-        for (const Leaf& l : leaves)
-            offsets.push_back(l.offset);
-        store_list(index, "ri", offsets);
-        return;
+    if (leaves.empty()) {
+        if (index != nil) image_.release(index);
+        return put32(record(parent), nk::subkey_list, nil);
     }
-    if (in_index) image_.release(index);
-    put32(record(parent), nk::subkey_list, nil);
+    store_list(index, "ri", offsets_of(leaves));
 }
 
 // --- values
 
-void Editor::set_value(uint32_t key, std::u16string_view name, const Value& value, FileTime now) {
-    const auto existing = find_value(key, name);
-    const uint32_t at = existing ? *existing : append_value(key, name);
+void Editor::set_value(uint32_t owner_offset, std::u16string_view name, const Value& value, FileTime now) {
+    const auto existing = find_value(image_, key(owner_offset), name);
+    const uint32_t at = existing ? *existing : append_value(owner_offset, name);
     store_data(at, value.data);
     put32(record(at), vk::type, value.type);
-    const auto owner = record(key);
+    const auto owner = record(owner_offset);
     raise32(owner, nk::largest_value_name, static_cast<uint32_t>(name.size() * 2));
     raise32(owner, nk::largest_value_data, static_cast<uint32_t>(value.data.size()));
     put64(owner, nk::last_written, now);
 }
 
-uint32_t Editor::append_value(uint32_t key, std::u16string_view name) {
+uint32_t Editor::append_value(uint32_t owner_offset, std::u16string_view name) {
     const StoredName stored = store_name(name);
     const uint32_t at = image_.allocate(vk::name + stored.bytes.size());
     const auto value = record(at);
@@ -240,18 +241,16 @@ uint32_t Editor::append_value(uint32_t key, std::u16string_view name) {
     put16(value, vk::flags, stored.compressed && !name.empty() ? vk::compressed_name : 0);
     std::copy(stored.bytes.begin(), stored.bytes.end(), value.begin() + vk::name);
 
-    auto offsets = value_offsets(image_, *key_record(image_, key));
+    auto offsets = value_offsets(image_, key(owner_offset));
     const bool had_list = !offsets.empty();
     offsets.push_back(at);
-    uint32_t list_at = get32(record(key), nk::value_list);
+    uint32_t list_at = get32(key(owner_offset), nk::value_list);
     if (!had_list || image_.cell(list_at)->size() < offsets.size() * 4) {
         if (had_list) image_.release(list_at);
         list_at = image_.allocate(4 * (had_list ? with_headroom(offsets.size()) : offsets.size()));
     }
-    const auto list = record(list_at);
-    for (size_t i = 0; i < offsets.size(); ++i)
-        put32(list, i * 4, offsets[i]);
-    const auto owner = record(key);
+    put_offsets(record(list_at), offsets);
+    const auto owner = record(owner_offset);
     put32(owner, nk::value_list, list_at);
     put32(owner, nk::value_count, static_cast<uint32_t>(offsets.size()));
     return at;
@@ -276,29 +275,28 @@ void Editor::store_data(uint32_t value, const Bytes& data) {
         std::copy(data.begin(), data.end(), target.begin() + vk::data);
         return;
     }
-    uint32_t cell = 0;
-    if (!in_segments) {
-        cell = image_.allocate(size);
-        std::copy(data.begin(), data.end(), record(cell).begin());
-    } else {
-        const uint32_t count = (size + db::segment_data - 1) / db::segment_data;
-        cell = image_.allocate(db::record_size);
-        const uint32_t list = image_.allocate(size_t{count} * 4);
-        for (uint32_t i = 0; i < count; ++i) {
-            const uint32_t segment =
-                image_.allocate(db::segment_data);  // the last one is as large as the others
-            const uint32_t here = std::min(size - i * db::segment_data, db::segment_data);
-            std::copy_n(data.begin() + static_cast<ptrdiff_t>(i) * db::segment_data, here,
-                        record(segment).begin());
-            put32(record(list), size_t{i} * 4, segment);
-        }
-        const auto big = record(cell);
-        std::copy_n("db", 2, big.begin());
-        put16(big, db::segment_count, static_cast<uint16_t>(count));
-        put32(big, db::segment_list, list);
-    }
+    const uint32_t cell = in_segments ? store_segments(data) : image_.allocate(size);
+    if (!in_segments) std::copy(data.begin(), data.end(), record(cell).begin());
     put32(record(value), vk::data_size, size);
     put32(record(value), vk::data, cell);
+}
+
+uint32_t Editor::store_segments(const Bytes& data) {
+    std::vector<uint32_t> segments;
+    for (ByteView rest = data; !rest.empty();
+         rest = rest.subspan(std::min<size_t>(rest.size(), db::segment_data))) {
+        segments.push_back(image_.allocate(db::segment_data));  // the last one is as large as the others
+        std::copy_n(rest.begin(), std::min<size_t>(rest.size(), db::segment_data),
+                    record(segments.back()).begin());
+    }
+    const uint32_t list = image_.allocate(segments.size() * 4);
+    put_offsets(record(list), segments);
+    const uint32_t cell = image_.allocate(db::record_size);
+    const auto big = record(cell);
+    std::copy_n("db", 2, big.begin());
+    put16(big, db::segment_count, static_cast<uint16_t>(segments.size()));
+    put32(big, db::segment_list, list);
+    return cell;
 }
 
 void Editor::release_data(uint32_t value) {
@@ -310,12 +308,12 @@ void Editor::release_data(uint32_t value) {
     image_.release(place.cell);
 }
 
-void Editor::remove_value(uint32_t key, uint32_t value, FileTime now) {
+void Editor::remove_value(uint32_t owner_offset, uint32_t value, FileTime now) {
     release_data(value);
     image_.release(value);
-    auto offsets = value_offsets(image_, *key_record(image_, key));
+    auto offsets = value_offsets(image_, key(owner_offset));
     std::erase(offsets, value);
-    const auto owner = record(key);
+    const auto owner = record(owner_offset);
     const uint32_t list_at = get32(owner, nk::value_list);
     put32(owner, nk::value_count, static_cast<uint32_t>(offsets.size()));
     put64(owner, nk::last_written, now);
@@ -326,9 +324,7 @@ void Editor::remove_value(uint32_t key, uint32_t value, FileTime now) {
         put32(owner, nk::largest_value_data, 0);
         return;
     }
-    const auto list = record(list_at);
-    for (size_t i = 0; i < offsets.size(); ++i)
-        put32(list, i * 4, offsets[i]);
+    put_offsets(record(list_at), offsets);
 }
 
 }  // namespace regf

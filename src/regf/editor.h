@@ -17,17 +17,16 @@ class Editor {
 
     /// A new key in the list of its parent.
     uint32_t add_key(uint32_t parent, std::u16string_view name, FileTime now);
-    /// A key without subkeys, out of its parent's list, with all that belongs to it.
-    void remove_key(uint32_t offset, uint32_t parent, FileTime now);
+    /// A key with all that belongs to it and all that lies below it.
+    void remove_key(uint32_t offset, FileTime now);
 
-    void set_value(uint32_t key, std::u16string_view name, const Value& value, FileTime now);
-    void remove_value(uint32_t key, uint32_t value, FileTime now);
-
-    std::optional<uint32_t> find_subkey(uint32_t parent, std::u16string_view name) const;
-    std::optional<uint32_t> find_value(uint32_t key, std::u16string_view name) const;
+    void set_value(uint32_t owner_offset, std::u16string_view name, const Value& value, FileTime now);
+    void remove_value(uint32_t owner_offset, uint32_t value, FileTime now);
 
   private:
     std::span<uint8_t> record(uint32_t offset) { return *image_.cell(offset); }
+    CellView key(uint32_t offset) const { return *key_record(image_, offset); }
+    void release_key(uint32_t offset);
 
     // Lists of subkeys.
     void insert_subkey(uint32_t parent, uint32_t child);
@@ -38,8 +37,9 @@ class Editor {
 
     // Values.
     void store_data(uint32_t value, const Bytes& data);
+    uint32_t store_segments(const Bytes& data);
     void release_data(uint32_t value);
-    uint32_t append_value(uint32_t key, std::u16string_view name);
+    uint32_t append_value(uint32_t owner_offset, std::u16string_view name);
 
     // Security records.
     uint32_t security_for_child(uint32_t parent) const;

@@ -23,10 +23,12 @@ class Examiner {
         if (image_.problem()) error(image_.problem()->file_offset, image_.problem()->text);
         for (uint32_t at : image_.unmerged_cells())
             warn(in_file(at), "free cells side by side");
-        claimed_.assign(image_.bins_size() / 8 + 1, false);
+        claimed_.assign(image_.bins_size() / 8, false);
         walk_keys();
-        check_security_ring();
-        check_orphans();
+        if (out_.walkable) {
+            check_security_ring();
+            check_orphans();
+        }
         return std::move(out_);
     }
 
@@ -46,8 +48,12 @@ class Examiner {
     }
     void error(uint64_t at, std::string text) { add(Level::error, at, std::move(text)); }
     void warn(uint64_t at, std::string text) { add(Level::warning, at, std::move(text)); }
+    bool is_full() const { return out_.findings.size() >= limit_ && out_.first_error(); }
     void key_error(uint32_t key, const std::string& text) {
-        error(in_file(key), text + " (key " + path_of(key) + ")");
+        if (!is_full()) error(in_file(key), text + " (key " + path_of(key) + ")");
+    }
+    void key_warning(uint32_t key, const std::string& text) {
+        if (out_.findings.size() < limit_) warn(in_file(key), text + " (key " + path_of(key) + ")");
     }
 
     std::string path_of(uint32_t offset) const {
@@ -62,11 +68,14 @@ class Examiner {
         return path.empty() ? "\\" : path;
     }
 
-    /// False where another record has the cell already.
-    bool claim(uint32_t offset) {
-        if (offset / 8 >= claimed_.size() || claimed_[offset / 8]) return false;
-        claimed_[offset / 8] = true;
-        return true;
+    /// For the record of a key. A cell that is claimed twice ends the walk: what shares cells can take for
+    /// ever to read, and fill any memory.
+    void claim(uint32_t cell, uint32_t key, const char* what) {
+        if (claimed_[cell / 8]) {
+            out_.walkable = false;
+            key_error(key, std::string(what) + " is reached twice");
+        }
+        claimed_[cell / 8] = true;
     }
 
     void check_base_block();
@@ -115,26 +124,17 @@ void Examiner::walk_keys() {
         return error(base_block::root, "the root key cannot be read");
     }
     open_.push_back({root, nil, 1});
-    while (!open_.empty()) {
+    while (!open_.empty() && out_.walkable) {
         const Visit visit = open_.back();
         open_.pop_back();
-        const auto key = key_record(image_, visit.offset);
-        if (!key) {
-            key_error(visit.parent, "a subkey cannot be read");
-            continue;
-        }
-        if (!claim(visit.offset)) {
-            out_.walkable = false;
-            key_error(visit.parent, "a subkey is reached twice");
-            continue;
-        }
-        parents_[visit.offset] = visit.parent;
+        claim(visit.offset, visit.parent == nil ? visit.offset : visit.parent, "a subkey");
         if (visit.depth > deepest_level) {
             out_.walkable = false;
-            key_error(visit.offset, "more than 512 levels");
-            continue;
+            key_error(visit.parent, "more than 512 levels");
         }
-        check_key(visit, *key);
+        if (!out_.walkable) return;
+        parents_[visit.offset] = visit.parent;
+        check_key(visit, *key_record(image_, visit.offset));
     }
 }
 
@@ -168,7 +168,7 @@ void Examiner::check_class(uint32_t offset, CellView key) {
     if (get16(key, nk::class_length) == 0) return;
     const uint32_t cell = get32(key, nk::class_name);
     if (!class_name_of(image_, key)) return key_error(offset, "the class name cannot be read");
-    if (!claim(cell)) key_error(offset, "the cell of the class name is used twice");
+    claim(cell, offset, "the cell of the class name");
 }
 
 void Examiner::check_values(uint32_t offset, CellView key) {
@@ -176,9 +176,9 @@ void Examiner::check_values(uint32_t offset, CellView key) {
     if (count == 0) return;
     const uint32_t list_offset = get32(key, nk::value_list);
     const auto list = image_.cell(list_offset);
-    if (!list || count > list->size() / 4)
-        return key_error(offset, "the value list is shorter than its count");
-    if (!claim(list_offset)) key_error(offset, "the cell of the value list is used twice");
+    if (!list) return key_error(offset, "the value list cannot be read");
+    if (count > list->size() / 4) key_error(offset, "the value list is shorter than its count");
+    claim(list_offset, offset, "the value list");
     std::vector<std::u16string> names;
     uint32_t largest_name = 0;
     uint32_t largest_data = 0;
@@ -188,7 +188,8 @@ void Examiner::check_values(uint32_t offset, CellView key) {
             key_error(offset, "a value cannot be read");
             continue;
         }
-        if (!claim(at)) key_error(offset, "the cell of a value is used twice");
+        claim(at, offset, "a value");
+        if (!out_.walkable) return;
         names.push_back(value_name(*value));
         largest_name = std::max(largest_name, static_cast<uint32_t>(names.back().size() * 2));
         check_value_data(offset, *value, largest_data);
@@ -196,11 +197,11 @@ void Examiner::check_values(uint32_t offset, CellView key) {
     auto before = [](const std::u16string& a, const std::u16string& b) { return compare_names(a, b) < 0; };
     std::sort(names.begin(), names.end(), before);
     if (std::adjacent_find(names.begin(), names.end(), same_name) != names.end()) {
-        warn(in_file(offset), "two values of the same name (key " + path_of(offset) + ")");
+        key_warning(offset, "two values of the same name");
     }
     if (get32(key, nk::largest_value_name) < largest_name ||
         get32(key, nk::largest_value_data) < largest_data) {
-        warn(in_file(offset), "a value is larger than its key tells (key " + path_of(offset) + ")");
+        key_warning(offset, "a value is larger than its key tells");
     }
 }
 
@@ -210,26 +211,26 @@ void Examiner::check_value_data(uint32_t offset, CellView value, uint32_t& large
         return key_error(offset, "the data of the value " + printable(value_name(value)) + " cannot be read");
     largest_data = std::max(largest_data, place->size);
     if (place->resident || place->size == 0) return;
-    bool alone = claim(place->cell);
-    if (place->segment_list) alone = claim(*place->segment_list) && alone;
+    claim(place->cell, offset, "a cell with data");
+    if (place->segment_list) claim(*place->segment_list, offset, "a list of segments");
     for (uint32_t segment : place->segments)
-        alone = claim(segment) && alone;
-    if (!alone) key_error(offset, "a cell with data is used twice");
+        claim(segment, offset, "a segment of data");
 }
 
 void Examiner::check_subkeys(const Visit& visit, CellView key) {
     const uint32_t count = get32(key, nk::subkey_count);
     if (count == 0) return;
-    const auto leaves = subkey_leaves(image_, key);
-    if (!leaves) key_error(visit.offset, "the list of subkeys is damaged");
+    const SubkeyLists lists = subkey_lists(image_, key);
+    if (!lists.whole) key_error(visit.offset, "the list of subkeys is damaged");
+    if (!lists.leaves.empty() && lists.leaves.front().index_offset != nil)
+        claim(lists.leaves.front().index_offset, visit.offset, "an index of subkeys");
+    for (const Leaf& leaf : lists.leaves)
+        claim(leaf.offset, visit.offset, "a list of subkeys");
+    if (!out_.walkable) return;
     uint32_t found = 0;
     uint32_t largest_name = 0;
     std::optional<std::u16string> before;
-    for (const Leaf& leaf : leaves.value_or(std::vector<Leaf>{})) {
-        if (leaf.index_offset != nil && &leaf == &leaves->front() && !claim(leaf.index_offset)) {
-            key_error(visit.offset, "the index of subkeys is used twice");
-        }
-        if (!claim(leaf.offset)) key_error(visit.offset, "a list of subkeys is used twice");
+    for (const Leaf& leaf : lists.leaves) {
         check_leaf(visit.offset, leaf);
         found += static_cast<uint32_t>(leaf.keys.size());
         for (uint32_t child : leaf.keys) {
@@ -242,16 +243,14 @@ void Examiner::check_subkeys(const Visit& visit, CellView key) {
             if (before && compare_names(*before, name) >= 0) key_error(visit.offset, "subkeys out of order");
             largest_name = std::max(largest_name, static_cast<uint32_t>(name.size() * 2));
             before = std::move(name);
+            open_.push_back({child, visit.offset, visit.depth + 1});
         }
     }
-    if (leaves && found != count)
+    if (lists.whole && found != count)
         key_error(visit.offset, "the list of subkeys has another length than the key tells");
     if (get16(key, nk::largest_subkey_name) < largest_name) {
-        warn(in_file(visit.offset),
-             "a subkey's name is longer than its key tells (key " + path_of(visit.offset) + ")");
+        key_warning(visit.offset, "a subkey's name is longer than its key tells");
     }
-    for (uint32_t child : subkey_offsets(image_, key))
-        open_.push_back({child, visit.offset, visit.depth + 1});
 }
 
 void Examiner::check_leaf(uint32_t key_offset, const Leaf& leaf) {
@@ -265,8 +264,7 @@ void Examiner::check_leaf(uint32_t key_offset, const Leaf& leaf) {
         const uint32_t stored = get32(list, 4 + i * 8 + 4);
         const std::u16string name = key_name(*record);
         const bool right = hashes ? stored == name_hash(name) : stored == name_hint(name) || stored == 0;
-        if (!right)
-            warn(in_file(leaf.offset), "a wrong hash in a list of subkeys (key " + path_of(key_offset) + ")");
+        if (!right) key_warning(key_offset, "a wrong hash in the list of subkeys");
     }
 }
 
@@ -280,7 +278,9 @@ void Examiner::check_security_ring() {
     do {
         const auto record = image_.cell(at, sk::descriptor);
         const auto descriptor = security_descriptor(image_, at);
-        if (!descriptor || !claim(at)) return error(in_file(at), "the ring of security records is broken");
+        if (!descriptor || claimed_[at / 8])
+            return error(in_file(at), "the ring of security records is broken");
+        claimed_[at / 8] = true;
         if (!is_valid_descriptor(*descriptor)) error(in_file(at), "an invalid security descriptor");
         const uint32_t users = security_users_.contains(at) ? security_users_[at] : 0;
         const uint32_t told = get32(*record, sk::reference_count);

@@ -9,7 +9,7 @@ namespace regf {
 
 struct Examination {
     std::vector<Finding> findings;
-    /// The tree of keys can be walked: it has a root, no key is reached twice, none lies too deep.
+    /// The tree of keys can be walked: it has a root, no cell is claimed twice, no key lies too deep.
     bool walkable = true;
 
     const Finding* first_error() const;

@@ -1,5 +1,8 @@
+#include <dirent.h>
 #include <fcntl.h>
+#include <linux/limits.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
@@ -8,8 +11,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
-
-#include <dirent.h>
+#include <set>
 
 #include "base/text.h"
 #include "regf/bytes.h"
@@ -27,11 +29,18 @@ namespace {
 constexpr const char* temporary_ending = ".brightlock-new";
 constexpr off_t longest_file = off_t{1} << 31;
 
-/// True where the call may go on; else errno is set.
-bool may(const char* call) {
-    const int error = fail_system_call ? fail_system_call(call) : 0;
-    if (error != 0) errno = error;
-    return error == 0;
+/// Makes a system call, again where a signal broke it off. -1: refused, errno tells why.
+template <class Call>
+auto attempt(const char* name, Call call) -> decltype(call()) {
+    const int error = fail_system_call ? fail_system_call(name) : 0;
+    if (error != 0) {
+        errno = error;
+        return -1;
+    }
+    for (;;) {
+        const auto answer = call();
+        if (answer != -1 || errno != EINTR) return answer;
+    }
 }
 
 ErrorKind kind_of(int error) {
@@ -43,6 +52,8 @@ ErrorKind kind_of(int error) {
         case EPERM:
         case EROFS:
         case ELOOP:
+        case EISDIR:
+        case ENXIO:
             return ErrorKind::refused;
         case ENOSPC:
         case EDQUOT:
@@ -74,6 +85,7 @@ class Descriptor {
         if (number_ >= 0) close(number_);
     }
     int get() const { return number_; }
+    int release() { return std::exchange(number_, -1); }
     bool ok() const { return number_ >= 0; }
 
   private:
@@ -81,9 +93,8 @@ class Descriptor {
 };
 
 Descriptor open_at(const FilePlace& place, int flags, mode_t mode = 0) {
-    if (!may("open")) return Descriptor(-1);
-    return Descriptor(
-        openat(place.folder, place.name.c_str(), flags | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, mode));
+    const int all = flags | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+    return Descriptor(attempt("open", [&] { return openat(place.folder, place.name.c_str(), all, mode); }));
 }
 
 std::string folder_part(const std::string& name) {
@@ -92,22 +103,38 @@ std::string folder_part(const std::string& name) {
     return slash == 0 ? "/" : name.substr(0, slash);
 }
 
+Descriptor open_folder_of(const FilePlace& place) {
+    return open_at({place.folder, folder_part(place.name)}, O_RDONLY | O_DIRECTORY);
+}
+
+Result<struct stat> examine_file(int descriptor, const std::string& name) {
+    struct stat info {};
+    if (attempt("fstat", [&] { return fstat(descriptor, &info); }) != 0)
+        return system_error(name, "cannot be examined");
+    return info;
+}
+
 std::string last_part(const std::string& name) { return name.substr(name.rfind('/') + 1); }
 
-Result<Bytes> read_all(int descriptor, const std::string& name) {
-    struct stat info {};
-    if (!may("fstat") || fstat(descriptor, &info) != 0) return system_error(name, "cannot be examined");
-    if (info.st_size > longest_file) return Error{ErrorKind::unsupported, name + ": larger than any hive"};
-    Bytes bytes(static_cast<size_t>(info.st_size));
-    for (size_t done = 0; done < bytes.size();) {
-        const ssize_t got = may("read") ? pread(descriptor, bytes.data() + done, bytes.size() - done,
-                                                static_cast<off_t>(done))
-                                        : -1;
+/// Less than `size` bytes only where the file ends before.
+Result<Bytes> read_front(int descriptor, size_t size, const std::string& name) {
+    Bytes bytes(size);
+    for (size_t done = 0; done < size;) {
+        const ssize_t got = attempt("read", [&] {
+            return pread(descriptor, bytes.data() + done, size - done, static_cast<off_t>(done));
+        });
         if (got < 0) return system_error(name, "cannot be read");
-        if (got == 0) return Error{ErrorKind::changed, name + ": became shorter while it was read"};
+        if (got == 0) bytes.resize(size = done);
         done += static_cast<size_t>(got);
     }
     return bytes;
+}
+
+Result<Bytes> read_all(int descriptor, const std::string& name) {
+    const auto info = examine_file(descriptor, name);
+    if (!info) return info.error();
+    if (info->st_size > longest_file) return Error{ErrorKind::unsupported, name + ": larger than any hive"};
+    return read_front(descriptor, static_cast<size_t>(info->st_size), name);
 }
 
 FileIdentity identity_of(const struct stat& info, ByteView head) {
@@ -124,14 +151,21 @@ FileIdentity identity_of(const struct stat& info, ByteView head) {
     return id;
 }
 
+Result<FileIdentity> identify_open(int descriptor, const std::string& name) {
+    const auto info = examine_file(descriptor, name);
+    if (!info) return info.error();
+    const auto head = read_front(descriptor, base_block_size, name);
+    if (!head) return head.error();
+    return identity_of(*info, *head);
+}
+
 /// The log files of a hive, by name without regard to case: `X.LOG`, `X.LOG1`, `X.LOG2`.
 Result<std::vector<Log>> read_logs(const FilePlace& place) {
-    std::vector<Log> logs;
-    const int folder =
-        openat(place.folder, folder_part(place.name).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (folder < 0) return system_error(place.name, "its folder cannot be read");
-    const std::unique_ptr<DIR, int (*)(DIR*)> entries(fdopendir(folder), closedir);
+    Descriptor folder = open_folder_of(place);
+    if (!folder.ok()) return system_error(place.name, "its folder cannot be read");
+    const std::unique_ptr<DIR, int (*)(DIR*)> entries(fdopendir(folder.get()), closedir);
     if (!entries) return system_error(place.name, "its folder cannot be read");
+    (void)folder.release();  // `entries` has it now
     const std::string hive = text::lower(last_part(place.name));
     std::vector<std::string> names;
     while (const dirent* entry = readdir(entries.get())) {
@@ -141,6 +175,7 @@ Result<std::vector<Log>> read_logs(const FilePlace& place) {
     }
     std::sort(names.begin(), names.end(),
               [](const auto& a, const auto& b) { return text::lower(a) < text::lower(b); });
+    std::vector<Log> logs;
     for (const std::string& name : names) {
         const Descriptor file = open_at({dirfd(entries.get()), name}, O_RDONLY);
         if (!file.ok()) continue;  // a log that cannot be read is none: without it the hive is refused
@@ -165,36 +200,31 @@ FileLock::~FileLock() {
 
 Result<FileLock> FileLock::acquire(const FilePlace& place) {
     Descriptor file = open_at(place, O_RDWR);
-    if (!file.ok() && (errno == EACCES || errno == EROFS || errno == EPERM))
-        file = Descriptor(open_at(place, O_RDONLY));
+    if (!file.ok() && (errno == EACCES || errno == EROFS || errno == EPERM)) file = open_at(place, O_RDONLY);
     if (!file.ok()) return system_error(place.name, "cannot be opened");
-    struct stat info {};
-    if (!may("fstat") || fstat(file.get(), &info) != 0) return system_error(place.name, "cannot be examined");
-    if (!S_ISREG(info.st_mode)) return Error{ErrorKind::refused, place.name + ": not a regular file"};
-    if (!may("flock") || flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
-        if (errno == EWOULDBLOCK) return Error{ErrorKind::in_use, place.name + ": in use by another program"};
-        return system_error(place.name, "cannot be locked");
-    }
+    const auto info = examine_file(file.get(), place.name);
+    if (!info) return info.error();
+    if (!S_ISREG(info->st_mode)) return Error{ErrorKind::refused, place.name + ": not a regular file"};
+    const Error in_use{ErrorKind::in_use, place.name + ": in use by another program"};
+    if (attempt("flock", [&] { return flock(file.get(), LOCK_EX | LOCK_NB); }) != 0)
+        return errno == EWOULDBLOCK ? in_use : system_error(place.name, "cannot be locked");
     struct flock whole {};  // what programs hold that lock by records
     whole.l_type = F_WRLCK;
     whole.l_whence = SEEK_SET;
-    if (fcntl(file.get(), F_OFD_GETLK, &whole) == 0 && whole.l_type != F_UNLCK) {
-        return Error{ErrorKind::in_use, place.name + ": in use by another program"};
-    }
-    return FileLock(dup(file.get()));
+    if (fcntl(file.get(), F_OFD_GETLK, &whole) == 0 && whole.l_type != F_UNLCK) return in_use;
+    return FileLock(file.release());
 }
 
 // --- reading
 
 Result<HiveFile> read_hive(const FilePlace& place, const FileLock& lock) {
-    struct stat info {};
-    if (!may("fstat") || fstat(lock.descriptor(), &info) != 0)
-        return system_error(place.name, "cannot be examined");
+    const auto info = examine_file(lock.descriptor(), place.name);
+    if (!info) return info.error();
     auto bytes = read_all(lock.descriptor(), place.name);
     if (!bytes) return bytes.error();
-    const FileIdentity identity = identity_of(info, *bytes);
+    const FileIdentity identity = identity_of(*info, *bytes);
     std::vector<Log> logs;
-    if (has_signature(*bytes, "regf") && !is_clean(*bytes)) {
+    if (!is_clean(*bytes)) {
         auto found = read_logs(place);
         if (!found) return found.error();
         logs = std::move(*found);
@@ -207,13 +237,7 @@ Result<HiveFile> read_hive(const FilePlace& place, const FileLock& lock) {
 Result<FileIdentity> identify(const FilePlace& place) {
     const Descriptor file = open_at(place, O_RDONLY);
     if (!file.ok()) return system_error(place.name, "cannot be opened");
-    struct stat info {};
-    if (!may("fstat") || fstat(file.get(), &info) != 0) return system_error(place.name, "cannot be examined");
-    Bytes head(base_block_size);
-    const ssize_t got = may("read") ? pread(file.get(), head.data(), head.size(), 0) : -1;
-    if (got < 0) return system_error(place.name, "cannot be read");
-    head.resize(static_cast<size_t>(got));
-    return identity_of(info, head);
+    return identify_open(file.get(), place.name);
 }
 
 // --- writing
@@ -252,7 +276,7 @@ Result<Done> Replacement::write(const Bytes& bytes, const struct stat* old, int 
     if (!file_.ok()) return failed("no file can be made beside it");
     for (size_t done = 0; done < bytes.size();) {
         const ssize_t put =
-            may("write") ? ::write(file_.get(), bytes.data() + done, bytes.size() - done) : -1;
+            attempt("write", [&] { return ::write(file_.get(), bytes.data() + done, bytes.size() - done); });
         if (put < 0) return failed("cannot be written");
         done += static_cast<size_t>(put);
     }
@@ -260,44 +284,50 @@ Result<Done> Replacement::write(const Bytes& bytes, const struct stat* old, int 
         if (auto kept = keep_owner(*old); !kept) return kept;
         if (auto kept = keep_attributes(old_descriptor); !kept) return kept;
     }
-    if (!may("fsync") || fsync(file_.get()) != 0) return failed("cannot be flushed");
+    if (attempt("fsync", [&] { return fsync(file_.get()); }) != 0) return failed("cannot be flushed");
     return compare_with(bytes);
 }
 
 Result<Done> Replacement::keep_owner(const struct stat& old) {
-    struct stat info {};
-    if (!may("fstat") || fstat(file_.get(), &info) != 0) return failed("cannot be examined");
-    const bool same = info.st_uid == old.st_uid && info.st_gid == old.st_gid;
-    if (!same && (!may("fchown") || fchown(file_.get(), old.st_uid, old.st_gid) != 0))
+    const auto info = examine_file(file_.get(), place_.name);
+    if (!info) return info.error();
+    const bool same = info->st_uid == old.st_uid && info->st_gid == old.st_gid;
+    if (!same && attempt("fchown", [&] { return fchown(file_.get(), old.st_uid, old.st_gid); }) != 0)
         return failed("its owner cannot be kept");
-    if (!may("fchmod") || fchmod(file_.get(), old.st_mode & 07777) != 0)
+    if (attempt("fchmod", [&] { return fchmod(file_.get(), old.st_mode & 07777); }) != 0)
         return failed("its mode cannot be kept");
     return Done{};
 }
 
+/// None: the file has no such attribute, or not for us to see.
+std::optional<std::string> attribute(int descriptor, const std::string& name) {
+    std::string value(XATTR_SIZE_MAX, '\0');
+    const ssize_t size =
+        attempt("fgetxattr", [&] { return fgetxattr(descriptor, name.c_str(), value.data(), value.size()); });
+    if (size < 0) return std::nullopt;
+    value.resize(static_cast<size_t>(size));
+    return value;
+}
+
 /// Extended attributes: NTFS drivers show the security descriptor and the DOS attributes of a file in them.
+/// A new mode makes some drivers write a new descriptor, so these come after it.
 Result<Done> Replacement::keep_attributes(int old) {
-    const ssize_t length = may("flistxattr") ? flistxattr(old, nullptr, 0) : -1;
-    if (length < 0 && (errno == ENOTSUP || errno == ENOSYS)) return Done{};
-    if (length < 0) return failed("its attributes cannot be read");
-    std::vector<char> names(static_cast<size_t>(length));
-    const ssize_t got = flistxattr(old, names.data(), names.size());
-    if (got < 0) return failed("its attributes cannot be read");
-    std::vector<std::string> wanted{"system.ntfs_acl",
-                                    "system.ntfs_attrib"};  // some drivers do not list these
-    for (const char* name = names.data(); name < names.data() + got; name += std::strlen(name) + 1) {
-        if (std::find(wanted.begin(), wanted.end(), name) == wanted.end()) wanted.emplace_back(name);
-    }
+    std::string names(XATTR_LIST_MAX, '\0');
+    const ssize_t length = attempt("flistxattr", [&] { return flistxattr(old, names.data(), names.size()); });
+    if (length < 0 && errno != ENOTSUP && errno != ENOSYS) return failed("its attributes cannot be read");
+    names.resize(static_cast<size_t>(std::max<ssize_t>(length, 0)));
+    std::set<std::string> wanted{"system.ntfs_acl", "system.ntfs_security", "system.ntfs_attrib",
+                                 "system.ntfs_crtime"};  // drivers do not list these
+    for (size_t at = 0; at < names.size(); at += std::strlen(&names[at]) + 1)
+        wanted.insert(&names[at]);
     for (const std::string& name : wanted) {
-        const ssize_t size = fgetxattr(old, name.c_str(), nullptr, 0);
-        if (size < 0) continue;  // not there, or not for us to see
-        std::vector<char> value(static_cast<size_t>(size));
-        if (fgetxattr(old, name.c_str(), value.data(), value.size()) != size)
-            return failed("its attributes cannot be read");
-        std::vector<char> present(value.size() + 1);
-        const ssize_t there = fgetxattr(file_.get(), name.c_str(), present.data(), present.size());
-        if (there == size && std::equal(value.begin(), value.end(), present.begin())) continue;
-        if (!may("fsetxattr") || fsetxattr(file_.get(), name.c_str(), value.data(), value.size(), 0) != 0) {
+        const auto value = attribute(old, name);
+        if (!value && errno == EIO) return failed("its attributes cannot be read");
+        if (!value || value == attribute(file_.get(), name)) continue;
+        const auto set = [&] {
+            return fsetxattr(file_.get(), name.c_str(), value->data(), value->size(), 0);
+        };
+        if (attempt("fsetxattr", set) != 0) {
             return Error{ErrorKind::refused, place_.name + ": its attribute " + name +
                                                  " cannot be kept: " + std::strerror(errno)};
         }
@@ -317,14 +347,14 @@ Result<Done> Replacement::put_in_place(bool over_the_old) {
     if (!over_the_old && faccessat(place_.folder, place_.name.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0) {
         return Error{ErrorKind::refused, place_.name + ": is there already"};
     }
-    const bool renamed = may("rename") && renameat(temporary_.folder, temporary_.name.c_str(), place_.folder,
-                                                   place_.name.c_str()) == 0;
-    if (!renamed) return failed("cannot be replaced");
+    const auto rename = [&] {
+        return renameat(temporary_.folder, temporary_.name.c_str(), place_.folder, place_.name.c_str());
+    };
+    if (attempt("rename", rename) != 0) return failed("cannot be replaced");
     done_ = true;
-    const Descriptor folder(
-        openat(place_.folder, folder_part(place_.name).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     // The new file is there, whole; that the folder's entry outlives a power cut some drivers cannot promise.
-    if (folder.ok()) (void)fsync(folder.get());
+    const Descriptor folder = open_folder_of(place_);
+    if (folder.ok()) (void)attempt("fsync", [&] { return fsync(folder.get()); });
     return Done{};
 }
 
@@ -336,17 +366,16 @@ Result<Done> commit(const FilePlace& place, const Hive& hive, const FileIdentity
     if (!sealed) return sealed.error();
     const Descriptor old = open_at(place, O_RDONLY);
     if (!old.ok()) return system_error(place.name, "cannot be opened");
-    struct stat info {};
-    if (!may("fstat") || fstat(old.get(), &info) != 0) return system_error(place.name, "cannot be examined");
-    const auto present = identify(place);
+    const auto info = examine_file(old.get(), place.name);
+    if (!info) return info.error();
+    const auto present = identify_open(old.get(), place.name);
     if (!present) return present.error();
     if (*present != identity)
         return Error{ErrorKind::changed, place.name + ": was changed by another program meanwhile"};
-    if (!may("access") || faccessat(place.folder, place.name.c_str(), W_OK, AT_EACCESS) != 0) {
-        return system_error(place.name, "may not be written");
-    }
-    Replacement replacement(place, info.st_mode);
-    if (auto written = replacement.write(*sealed, &info, old.get()); !written) return written;
+    const auto may_write = [&] { return faccessat(place.folder, place.name.c_str(), W_OK, AT_EACCESS); };
+    if (attempt("access", may_write) != 0) return system_error(place.name, "may not be written");
+    Replacement replacement(place, info->st_mode);
+    if (auto written = replacement.write(*sealed, &*info, old.get()); !written) return written;
     return replacement.put_in_place(true);
 }
 

@@ -23,12 +23,12 @@ struct Hive::State {
     std::string read_only_reason;
     std::vector<Change> changes;
 
-    Editor editor() { return Editor(image); }
     std::optional<CellView> key(Key key) const { return key_record(image, key.cell); }
 };
 
 namespace {
 
+constexpr uint32_t oldest_readable = 2;  // before, cells had another layout
 constexpr uint32_t oldest_writable = 3;
 constexpr uint32_t newest_writable = 5;
 
@@ -60,12 +60,16 @@ Hive& Hive::operator=(Hive&&) noexcept = default;
 Hive::~Hive() = default;
 
 Result<Hive> Hive::open(Bytes bytes, const std::vector<Log>& logs) {
-    if (!has_signature(bytes, "regf")) return Error{ErrorKind::not_a_hive, "not a registry hive"};
     const bool dirty = !is_clean(bytes);
     if (dirty) {
         auto recovered = recover(bytes, logs);
+        if (!recovered && !has_signature(bytes, "regf"))
+            return Error{ErrorKind::not_a_hive, "not a registry hive"};
         if (!recovered) return recovered.error();
         bytes = std::move(*recovered);
+    }
+    if (get32(bytes, base_block::major) != 1 || get32(bytes, base_block::minor) < oldest_readable) {
+        return Error{ErrorKind::unsupported, "hives of this version are not read"};
     }
     auto state = std::make_unique<State>(std::move(bytes));
     state->recovered = dirty;
@@ -87,7 +91,9 @@ const std::vector<Change>& Hive::changes() const { return state_->changes; }
 Key Hive::root() const { return {state_->image.root()}; }
 
 std::optional<Key> Hive::find_subkey(Key parent, std::u16string_view name) const {
-    const auto found = Editor(state_->image).find_subkey(parent.cell, name);
+    const auto record = state_->key(parent);
+    const bool in_order = state_->read_only_reason.empty();
+    const auto found = record ? regf::find_subkey(state_->image, *record, name, in_order) : std::nullopt;
     return found ? std::optional(Key{*found}) : std::nullopt;
 }
 
@@ -149,19 +155,27 @@ std::vector<Hive::NamedValue> Hive::values(Key key) const {
 }
 
 std::optional<Value> Hive::value(Key key, std::u16string_view name) const {
-    const auto at = Editor(state_->image).find_value(key.cell, name);
+    const auto record = state_->key(key);
+    const auto at = record ? find_value(state_->image, *record, name) : std::nullopt;
     if (!at) return std::nullopt;
-    const CellView record = *value_record(state_->image, *at);
-    auto data = value_data(state_->image, record);
+    const CellView found = *value_record(state_->image, *at);
+    auto data = value_data(state_->image, found);
     if (!data) return std::nullopt;
-    return Value{value_type(record), std::move(*data)};
+    return Value{value_type(found), std::move(*data)};
 }
 
 // --- edits
 
 namespace {
 
+/// What the lists of one key can take, written anew at their longest.
+constexpr uint64_t longest_lists = uint64_t{1} << 20;
+
 Error missing(const std::string& what) { return {ErrorKind::missing, what}; }
+
+bool is_key_name(std::u16string_view name) {
+    return !name.empty() && name.size() <= longest_key_name && name.find(u'\\') == std::u16string_view::npos;
+}
 
 }  // namespace
 
@@ -174,6 +188,14 @@ std::u16string Hive::path_of(Key key) const {
         at = get32(record, nk::parent);
     }
     return path;
+}
+
+uint32_t Hive::depth_of(Key key) const {
+    uint32_t depth = 1;
+    for (uint32_t at = key.cell; at != state_->image.root();
+         at = get32(*key_record(state_->image, at), nk::parent))
+        ++depth;
+    return depth;
 }
 
 /// What every edit of a key asks first: may the hive be written, is the key there, is room for `size` bytes
@@ -191,53 +213,59 @@ std::optional<Error> Hive::refuse_edit(Key key, uint64_t size, uint64_t cells) c
 }
 
 Result<Key> Hive::create_subkey(Key parent, std::u16string_view name, FileTime now) {
-    if (name.empty() || name.size() > longest_key_name || name.find(u'\\') != std::u16string_view::npos) {
-        return Error{ErrorKind::invalid, "not a name for a key: " + printable(name)};
-    }
-    if (const auto existing = find_subkey(parent, name)) return *existing;
-    constexpr uint64_t list_bytes = 16 * 1024;  // of the lists that may be written anew
-    if (auto error = refuse_edit(parent, list_bytes + name.size() * 2, 6)) return *error;
-    uint32_t depth = 2;
-    for (uint32_t at = parent.cell; at != state_->image.root(); ++depth) {
-        at = get32(*key_record(state_->image, at), nk::parent);
-    }
-    if (depth > deepest_level) return Error{ErrorKind::invalid, "no key can lie below 512 levels"};
-    const Key key{state_->editor().add_key(parent.cell, name, now)};
-    state_->changes.push_back({Change::Kind::create_key, path_of(key), {}, {}, now});
-    return key;
+    return create_below(parent, {name}, now, nullptr);
 }
 
 Result<Key> Hive::create(std::u16string_view path, FileTime now, bool* created) {
-    Key key = root();
-    if (created) *created = false;
-    for (const std::u16string_view part : parts_of(path)) {
-        const size_t before = state_->changes.size();
-        auto next = create_subkey(key, part, now);
-        if (!next) return next.error();
+    return create_below(root(), parts_of(path), now, created);
+}
+
+Result<Key> Hive::create_below(Key key, std::vector<std::u16string_view> names, FileTime now, bool* created) {
+    if (auto error = refuse_edit(key, 0, 0)) return *error;
+    auto missing_from = names.begin();
+    for (; missing_from != names.end(); ++missing_from) {
+        const auto next = find_subkey(key, *missing_from);
+        if (!next) break;
         key = *next;
-        if (created) *created = state_->changes.size() > before;
     }
+    names.erase(names.begin(), missing_from);
+    if (created) *created = false;
+    if (names.empty()) return key;
+
+    for (const std::u16string_view name : names) {
+        if (!is_key_name(name)) return Error{ErrorKind::invalid, "not a name for a key: " + printable(name)};
+    }
+    if (auto error = refuse_edit(key, names.size() * longest_lists, names.size() * 6)) return *error;
+    if (depth_of(key) + names.size() > deepest_level)
+        return Error{ErrorKind::invalid, "no key can lie below 512 levels"};
+    for (const std::u16string_view name : names) {
+        key = {Editor(state_->image).add_key(key.cell, name, now)};
+        state_->changes.push_back({Change::Kind::create_key, path_of(key), {}, {}, now});
+    }
+    if (created) *created = true;
     return key;
 }
 
 Result<Done> Hive::set_value(Key key, std::u16string_view name, const Value& value, FileTime now) {
     if (name.size() > longest_value_name) return Error{ErrorKind::invalid, "a value's name is too long"};
-    const uint64_t segments = value.data.size() / db::segment_data + 1;
-    const uint64_t list_bytes =
-        state_->key(key) ? uint64_t{get32(*state_->key(key), nk::value_count)} * 8 : 0;
-    if (auto error = refuse_edit(key, list_bytes + value.data.size() * 2 + name.size() * 2, segments + 5))
-        return *error;
+    if (minor_version() < db::first_minor_version && value.data.size() > largest_single_cell)
+        return Error{ErrorKind::invalid, "a value of more than 1 MB in a hive of the standard format"};
+    if (auto error = refuse_edit(key, 0, 0)) return *error;
     if (this->value(key, name) == value) return Done{};
-    state_->editor().set_value(key.cell, name, value, now);
+    const uint64_t list_bytes = uint64_t{get32(*state_->key(key), nk::value_count)} * 8;
+    const uint64_t segments = value.data.size() / db::segment_data + 1;
+    if (auto error = refuse_edit(key, list_bytes + value.data.size() + name.size() * 2, segments + 5))
+        return *error;
+    Editor(state_->image).set_value(key.cell, name, value, now);
     state_->changes.push_back({Change::Kind::set_value, path_of(key), std::u16string(name), value, now});
     return Done{};
 }
 
 Result<Done> Hive::delete_value(Key key, std::u16string_view name, FileTime now) {
     if (auto error = refuse_edit(key, 0, 0)) return *error;
-    const auto at = state_->editor().find_value(key.cell, name);
+    const auto at = find_value(state_->image, *state_->key(key), name);
     if (!at) return missing("no value " + printable(name));
-    state_->editor().remove_value(key.cell, *at, now);
+    Editor(state_->image).remove_value(key.cell, *at, now);
     state_->changes.push_back({Change::Kind::delete_value, path_of(key), std::u16string(name), {}, now});
     return Done{};
 }
@@ -245,7 +273,7 @@ Result<Done> Hive::delete_value(Key key, std::u16string_view name, FileTime now)
 Result<Done> Hive::delete_key(Key key, FileTime now) {
     if (auto error = refuse_edit(key, 0, 0)) return *error;
     if (key == root()) return Error{ErrorKind::refused, "the root of a hive cannot be deleted"};
-    std::vector<Key> doomed{key};  // each behind its parent
+    std::vector<Key> doomed{key};
     for (size_t i = 0; i < doomed.size(); ++i) {
         if (flags(doomed[i]) & (nk::no_delete | nk::is_mount_point | nk::predefined_handle)) {
             return Error{ErrorKind::refused,
@@ -255,10 +283,7 @@ Result<Done> Hive::delete_key(Key key, FileTime now) {
         doomed.insert(doomed.end(), below.begin(), below.end());
     }
     state_->changes.push_back({Change::Kind::delete_key, path_of(key), {}, {}, now});
-    Editor editor = state_->editor();
-    std::for_each(doomed.rbegin(), doomed.rend(), [&](Key each) {
-        editor.remove_key(each.cell, get32(*state_->key(each), nk::parent), now);
-    });
+    Editor(state_->image).remove_key(key.cell, now);
     return Done{};
 }
 

@@ -81,8 +81,9 @@ std::vector<Finding> validate(ByteView image, size_t limit = 100);
 class Hive {
   public:
     /// Takes the bytes of a hive file. A dirty hive is recovered from its logs (then recovered() is true) or
-    /// refused
-    /// (`dirty`). A hive with errors that can still be read opens read-only: read_only_reason() tells.
+    /// refused (`dirty`). A hive with errors that can still be read opens read-only: read_only_reason()
+    /// tells. One in which two records claim the same cell is refused (`damaged`), as walking it might never
+    /// end.
     static Result<Hive> open(Bytes image, const std::vector<Log>& logs = {});
 
     struct NewHive {
@@ -107,8 +108,8 @@ class Hive {
     Key root() const;
     /// One level down.
     std::optional<Key> find_subkey(Key parent, std::u16string_view name) const;
-    /// `path` from the root, parts joined by backslashes; empty parts are passed over (a doubled or a closing
-    /// one).
+    /// `path` from the root, parts joined by backslashes; empty parts (a doubled or closing one) are passed
+    /// over.
     std::optional<Key> find(std::u16string_view path) const;
     /// In the order of the file, which is ascending in a healthy hive. A list that cannot be read ends there.
     std::vector<Key> subkeys(Key key) const;
@@ -124,7 +125,7 @@ class Hive {
         std::u16string name;  ///< empty: the default value
         uint32_t type;
         Bytes data;
-        bool readable;  ///< false: the data cell is damaged; `data` holds what could be read
+        bool readable;  ///< false: the data's cells are damaged, `data` is empty
     };
     /// In the order of creation.
     std::vector<NamedValue> values(Key key) const;
@@ -157,7 +158,9 @@ class Hive {
   private:
     struct State;
     explicit Hive(std::unique_ptr<State> state);
+    Result<Key> create_below(Key key, std::vector<std::u16string_view> names, FileTime now, bool* created);
     std::u16string path_of(Key key) const;
+    uint32_t depth_of(Key key) const;
     std::optional<Error> refuse_edit(Key key, uint64_t size, uint64_t cells) const;
     std::unique_ptr<State> state_;
 };

@@ -19,7 +19,6 @@ Image::Image(Bytes bytes) : bytes_(std::move(bytes)), base_size_(std::min(bytes_
         fail(0, "the file is shorter than the smallest hive");
         return;
     }
-    bins_size_ = get32(bytes_, base_block::bins_size);
     walk_bins();
 }
 
@@ -34,13 +33,14 @@ void Image::fail(uint32_t offset, std::string text) {
 }
 
 void Image::walk_bins() {
+    const uint32_t told = get32(bytes_, base_block::bins_size);
     const uint64_t room =
         std::min<uint64_t>(bytes_.size() - base_block_size, largest_bins_size) / bin_unit * bin_unit;
-    if (bins_size_ == 0 || bins_size_ % bin_unit != 0)
-        fail(0, "the size of the hive bins is no multiple of 4096");
-    if (bins_size_ > room) fail(static_cast<uint32_t>(room), "the file ends before its last hive bin");
-    const auto end = static_cast<uint32_t>(std::min<uint64_t>(bins_size_ / bin_unit * bin_unit, room));
-    starts_.assign(end / 8, Start::none);
+    if (told == 0 || told % bin_unit != 0) fail(0, "the size of the hive bins is no multiple of 4096");
+    if (told > room) fail(static_cast<uint32_t>(room), "the file ends before its last hive bin");
+    const auto end = static_cast<uint32_t>(std::min<uint64_t>(told / bin_unit * bin_unit, room));
+    bins_size_ = end;
+    used_.assign(end / 8, false);
     for (uint32_t at = 0; at < end;) {
         const auto header = std::span<const uint8_t>(bytes_).subspan(in_file(at), bin_header_size);
         const uint32_t size = get32(header, bin::size);
@@ -48,7 +48,6 @@ void Image::walk_bins() {
         if (get32(header, bin::offset) != at) return fail(at, "a hive bin tells another place than its own");
         if (size == 0 || size % bin_unit != 0 || size > end - at)
             return fail(at, "a hive bin of impossible size");
-        bins_.insert(at);
         if (!walk_cells(at + bin_header_size, at + size)) return;
         at += size;
     }
@@ -68,7 +67,7 @@ bool Image::walk_cells(uint32_t at, uint32_t bin_end) {
         if (free) {
             note_free(at, static_cast<uint32_t>(size));
         } else {
-            start(at) = Start::used;
+            used_[at / 8] = true;
         }
         free_before = free;
         at += static_cast<uint32_t>(size);
@@ -85,19 +84,18 @@ void Image::set_size_field(uint32_t offset, int32_t size) {
 }
 
 void Image::note_free(uint32_t offset, uint32_t size) {
-    start(offset) = Start::free;
-    free_.emplace(size, offset);
+    free_.emplace(offset, size);
+    free_by_size_.emplace(size, offset);
     set_size_field(offset, static_cast<int32_t>(size));
 }
 
-void Image::forget_free(uint32_t offset, uint32_t size) {
-    start(offset) = Start::none;
-    free_.erase({size, offset});
+Image::FreeCells::iterator Image::forget_free(FreeCells::iterator cell) {
+    free_by_size_.erase({cell->second, cell->first});
+    return free_.erase(cell);
 }
 
 std::optional<std::span<const uint8_t>> Image::cell(uint32_t offset, size_t least) const {
-    if (offset % 8 != 0 || offset / 8 >= starts_.size() || starts_[offset / 8] != Start::used)
-        return std::nullopt;
+    if (offset % 8 != 0 || offset / 8 >= used_.size() || !used_[offset / 8]) return std::nullopt;
     const auto size = static_cast<size_t>(-int64_t{size_field(offset)}) - 4;
     if (size < least) return std::nullopt;
     return std::span<const uint8_t>(bytes_).subspan(in_file(offset) + 4, size);
@@ -111,8 +109,8 @@ std::optional<std::span<uint8_t>> Image::cell(uint32_t offset, size_t least) {
 
 std::vector<uint32_t> Image::used_cells() const {
     std::vector<uint32_t> out;
-    for (size_t i = 0; i < starts_.size(); ++i) {
-        if (starts_[i] == Start::used) out.push_back(static_cast<uint32_t>(i * 8));
+    for (size_t i = 0; i < used_.size(); ++i) {
+        if (used_[i]) out.push_back(static_cast<uint32_t>(i * 8));
     }
     return out;
 }
@@ -129,48 +127,38 @@ bool Image::same_cell_size(uint32_t offset, size_t size) const {
 
 uint32_t Image::allocate(size_t size) {
     const auto wanted = static_cast<uint32_t>(cell_size_for(size));
-    auto fit = free_.lower_bound({wanted, 0});
-    if (fit == free_.end()) {
+    auto fit = free_by_size_.lower_bound({wanted, 0});
+    if (fit == free_by_size_.end()) {
         append_bin(wanted);
-        fit = free_.lower_bound({wanted, 0});
+        fit = free_by_size_.lower_bound({wanted, 0});
     }
     const auto [found_size, offset] = *fit;
-    forget_free(offset, found_size);
+    forget_free(free_.find(offset));
     if (found_size > wanted) note_free(offset + wanted, found_size - wanted);
-    start(offset) = Start::used;
+    used_[offset / 8] = true;
     set_size_field(offset, -static_cast<int32_t>(wanted));
     std::fill_n(bytes_.begin() + static_cast<ptrdiff_t>(in_file(offset) + 4), wanted - 4, uint8_t{0});
     return offset;
 }
 
+/// A bin's header lies between its cells and those before: neighbours are always of one bin.
 void Image::release(uint32_t offset) {
-    assert(start(offset) == Start::used);
-    auto begin = offset;
+    assert(used_[offset / 8]);
+    uint32_t begin = offset;
     auto size = static_cast<uint32_t>(-size_field(offset));
     std::fill_n(bytes_.begin() + static_cast<ptrdiff_t>(in_file(offset) + 4), size - 4, uint8_t{0});
-    start(offset) = Start::none;
-
-    const uint32_t bin_start = *std::prev(bins_.upper_bound(offset));
-    const auto next_bin = bins_.upper_bound(offset);
-    const uint32_t bin_end = next_bin == bins_.end() ? bins_size_ : *next_bin;
-    while (begin + size < bin_end && start(begin + size) == Start::free) {
-        const auto behind = static_cast<uint32_t>(size_field(begin + size));
-        forget_free(begin + size, behind);
-        size += behind;
+    used_[offset / 8] = false;
+    auto behind = free_.lower_bound(offset);
+    while (behind != free_.end() && behind->first == begin + size) {
+        size += behind->second;
+        behind = forget_free(behind);
     }
-    // The free cell before, if there is one, begins at the last mark in front of this cell.
-    const uint32_t first = bin_start + static_cast<uint32_t>(bin_header_size);
-    for (uint32_t at = begin; at > first;) {
-        at -= 8;
-        if (start(at) == Start::none) continue;
-        if (start(at) == Start::free) {
-            const auto before = static_cast<uint32_t>(size_field(at));
-            forget_free(at, before);
-            size += before;
-            begin = at;
-            continue;
-        }
-        break;
+    while (behind != free_.begin()) {
+        const auto before = std::prev(behind);
+        if (before->first + before->second != begin) break;
+        begin = before->first;
+        size += before->second;
+        forget_free(before);
     }
     note_free(begin, size);
 }
@@ -187,10 +175,9 @@ void Image::append_bin(size_t cell_size) {
     std::copy_n("hbin", 4, header.begin());
     put32(header, bin::offset, at);
     put32(header, bin::size, static_cast<uint32_t>(size));
-    bins_.insert(at);
     bins_size_ += static_cast<uint32_t>(size);
     put32(bytes_, base_block::bins_size, bins_size_);
-    starts_.resize(bins_size_ / 8, Start::none);
+    used_.resize(bins_size_ / 8, false);
     note_free(at + bin_header_size, static_cast<uint32_t>(size - bin_header_size));
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <set>
 #include <span>
@@ -45,7 +46,7 @@ class Image {
     /// Takes a cell for `size` bytes, zeroed: the smallest free one that fits, the first among equals; else
     /// from a new bin.
     uint32_t allocate(size_t size);
-    /// Gives a cell back, merged with free neighbours in its bin.
+    /// Gives a cell back, zeroed and merged with its free neighbours.
     void release(uint32_t offset);
     /// A cell of this many bytes would be the same size as the one at `offset`.
     bool same_cell_size(uint32_t offset, size_t size) const;
@@ -53,24 +54,23 @@ class Image {
     bool has_room_for(uint64_t size, uint64_t cells) const;
 
   private:
-    enum class Start : uint8_t { none, used, free };
+    using FreeCells = std::map<uint32_t, uint32_t>;  // offset, size
 
     void walk_bins();
     bool walk_cells(uint32_t bin_start, uint32_t bin_end);
     void fail(uint32_t offset, std::string text);
     void note_free(uint32_t offset, uint32_t size);
-    void forget_free(uint32_t offset, uint32_t size);
-    Start& start(uint32_t offset) { return starts_[offset / 8]; }
+    FreeCells::iterator forget_free(FreeCells::iterator cell);
     int32_t size_field(uint32_t offset) const;
     void set_size_field(uint32_t offset, int32_t size);
     void append_bin(size_t cell_size);
 
     Bytes bytes_;
     size_t base_size_ = 0;
-    uint32_t bins_size_ = 0;
-    std::vector<Start> starts_;                     // of the cell at offset 8 * index
-    std::set<std::pair<uint32_t, uint32_t>> free_;  // size, offset
-    std::set<uint32_t> bins_;                       // where each begins
+    uint32_t bins_size_ = 0;  // no more than the file has
+    std::vector<bool> used_;  // a cell in use begins at offset 8 * index
+    FreeCells free_;
+    std::set<std::pair<uint32_t, uint32_t>> free_by_size_;  // size, offset
     std::vector<uint32_t> unmerged_;
     std::optional<Problem> problem_;
 };

@@ -57,7 +57,8 @@ constexpr uint32_t first_minor_version = 4;
 }  // namespace db
 
 constexpr uint32_t deepest_level = 512;
-constexpr size_t longest_key_name = 255;      ///< characters
-constexpr size_t longest_value_name = 16383;  ///< characters
+constexpr size_t longest_key_name = 255;         ///< characters
+constexpr size_t longest_value_name = 16383;     ///< characters
+constexpr size_t largest_single_cell = 1 << 20;  ///< data of a value before there was big data
 
 }  // namespace regf

@@ -67,7 +67,7 @@ constexpr CaseRange case_ranges[] = {
     {0xA78C, 0xA78C, 1, -1},  {0xFF41, 0xFF5A, 1, -32},
 };
 
-std::array<char16_t, 0x10000> make_table() {
+constexpr std::array<char16_t, 0x10000> capitals = [] {
     std::array<char16_t, 0x10000> table{};
     for (size_t i = 0; i < table.size(); ++i)
         table[i] = static_cast<char16_t>(i);
@@ -77,14 +77,11 @@ std::array<char16_t, 0x10000> make_table() {
         }
     }
     return table;
-}
+}();
 
 }  // namespace
 
-char16_t upcase(char16_t unit) {
-    static const auto table = make_table();
-    return table[unit];
-}
+char16_t upcase(char16_t unit) { return capitals[unit]; }
 
 int compare_names(std::u16string_view a, std::u16string_view b) {
     const size_t common = std::min(a.size(), b.size());

@@ -1,6 +1,7 @@
 #include "regf/records.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "regf/bytes.h"
 #include "regf/layout.h"
@@ -38,67 +39,71 @@ bool is_leaf(CellView list) {
     return has_signature(list, "li") || has_signature(list, "lf") || has_signature(list, "lh");
 }
 
-/// The offsets in one list, whatever its kind.
-std::optional<std::vector<uint32_t>> elements(CellView list) {
+size_t step_of(CellView list) { return has_signature(list, "lf") || has_signature(list, "lh") ? 8 : 4; }
+
+/// How many elements a list has; 0 where they do not fit.
+size_t count_of(CellView list) {
     const size_t count = get16(list, 2);
-    const size_t step = has_signature(list, "lf") || has_signature(list, "lh") ? 8 : 4;
-    if (count == 0 || count * step > list.size() - 4) return std::nullopt;
-    std::vector<uint32_t> out;
-    for (size_t i = 0; i < count; ++i)
-        out.push_back(get32(list, 4 + i * step));
-    return out;
+    return count * step_of(list) <= list.size() - 4 ? count : 0;
 }
 
 std::optional<Leaf> read_leaf(const Image& image, uint32_t offset, uint32_t index_offset) {
     const auto list = image.cell(offset, 4);
-    if (!list || !is_leaf(*list)) return std::nullopt;
-    auto keys = elements(*list);
-    if (!keys) return std::nullopt;
-    return Leaf{offset, index_offset, std::move(*keys)};
-}
-
-/// False where the rest cannot be read; what was read stays in `out`.
-bool read_leaves(const Image& image, CellView key, std::vector<Leaf>& out) {
-    if (get32(key, nk::subkey_count) == 0) return true;
-    const uint32_t offset = get32(key, nk::subkey_list);
-    const auto list = image.cell(offset, 4);
-    if (!list) return false;
-    if (!has_signature(*list, "ri")) {
-        auto leaf = read_leaf(image, offset, nil);
-        if (leaf) out.push_back(std::move(*leaf));
-        return leaf.has_value();
-    }
-    const auto leaves = elements(*list);
-    if (!leaves) return false;
-    // A leaf named again and again must not make a small file large in memory.
-    size_t total = 0;
-    const size_t most = image.bins_size() / 8;
-    for (uint32_t at : *leaves) {
-        auto leaf = read_leaf(image, at, offset);
-        if (!leaf || (total += leaf->keys.size()) > most) return false;
-        out.push_back(std::move(*leaf));
-    }
-    return true;
+    if (!list || !is_leaf(*list) || count_of(*list) == 0) return std::nullopt;
+    Leaf leaf{offset, index_offset, std::vector<uint32_t>(count_of(*list))};
+    for (size_t i = 0; i < leaf.keys.size(); ++i)
+        leaf.keys[i] = get32(*list, 4 + i * step_of(*list));
+    return leaf;
 }
 
 }  // namespace
 
-std::optional<std::vector<Leaf>> subkey_leaves(const Image& image, CellView key) {
-    std::vector<Leaf> out;
-    if (!read_leaves(image, key, out)) return std::nullopt;
+SubkeyLists subkey_lists(const Image& image, CellView key) {
+    SubkeyLists out;
+    const uint32_t offset = get32(key, nk::subkey_list);
+    const auto list = image.cell(offset, 4);
+    if (get32(key, nk::subkey_count) == 0) {
+        out.whole = true;
+    } else if (list && has_signature(*list, "ri")) {
+        // A leaf named again and again must not make a small file large in memory.
+        size_t room = image.bins_size() / 8;
+        for (size_t i = 0; i < count_of(*list); ++i) {
+            auto leaf = read_leaf(image, get32(*list, 4 + 4 * i), offset);
+            if (!leaf || leaf->keys.size() > room) return out;
+            room -= leaf->keys.size();
+            out.leaves.push_back(std::move(*leaf));
+        }
+        out.whole = !out.leaves.empty();
+    } else if (auto leaf = read_leaf(image, offset, nil)) {
+        out.leaves.push_back(std::move(*leaf));
+        out.whole = true;
+    }
     return out;
 }
 
 std::vector<uint32_t> subkey_offsets(const Image& image, CellView key) {
-    std::vector<Leaf> leaves;
-    (void)read_leaves(image, key, leaves);  // a damaged rest is a finding of the validator
     std::vector<uint32_t> out;
-    for (const Leaf& leaf : leaves) {
-        for (uint32_t offset : leaf.keys) {
-            if (key_record(image, offset)) out.push_back(offset);
-        }
+    for (const Leaf& leaf : subkey_lists(image, key).leaves) {
+        std::copy_if(leaf.keys.begin(), leaf.keys.end(), std::back_inserter(out),
+                     [&](uint32_t offset) { return key_record(image, offset).has_value(); });
     }
     return out;
+}
+
+std::optional<uint32_t> find_subkey(const Image& image, CellView key, std::u16string_view name,
+                                    bool in_order) {
+    auto compare = [&](uint32_t offset) {
+        const auto record = key_record(image, offset);
+        return record ? compare_key_name(*record, name) : 1;
+    };
+    for (const Leaf& leaf : subkey_lists(image, key).leaves) {
+        const auto at = in_order ? std::partition_point(leaf.keys.begin(), leaf.keys.end(),
+                                                        [&](uint32_t offset) { return compare(offset) < 0; })
+                                 : std::find_if(leaf.keys.begin(), leaf.keys.end(),
+                                                [&](uint32_t offset) { return compare(offset) == 0; });
+        if (at != leaf.keys.end() && compare(*at) == 0) return *at;
+    }
+    return std::nullopt;
 }
 
 std::optional<CellView> value_record(const Image& image, uint32_t offset) {
@@ -122,6 +127,14 @@ std::vector<uint32_t> value_offsets(const Image& image, CellView key) {
     for (size_t i = 0; i < std::min(count, list->size() / 4); ++i)
         out.push_back(get32(*list, i * 4));
     return out;
+}
+
+std::optional<uint32_t> find_value(const Image& image, CellView key, std::u16string_view name) {
+    for (uint32_t offset : value_offsets(image, key)) {
+        const auto value = value_record(image, offset);
+        if (value && same_name(value_name(*value), name)) return offset;
+    }
+    return std::nullopt;
 }
 
 uint32_t value_type(CellView value) { return get32(value, vk::type); }

@@ -27,14 +27,21 @@ struct Leaf {
     uint32_t index_offset;  ///< nil, or the index (`ri`) that holds it
     std::vector<uint32_t> keys;
 };
-/// The leaves of a key in order; none where a list is damaged (or is an index inside an index).
-std::optional<std::vector<Leaf>> subkey_leaves(const Image& image, CellView key);
-/// The subkeys as the lists name them; what cannot be read ends the list.
+struct SubkeyLists {
+    std::vector<Leaf> leaves;  ///< in order, up to the first that cannot be read
+    bool whole = false;        ///< none is damaged, or an index inside an index
+};
+SubkeyLists subkey_lists(const Image& image, CellView key);
+/// The subkeys that can be read, as the lists name them.
 std::vector<uint32_t> subkey_offsets(const Image& image, CellView key);
+/// `in_order`: the lists are known to be sound, as those of a hive that may be edited are.
+std::optional<uint32_t> find_subkey(const Image& image, CellView key, std::u16string_view name,
+                                    bool in_order);
 
 std::optional<CellView> value_record(const Image& image, uint32_t offset);
 std::u16string value_name(CellView value);
 std::vector<uint32_t> value_offsets(const Image& image, CellView key);
+std::optional<uint32_t> find_value(const Image& image, CellView key, std::u16string_view name);
 
 /// The cells that hold a value's data, with what each must have.
 struct DataPlace {

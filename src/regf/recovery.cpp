@@ -36,8 +36,12 @@ struct Page {
     ByteView bytes;
 };
 
-void grow_to(Bytes& image, uint32_t bins_size) {
-    if (image.size() < base_block_size + bins_size) image.resize(base_block_size + bins_size);
+/// False where neither the file nor the log can fill so many bins.
+bool grow_to(Bytes& image, uint32_t bins_size, const Bytes& log) {
+    const uint64_t size = base_block_size + uint64_t{bins_size};
+    if (size > image.size() + log.size()) return false;
+    image.resize(std::max<uint64_t>(image.size(), size));
+    return true;
 }
 
 void write_pages(Bytes& image, const std::vector<Page>& pages) {
@@ -102,7 +106,7 @@ std::optional<Bytes> replay_old(const Bytes& primary, const std::vector<Log>& lo
             put32(image, field, get32(*best, field));
         }
     }
-    grow_to(image, get32(*best, base_block::bins_size));
+    if (!grow_to(image, get32(*best, base_block::bins_size), *best)) return std::nullopt;
     write_pages(image, pages);
     finish(image, sequence);
     return image;
@@ -204,7 +208,7 @@ std::optional<Bytes> replay_new(const Bytes& primary, const std::vector<Log>& lo
     for (const Bytes* log : usable) {
         if (last && primary_sequence(*log) != *last + 1) break;
         for (const Entry& entry : read_entries(*log)) {
-            grow_to(image, entry.bins_size);
+            if (!grow_to(image, entry.bins_size, *log)) return std::nullopt;
             write_pages(image, entry.pages);
             put32(image, base_block::bins_size, entry.bins_size);
             put32(image, base_block::flags, (get32(image, base_block::flags) & ~1u) | (entry.flags & 1));

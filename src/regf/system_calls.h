@@ -1,8 +1,5 @@
 #pragma once
 
-#include <sys/stat.h>
-#include <sys/types.h>
-
 #include <functional>
 
 namespace regf {
