@@ -8,8 +8,8 @@ constexpr toolkit::Rect page_place{180, 480, 6600, 4400};
 
 // Inside a page. The information panel covers what lies right of 4255.
 constexpr int left = 180;
-constexpr int width = 4050;        // of captions
-constexpr int list_width = 3945;   // of what has a frame of its own
+constexpr int width = 4050;       // of captions
+constexpr int list_width = 3945;  // of what has a frame of its own
 constexpr int line = 255;
 constexpr int field = 315;
 constexpr int first_row = 390;
