@@ -1,0 +1,211 @@
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <functional>
+
+#include "regf/dump.h"
+#include "regf/file.h"
+#include "regf/system_calls.h"
+
+namespace regf {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+struct HiveFiles : testing::Test {
+    HiveFiles() {
+        Hive hive = Hive::create({.file_name = u"user", .now = 1});
+        EXPECT_TRUE(hive.create(u"Software\\Policies", 2));
+        EXPECT_TRUE(write_new(place, hive, 3));
+        old_image = read_file(place.name);
+    }
+    ~HiveFiles() override { fail_system_call = nullptr; }
+
+    static void edit(Hive& hive) {
+        EXPECT_TRUE(hive.set_value(*hive.create(u"Software\\New", 4), u"v", {REG_BINARY, Bytes(9000, 1)}, 4));
+    }
+    /// Reads, edits and commits.
+    Result<Done> change_file() const {
+        auto lock = FileLock::acquire(place);
+        if (!lock) return lock.error();
+        auto file = read_hive(place, *lock);
+        if (!file) return file.error();
+        edit(file->hive);
+        return commit(place, file->hive, file->identity, 5);
+    }
+    std::string files() const {
+        std::string out;
+        for (const auto& entry : fs::directory_iterator(folder.path()))
+            out += entry.path().filename().string() + " ";
+        return out;
+    }
+
+    TemporaryFolder folder;
+    FilePlace place{-100, folder / "user.dat"};
+    Bytes old_image;
+};
+
+/// What a function answers in a process of its own.
+int in_child(const std::function<int()>& work) {
+    const pid_t child = fork();
+    if (child == 0) _exit(work());
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+TEST_F(HiveFiles, AreOldOrNewWhicheverCallFails) {
+    ASSERT_TRUE(change_file());
+    const Bytes new_image = read_file(place.name);
+    ASSERT_TRUE(validate(new_image).empty());
+    for (const int error : {EIO, ENOSPC, EACCES, EINTR}) {
+        for (const bool lasting : {false, true}) {
+            int calls = 0;
+            for (int n = 1; n == 1 || calls >= n - 1; ++n) {
+                write_file(place.name, old_image);
+                calls = 0;
+                std::string failed;
+                fail_system_call = [&](const char* call) {
+                    if (++calls != n && !(lasting && calls > n)) return 0;
+                    failed = call;
+                    return error;
+                };
+                const auto result = change_file();
+                fail_system_call = nullptr;
+                SCOPED_TRACE("call " + std::to_string(n) + ", " + failed + ", error " +
+                             std::to_string(error));
+                EXPECT_TRUE(read_file(place.name) == (result ? new_image : old_image));
+                EXPECT_EQ(files(), "user.dat ");
+                if (!result) {
+                    EXPECT_THAT(result.error().message, HasSubstr("user.dat"));
+                }
+                if (failed.empty()) {
+                    EXPECT_TRUE(result);
+                    EXPECT_GT(n, 15) << "so many calls at least can fail";
+                    break;
+                }
+            }
+        }
+    }
+}
+
+TEST_F(HiveFiles, ChangedMeanwhileAreLeftAlone) {
+    auto lock = FileLock::acquire(place);
+    ASSERT_TRUE(lock);
+    auto file = read_hive(place, *lock);
+    ASSERT_TRUE(file);
+    EXPECT_TRUE(commit(place, file->hive, file->identity, 5)) << "nothing to write";
+    EXPECT_TRUE(read_file(place.name) == old_image);
+    edit(file->hive);
+    const Hive other = Hive::create({.file_name = u"another", .now = 9});
+    write_file(place.name, *other.sealed_image(9));
+    const Bytes theirs = read_file(place.name);
+    const auto result = commit(place, file->hive, file->identity, 5);
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.error().kind, ErrorKind::changed);
+    EXPECT_TRUE(read_file(place.name) == theirs);
+    const auto present = write_new(place, file->hive, 5);
+    ASSERT_FALSE(present);
+    EXPECT_EQ(present.error().kind, ErrorKind::refused);
+    EXPECT_TRUE(read_file(place.name) == theirs);
+    EXPECT_EQ(files(), "user.dat ");
+}
+
+TEST_F(HiveFiles, HeldByAnotherProgramAreInUse) {
+    int ready[2];
+    int done[2];
+    for (const bool by_record : {false, true}) {
+        ASSERT_EQ(pipe(ready) + pipe(done), 0);
+        const pid_t child = fork();
+        if (child == 0) {
+            const int file = open(place.name.c_str(), O_RDWR);
+            struct flock whole {};
+            whole.l_type = F_WRLCK;
+            const int held = by_record ? fcntl(file, F_SETLK, &whole) : flock(file, LOCK_SH);
+            char byte = held == 0 ? 'y' : 'n';
+            (void)!write(ready[1], &byte, 1);
+            (void)!read(done[0], &byte, 1);
+            _exit(0);
+        }
+        char byte = 0;
+        ASSERT_EQ(read(ready[0], &byte, 1), 1);
+        EXPECT_EQ(byte, 'y');
+        const auto lock = FileLock::acquire(place);
+        EXPECT_FALSE(lock);
+        if (!lock) {
+            EXPECT_EQ(lock.error().kind, ErrorKind::in_use);
+        }
+        ASSERT_EQ(write(done[1], &byte, 1), 1);
+        waitpid(child, nullptr, 0);
+        EXPECT_TRUE(FileLock::acquire(place)) << "once it is free again";
+        for (const int end : {ready[0], ready[1], done[0], done[1]})
+            close(end);
+    }
+}
+
+TEST_F(HiveFiles, AreRegularFilesOnly) {
+    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+    fs::create_symlink(place.name, folder / "link");
+    fs::create_directory(folder / "folder");
+    for (const char* name : {"pipe", "link", "folder", "none"}) {
+        SCOPED_TRACE(name);
+        const auto lock = FileLock::acquire({-100, folder / name});
+        ASSERT_FALSE(lock);
+        EXPECT_THAT(lock.error().message, HasSubstr(name));
+        EXPECT_EQ(lock.error().kind == ErrorKind::missing, std::string(name) == "none");
+    }
+}
+
+TEST_F(HiveFiles, KeepModeOwnerAndAttributes) {
+    write_file(folder / "user.dat.brightlock-new", {1, 2, 3});  // of a run that was killed
+    ASSERT_EQ(chmod(place.name.c_str(), 0640), 0);
+    if (geteuid() == 0) {
+        ASSERT_EQ(chown(place.name.c_str(), 12, 34), 0);
+    }
+    struct stat before {};
+    ASSERT_EQ(stat(place.name.c_str(), &before), 0);
+    const bool attributes = setxattr(place.name.c_str(), "user.mark", "kept", 4, 0) == 0;
+    ASSERT_TRUE(change_file());
+    struct stat after {};
+    ASSERT_EQ(stat(place.name.c_str(), &after), 0);
+    EXPECT_NE(after.st_ino, before.st_ino);
+    EXPECT_EQ(after.st_mode, before.st_mode);
+    EXPECT_EQ(after.st_uid, before.st_uid);
+    EXPECT_EQ(after.st_gid, before.st_gid);
+    EXPECT_EQ(files(), "user.dat ");
+    if (!attributes) GTEST_SKIP() << "no extended attributes on this file system";
+    char value[8] = {};
+    EXPECT_EQ(getxattr(place.name.c_str(), "user.mark", value, sizeof value), 4);
+    EXPECT_STREQ(value, "kept");
+}
+
+TEST_F(HiveFiles, ThatMayNotBeWrittenStay) {
+    if (geteuid() != 0) GTEST_SKIP() << "needs to become another user";
+    auto as_nobody = [&] {
+        return in_child([&] {
+            if (setgid(65534) != 0 || setuid(65534) != 0) return 99;
+            const auto result = change_file();
+            return result ? 1 : result.error().kind == ErrorKind::refused ? 0 : 2;
+        });
+    };
+    ASSERT_EQ(chmod(folder.path().c_str(), 0755), 0);
+    ASSERT_EQ(chmod(place.name.c_str(), 0666), 0);
+    EXPECT_EQ(as_nobody(), 0) << "no file can be made in the folder";
+    ASSERT_EQ(chmod(folder.path().c_str(), 0777), 0);
+    ASSERT_EQ(chmod(place.name.c_str(), 0444), 0);
+    EXPECT_EQ(as_nobody(), 0) << "the file itself is read-only";
+    EXPECT_TRUE(read_file(place.name) == old_image);
+    EXPECT_EQ(files(), "user.dat ");
+}
+
+}  // namespace
+}  // namespace regf
