@@ -19,7 +19,7 @@ using testing::IsEmpty;
 /// The lines of a hive as another reader sees it: a line for each key and each value. Empty where that reader
 /// is missing.
 std::multiset<std::string> foreign_lines(const fs::path& hive) {
-    const std::string command = "/usr/bin/python3 '" FOREIGN_DUMP "' '" + hive.string() + "' 2>/dev/null";
+    const std::string command = "/usr/bin/python3 '" TEST_SOURCES "/foreign_dump.py' '" + hive.string() + "' 2>/dev/null";
     const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
     std::string out;
     char buffer[65536];
