@@ -1,14 +1,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <fstream>
 #include <set>
 #include <sstream>
 
 #include "machine/offline_fixture.h"
 #include "program/person.h"
-#include "regf/file.h"
+#include "regf/dump.h"
 
 namespace britlock {
 namespace {
@@ -16,17 +14,11 @@ namespace {
 namespace fs = std::filesystem;
 using testing::IsEmpty;
 
-/// The lines of a hive as another reader sees it: a line for each key and each value. Empty where that reader
-/// is missing.
+/// The lines of a hive as another reader sees it: one for each key and each value. Empty where that reader is
+/// missing.
 std::multiset<std::string> foreign_lines(const fs::path& hive) {
-    const std::string command = "/usr/bin/python3 '" TEST_SOURCES "/foreign_dump.py' '" + hive.string() + "' 2>/dev/null";
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
-    std::string out;
-    char buffer[65536];
-    while (const size_t got = fread(buffer, 1, sizeof buffer, pipe.get()))
-        out.append(buffer, got);
     std::multiset<std::string> lines;
-    std::istringstream in(out);
+    std::istringstream in(regf::foreign_dump(hive.string()));
     for (std::string line; std::getline(in, line);)
         lines.insert(line);
     return lines;
