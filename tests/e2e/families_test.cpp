@@ -197,6 +197,28 @@ TEST(RealHives, WhatWasMarkedComesBack) {
     std::cout << "  seeds 5000 to " << seed - 1 << "\n";
 }
 
+/// 2,500 folders, 50,000 files, 10,000 of them programs under 5,000 names.
+TEST(RealHives, AScanOfALargeTreeEnds) {
+    Installed w;
+    const fs::path tree = w.windows.disk() / "Tree";
+    for (int folder = 0; folder < 2500; ++folder) {
+        const fs::path path = tree / std::to_string(folder / 50) / std::to_string(folder % 50);
+        fs::create_directories(path);
+        for (int file = 0; file < 20; ++file) {
+            const bool program = file < 4;
+            const int number = program ? (folder * 4 + file) % 5000 : file;
+            write_bytes(path / ("f" + std::to_string(number) + (program ? ".ExE" : ".txt")), "");
+        }
+    }
+    fs::create_directory_symlink(tree, tree / "0" / "loop");
+    main& window = w.person.window();
+    w.person.screen.expect_input("C:\\Tree");
+    w.person.click(window.cm45);
+    EXPECT_EQ(window.List1.count(), 5000);
+    EXPECT_EQ(window.gesamtfiles.text(), "Total: 5000");
+    EXPECT_EQ(window.list0.count(), 2550);
+}
+
 TEST(RealHives, TheRunAtLogonActsInsideTheDrivesOnly) {
     Installed w;
     const fs::path outside = w.windows.scratch() / "outside";
