@@ -14,7 +14,7 @@ namespace {
 
 class Look : public QProxyStyle {
   public:
-    Look() : QProxyStyle(QStringLiteral("Fusion")) {}
+    explicit Look(QObject& owner) : QProxyStyle(QStringLiteral("Fusion")) { setParent(&owner); }
 
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* data) const override {
@@ -72,7 +72,7 @@ void prepare_look() {
 }
 
 void apply_look(QApplication& app) {
-    app.setStyle(new Look);
+    app.setStyle(new Look(app));
     app.setPalette(light_grey());
     QFont font;
     // Letters as wide as those that the layouts were made for.

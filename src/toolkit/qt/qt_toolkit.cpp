@@ -1,6 +1,7 @@
 #include "toolkit/qt/qt_toolkit.h"
 
 #include <QApplication>
+#include <QScreen>
 #include <QThread>
 #include <cstdlib>
 
@@ -31,6 +32,8 @@ struct QtToolkit::Private {
         qt::apply_look(app);
         QApplication::setQuitOnLastWindowClosed(false);  // the program ends itself
     }
+
+    static QWidget* asking(const std::vector<Form*>& forms);
 };
 
 QtToolkit::QtToolkit(int& argc, char** argv, FolderSource& folders, Event before_end)
@@ -55,14 +58,20 @@ bool QtToolkit::save_screenshot(const Form& form, const std::string& file) const
 
 // --- questions
 
-Answer QtToolkit::show_box(const Box& box) { return qt::ask(box, QApplication::activeWindow()); }
+/// What a question lies over: also while another program is in front.
+QWidget* QtToolkit::Private::asking(const std::vector<Form*>& forms) {
+    QWidget* active = QApplication::activeWindow();
+    return active || forms.empty() ? active : window_of(*forms.back());
+}
+
+Answer QtToolkit::show_box(const Box& box) { return qt::ask(box, Private::asking(forms())); }
 
 std::string QtToolkit::show_input_box(const std::string& title, const std::string& prompt) {
-    return qt::ask_line(title, prompt, QApplication::activeWindow());
+    return qt::ask_line(title, prompt, Private::asking(forms()));
 }
 
 std::string QtToolkit::ask_file(const FileDialog& dialog) {
-    return qt::ask_file(dialog, d_->folders, d_->last_folder, QApplication::activeWindow());
+    return qt::ask_file(dialog, d_->folders, d_->last_folder, Private::asking(forms()));
 }
 
 void QtToolkit::beep() { QApplication::beep(); }
@@ -84,9 +93,15 @@ void QtToolkit::when_idle(const Event& call) {
 // --- windows
 
 void QtToolkit::show_window(Form& form) {
-    if (!form.peer) new qt::Window(form);
+    const bool is_new = !form.peer;
+    if (is_new) new qt::Window(form);
     qt::Window* window = window_of(form);
     window->refresh();
+    if (is_new) {
+        const QWidget* active = QApplication::activeWindow();
+        const QRect around = active ? active->frameGeometry() : window->screen()->availableGeometry();
+        window->move(around.center() - window->rect().center());
+    }
     window->show();
     window->raise();
     window->activateWindow();
