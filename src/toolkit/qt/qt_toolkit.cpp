@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QScreen>
 #include <QThread>
+#include <QTimer>
 #include <cstdlib>
 
 #include "toolkit/qt/boxes.h"
@@ -19,6 +20,12 @@ namespace {
 
 qt::Window* window_of(const Form& form) { return static_cast<qt::Window*>(form.peer); }
 
+/// What a question lies over: a window of ours also while another program is active.
+QWidget* in_front(const Toolkit& toolkit) {
+    QWidget* active = QApplication::activeWindow();
+    return active || toolkit.forms().empty() ? active : window_of(*toolkit.forms().back());
+}
+
 }  // namespace
 
 struct QtToolkit::Private {
@@ -26,14 +33,14 @@ struct QtToolkit::Private {
     FolderSource& folders;
     Event before_end;
     std::string last_folder;  // where the person last chose a file
+    QTimer idle;              // goes off when control is back in the event loop
 
     Private(int& argc, char** argv, FolderSource& source, Event at_end)
         : app((qt::prepare_look(), argc), argv), folders(source), before_end(std::move(at_end)) {
         qt::apply_look(app);
+        idle.setSingleShot(true);
         QApplication::setQuitOnLastWindowClosed(false);  // the program ends itself
     }
-
-    static QWidget* asking(const std::vector<Form*>& forms);
 };
 
 QtToolkit::QtToolkit(int& argc, char** argv, FolderSource& folders, Event before_end)
@@ -58,20 +65,14 @@ bool QtToolkit::save_screenshot(const Form& form, const std::string& file) const
 
 // --- questions
 
-/// What a question lies over: also while another program is in front.
-QWidget* QtToolkit::Private::asking(const std::vector<Form*>& forms) {
-    QWidget* active = QApplication::activeWindow();
-    return active || forms.empty() ? active : window_of(*forms.back());
-}
-
-Answer QtToolkit::show_box(const Box& box) { return qt::ask(box, Private::asking(forms())); }
+Answer QtToolkit::show_box(const Box& box) { return qt::ask(box, in_front(*this)); }
 
 std::string QtToolkit::show_input_box(const std::string& title, const std::string& prompt) {
-    return qt::ask_line(title, prompt, Private::asking(forms()));
+    return qt::ask_line(title, prompt, in_front(*this));
 }
 
 std::string QtToolkit::ask_file(const FileDialog& dialog) {
-    return qt::ask_file(dialog, d_->folders, d_->last_folder, Private::asking(forms()));
+    return qt::ask_file(dialog, d_->folders, d_->last_folder, in_front(*this));
 }
 
 void QtToolkit::beep() { QApplication::beep(); }
@@ -87,7 +88,8 @@ void QtToolkit::process_events() {
 
 void QtToolkit::when_idle(const Event& call) {
     // Not at once: the widget whose event has just ended is still at work.
-    QMetaObject::invokeMethod(&d_->app, call, Qt::QueuedConnection);
+    QObject::connect(&d_->idle, &QTimer::timeout, &d_->app, call, Qt::SingleShotConnection);
+    d_->idle.start();
 }
 
 // --- windows

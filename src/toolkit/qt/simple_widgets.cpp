@@ -127,6 +127,8 @@ class PictureWidget : public Shown<QWidget, PictureBox> {
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
         painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        // A box for a picture from a file shows its place before there is one.
+        if (!control_.drawing()) qDrawShadePanel(&painter, rect(), palette(), true);
         if (!image_.isNull()) {
             painter.drawImage(fitted(image_.size()), image_);
         } else if (control_.drawing()) {
@@ -135,7 +137,8 @@ class PictureWidget : public Shown<QWidget, PictureBox> {
     }
 
     QRectF fitted(QSize picture) const {
-        QRectF place(QPointF(0, 0), QSizeF(picture).scaled(size(), Qt::KeepAspectRatio));
+        const QSize room = control_.drawing() ? size() : size() - QSize(4, 4);
+        QRectF place(QPointF(0, 0), QSizeF(picture).scaled(room, Qt::KeepAspectRatio));
         place.moveCenter(QRectF(rect()).center());
         return place;
     }
