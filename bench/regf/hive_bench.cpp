@@ -1,5 +1,6 @@
 #include <benchmark/benchmark.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 
@@ -16,7 +17,7 @@ std::u16string numbered(const char16_t* stem, int number) {
     return out;
 }
 
-/// `keys` keys with two values each, a hundred in one, and one of 20 values in each group.
+/// `keys` keys with two values each, a hundred in one part, a hundred parts in one group.
 Bytes made_hive(int keys) {
     Hive hive = Hive::create({.file_name = u"bench", .now = 1});
     for (int i = 0; i < keys; ++i) {

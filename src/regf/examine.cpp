@@ -229,6 +229,7 @@ void Examiner::check_subkeys(const Visit& visit, CellView key) {
     if (!out_.walkable) return;
     uint32_t found = 0;
     uint32_t largest_name = 0;
+    uint32_t largest_class = 0;
     std::optional<std::u16string> before;
     for (const Leaf& leaf : lists.leaves) {
         check_leaf(visit.offset, leaf);
@@ -242,14 +243,16 @@ void Examiner::check_subkeys(const Visit& visit, CellView key) {
             std::u16string name = key_name(*record);
             if (before && compare_names(*before, name) >= 0) key_error(visit.offset, "subkeys out of order");
             largest_name = std::max(largest_name, static_cast<uint32_t>(name.size() * 2));
+            largest_class = std::max<uint32_t>(largest_class, get16(*record, nk::class_length));
             before = std::move(name);
             open_.push_back({child, visit.offset, visit.depth + 1});
         }
     }
     if (lists.whole && found != count)
         key_error(visit.offset, "the list of subkeys has another length than the key tells");
-    if (get16(key, nk::largest_subkey_name) < largest_name) {
-        key_warning(visit.offset, "a subkey's name is longer than its key tells");
+    if (get16(key, nk::largest_subkey_name) < largest_name ||
+        get32(key, nk::largest_class_name) < largest_class) {
+        key_warning(visit.offset, "a subkey's name or class is longer than its key tells");
     }
 }
 

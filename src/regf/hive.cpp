@@ -310,6 +310,7 @@ Result<Done> Hive::apply(const Change& change) {
 // --- sealing
 
 Result<Bytes> Hive::sealed_image(FileTime now) const {
+    if (!state_->read_only_reason.empty()) return Error{ErrorKind::unsupported, state_->read_only_reason};
     Bytes bytes = state_->image.bytes();
     const uint32_t sequence =
         std::max(get32(bytes, base_block::primary_sequence), get32(bytes, base_block::secondary_sequence)) +
@@ -328,7 +329,8 @@ Result<Bytes> Hive::sealed_image(FileTime now) const {
     if (const Finding* error = examination.first_error()) {
         return Error{ErrorKind::damaged, "the new hive would be damaged " + describe(*error)};
     }
-    const auto expected = model_of(Image(state_->opened));
+    const Image opened(state_->opened);
+    const auto expected = model_of(opened);
     for (const Change& change : state_->changes) {
         if (!apply_to_model(*expected, change)) {
             return Error{ErrorKind::damaged, "the changes do not fit the hive at " + printable(change.path)};

@@ -16,9 +16,7 @@ std::unique_ptr<ModelKey> read_key(const Image& image, uint32_t offset) {
     auto key = std::make_unique<ModelKey>();
     key->name = key_name(record);
     key->class_name = class_name_of(image, record).value_or(u"");
-    if (const auto descriptor = security_descriptor(image, get32(record, nk::security))) {
-        key->security = Bytes(descriptor->begin(), descriptor->end());
-    }
+    key->security = security_descriptor(image, get32(record, nk::security));
     key->flags = get16(record, nk::flags);
     key->last_written = get64(record, nk::last_written);
     for (uint32_t at : value_offsets(image, record)) {
@@ -94,7 +92,8 @@ bool change_values(ModelKey& key, const Change& change) {
 std::string difference_of_one(const ModelKey& expected, const ModelKey& found) {
     if (expected.name != found.name) return "another name: " + printable(found.name);
     if (expected.class_name != found.class_name) return "another class name";
-    if (expected.security && expected.security != found.security) return "another security descriptor";
+    if (expected.security && !(found.security && std::ranges::equal(*expected.security, *found.security)))
+        return "another security descriptor";
     if (expected.flags != found.flags) return "other flags";
     if (expected.last_written != found.last_written) return "another time stamp";
     if (expected.values.size() != found.values.size()) return "another number of values";

@@ -15,7 +15,7 @@ namespace regf {
 struct ModelKey {
     std::u16string name;
     std::u16string class_name;
-    std::optional<Bytes> security;  ///< none: a new key, whose descriptor is not foretold
+    std::optional<ByteView> security;  ///< none: a new key, whose descriptor is not foretold
     uint16_t flags = 0;
     FileTime last_written = 0;
     struct ModelValue {
@@ -27,7 +27,7 @@ struct ModelKey {
     std::vector<std::unique_ptr<ModelKey>> subkeys;  ///< ascending
 };
 
-/// The image must be walkable and free of errors.
+/// The image must be walkable and free of errors, and outlive the model, which looks into it.
 std::unique_ptr<ModelKey> model_of(const Image& image);
 
 /// Carries out one change. False where it does not fit the model.

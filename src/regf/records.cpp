@@ -218,8 +218,11 @@ bool has_acl(CellView descriptor, uint32_t at) {
 bool is_valid_descriptor(CellView descriptor) {
     constexpr size_t header = 20;
     constexpr uint16_t self_relative = 0x8000;
-    if (descriptor.size() < header || descriptor[0] != 1 || !(get16(descriptor, 2) & self_relative))
+    constexpr size_t largest = 0x40000;  // two lists of 64 KB each and two owners are half of it
+    if (descriptor.size() < header || descriptor.size() > largest || descriptor[0] != 1 ||
+        !(get16(descriptor, 2) & self_relative)) {
         return false;
+    }
     return has_sid(descriptor, get32(descriptor, 4)) && has_sid(descriptor, get32(descriptor, 8)) &&
            has_acl(descriptor, get32(descriptor, 12)) && has_acl(descriptor, get32(descriptor, 16));
 }

@@ -196,27 +196,29 @@ std::optional<Bytes> replay_new(const Bytes& primary, const std::vector<Log>& lo
         if (!old) usable.push_back(&log.bytes);
     }
     if (usable.empty()) return std::nullopt;
-    std::sort(usable.begin(), usable.end(), [](const Bytes* a, const Bytes* b) {
-        return ahead_of(primary_sequence(*a), primary_sequence(*b)) < 0;
+    const uint32_t origin = get32(sound ? primary : *usable.front(), base_block::secondary_sequence);
+    std::stable_sort(usable.begin(), usable.end(), [origin](const Bytes* a, const Bytes* b) {
+        return ahead_of(primary_sequence(*a), origin) < ahead_of(primary_sequence(*b), origin);
     });
     Bytes image = primary;
     if (!sound) {
         usable.erase(usable.begin(), usable.end() - 1);  // the later one alone
         take_base_block(image, *usable.front());
     }
-    std::optional<uint32_t> last;
+    const uint32_t first = primary_sequence(*usable.front());
+    uint32_t next = first;
     for (const Bytes* log : usable) {
-        if (last && primary_sequence(*log) != *last + 1) break;
+        if (primary_sequence(*log) != next) break;
         for (const Entry& entry : read_entries(*log)) {
             if (!grow_to(image, entry.bins_size, *log)) return std::nullopt;
             write_pages(image, entry.pages);
             put32(image, base_block::bins_size, entry.bins_size);
             put32(image, base_block::flags, (get32(image, base_block::flags) & ~1u) | (entry.flags & 1));
-            last = entry.sequence;
+            next = entry.sequence + 1;
         }
     }
-    if (!last) return std::nullopt;
-    finish(image, *last + 1);
+    if (next == first) return std::nullopt;
+    finish(image, next);
     return image;
 }
 

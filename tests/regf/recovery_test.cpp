@@ -197,9 +197,26 @@ TEST_F(Recovery, CompletesWritesFromTheNewLogs) {
         half[one.size() + 60] ^= 1;
         EXPECT_EQ(outcome(dirty, {{"LOG1", half}}), "AB") << "what came before the spoiled entry counts";
         Bytes empty = log_head(first, 6, start);
-        EXPECT_EQ(outcome(dirty, {{"LOG1", empty}, {"LOG2", later}}), "refused")
-            << "its first part is missing";
+        Bytes skipping = log_head(first, 6, start + 1);
+        append_entry(skipping, first, third, start + 1);
+        EXPECT_EQ(outcome(dirty, {{"LOG1", empty}, {"LOG2", skipping}}), "refused")
+            << "what lies between cannot be known";
     }
+}
+
+TEST_F(Recovery, DoesNotMakeAHiveOfALaterVersionWritable) {
+    for (Bytes* image : {&first, &second}) {
+        put32(*image, base_block::minor, 6);
+        repair(*image);
+    }
+    Bytes dirty = first;
+    set_sequences(dirty, 8, 7);
+    const auto hive = Hive::open(dirty, {{"LOG", old_log(first, second, 7)}});
+    ASSERT_TRUE(hive) << hive.error().message;
+    EXPECT_TRUE(hive->recovered());
+    const auto sealed = hive->sealed_image(10);
+    ASSERT_FALSE(sealed);
+    EXPECT_EQ(sealed.error().kind, ErrorKind::unsupported);
 }
 
 TEST_F(Recovery, OfAFileIsCommittedClean) {

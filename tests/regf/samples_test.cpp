@@ -100,7 +100,7 @@ TEST_F(Samples, WithRulesBrokenAreNeverWritten) {
     }
 }
 
-TEST_F(Samples, ARealUserHiveKeepsItsSizeOverAHundredRuns) {
+TEST_F(Samples, ARealUserHiveKeepsItsSizeHoweverOftenItIsWritten) {
     TemporaryFolder folder;
     const FilePlace place{-100, folder / "NTUSER.DAT"};
     fs::copy_file(samples / "xp-user.NTUSER.DAT", place.name);
@@ -125,17 +125,18 @@ TEST_F(Samples, ARealUserHiveKeepsItsSizeOverAHundredRuns) {
         ASSERT_TRUE(commit(place, hive, file->identity, now));
     };
     std::vector<uintmax_t> sizes{fs::file_size(place.name)};
-    for (int run = 0; run < 100; ++run) {
+    for (int run = 0; run < 30; ++run) {
         apply(run);
         sizes.push_back(fs::file_size(place.name));
     }
-    std::cout << "  sizes: before " << sizes[0] << ", after one " << sizes[1] << ", after a hundred "
-              << sizes[100] << "\n";
-    EXPECT_EQ(sizes[100], sizes[2]) << "both lengths of the values have found their place by the second run";
+    std::cout << "  sizes: before " << sizes[0] << ", after one " << sizes[1] << ", after thirty "
+              << sizes.back() << "\n";
+    EXPECT_EQ(sizes.back(), sizes[2])
+        << "both lengths of the values have found their place by the second run";
     EXPECT_EQ(validate(read_file(place.name)).size(), 0u);
     if (foreign_reader_is_there()) {
         const auto ours = open_file(place.name);
-        expect_same(dump(ours->hive), foreign_dump(place.name), "after a hundred runs");
+        expect_same(dump(ours->hive), foreign_dump(place.name), "after thirty runs");
     }
 }
 
