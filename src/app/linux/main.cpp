@@ -122,12 +122,16 @@ int run(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const auto parsed = parse_options(argc, argv);
-    if (const auto* wrong = std::get_if<std::string>(&parsed)) {
-        (void)complain(*wrong);
-        std::cerr << "\n" << usage;
-        return 2;
+    try {
+        const auto parsed = parse_options(argc, argv);
+        if (const auto* wrong = std::get_if<std::string>(&parsed)) {
+            (void)complain(*wrong);
+            std::cerr << "\n" << usage;
+            return 2;
+        }
+        const auto& options = std::get<Options>(parsed);
+        return options.make_sample.empty() ? run(options) : make_sample(options.make_sample);
+    } catch (const std::exception& error) {  // memory or the system ran out on the way to the first window
+        return complain(error.what());
     }
-    const auto& options = std::get<Options>(parsed);
-    return options.make_sample.empty() ? run(options) : make_sample(options.make_sample);
 }
