@@ -34,7 +34,9 @@ class FileLock {
   public:
     /// `in_use`: another program has it. `missing`, `refused`, `io` as they come. Follows no symbolic link,
     /// opens regular files only. On a file that may not be written it takes the lock all the same.
-    static Result<FileLock> acquire(const FilePlace& place);
+    /// A look shares the file with other looks, so that two programs that only ask do not meet.
+    enum class Purpose { work, look };
+    static Result<FileLock> acquire(const FilePlace& place, Purpose purpose = Purpose::work);
     FileLock(FileLock&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
     FileLock& operator=(FileLock&& other) noexcept;
     ~FileLock();

@@ -13,6 +13,7 @@
 #include "program/person.h"
 #include "program/random_marks.h"
 #include "regf/dump.h"
+#include "regf/file.h"
 
 namespace britlock {
 namespace {
@@ -195,6 +196,17 @@ TEST(RealHives, WhatWasMarkedComesBack) {
         EXPECT_TRUE(regf::validate(regf::read_file(w.hive())).empty());
     }
     std::cout << "  seeds 5000 to " << seed - 1 << "\n";
+}
+
+/// Two instances that only look at the hive tool, or at a hive, at the same moment must not take each other
+/// for a user of it.
+TEST(RealHives, LookingAtAFileIsNotUsingIt) {
+    Installed w;
+    const auto look = regf::FileLock::acquire({-100, w.hive().string()}, regf::FileLock::Purpose::look);
+    ASSERT_TRUE(look);
+    EXPECT_EQ(w.person.program->hiver.hive_file_status(w.windows.windows_hive_of("Anna")), HIVER_MOD::usable);
+    const OtherProgram other(w.hive("Ben"));
+    EXPECT_EQ(w.person.program->hiver.hive_file_status(w.windows.windows_hive_of("Ben")), HIVER_MOD::in_use);
 }
 
 /// 2,500 folders, 50,000 files, 10,000 of them programs under 5,000 names.
