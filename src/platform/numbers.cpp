@@ -49,7 +49,7 @@ std::string decimal_prefix(std::string_view s) {
     }
     if (!digits) return "0";
     if (i < s.size() && (s[i] == 'E' || s[i] == 'D')) {
-        const std::string mantissa = out;
+        std::string mantissa = out;
         out.push_back('e');
         ++i;
         if (i < s.size() && (s[i] == '+' || s[i] == '-')) out.push_back(s[i++]);

@@ -3,6 +3,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <chrono>
+#include <thread>
+
 #include "machine/offline/file_attributes.h"
 
 namespace machine {
@@ -30,6 +33,17 @@ WinCode win_code(regf::ErrorKind kind) {
     return access_denied;
 }
 
+regf::Result<regf::FileLock> lock_with_patience(const regf::FilePlace& place,
+                                                regf::FileLock::Purpose purpose) {
+    constexpr int tries = 200;
+    constexpr auto pause = std::chrono::milliseconds(10);
+    for (int i = 1;; ++i) {
+        auto lock = regf::FileLock::acquire(place, purpose);
+        if (lock || lock.error().kind != regf::ErrorKind::in_use || i == tries) return lock;
+        std::this_thread::sleep_for(pause);
+    }
+}
+
 HiveStore::View FileHive::read() {
     const auto now = regf::identify(place_.hive());
     const bool absent = !now && now.error().kind == regf::ErrorKind::missing;
@@ -44,7 +58,7 @@ HiveStore::View FileHive::read() {
         held_.emplace(regf::HiveFile{regf::Hive::create(empty), identity});
         return {success, &held_->hive};
     }
-    const auto lock = regf::FileLock::acquire(place_.hive());
+    const auto lock = lock_with_patience(place_.hive(), regf::FileLock::Purpose::look);
     if (!lock) return {win_code(lock.error().kind), nullptr};
     auto file = regf::read_hive(place_.hive(), *lock);
     if (!file) return {win_code(file.error().kind), nullptr};
@@ -65,7 +79,7 @@ WinCode FileHive::apply(const regf::Change& change) {
     const bool absent = held_->identity == regf::FileIdentity{};
     std::optional<regf::FileLock> lock;
     if (!absent) {
-        auto acquired = regf::FileLock::acquire(place_.hive());
+        auto acquired = lock_with_patience(place_.hive(), regf::FileLock::Purpose::work);
         if (!acquired) return win_code(acquired.error().kind);
         lock.emplace(std::move(*acquired));
     }

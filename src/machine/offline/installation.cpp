@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "base/text.h"
+#include "machine/offline/hive_store.h"
 
 namespace machine {
 
@@ -52,7 +53,7 @@ bool hibernates(const DriveMap& drives) {
 regf::Result<regf::HiveFile> read_hive(const DriveMap& drives, const std::string& path) {
     const auto place = locate_hive(drives, path);
     if (!place) return place.error();
-    const auto lock = regf::FileLock::acquire(place->hive());
+    const auto lock = lock_with_patience(place->hive(), regf::FileLock::Purpose::look);
     if (!lock) return lock.error();
     return regf::read_hive(place->hive(), *lock);
 }
