@@ -33,12 +33,12 @@ constexpr Twin unreadable_text{
 
 std::string UserDirectory::find_base_path() {
     REGISTRY_MOD& reg = program_.reg;
-    const std::string set = reg.reg_read_string(HKEY_LOCAL_MACHINE, product_key, "ProfileMainPath");
+    std::string set = reg.reg_read_string(HKEY_LOCAL_MACHINE, product_key, "ProfileMainPath");
     if (!set.empty()) return set;  // as it stands: nobody adds a backslash
     const std::string family = reg.get_os_name();
     const bool later_nt = family == "Win2K" || family == "WinXP";
     if (family != "WinNT" && !later_nt) return "";
-    const std::string told = reg.get_profiles_dir();
+    std::string told = reg.get_profiles_dir();
     if (!told.empty()) return told;
     if (later_nt) return reg.get_windows_dir().substr(0, 3) + "Dokumente und Einstellungen\\";
     return reg.get_windows_dir() + "\\Profiles\\";

@@ -79,7 +79,7 @@ std::multiset<std::string> expected_lines() {
     auto values = [&](const std::string& key, std::initializer_list<const char*> names,
                       const std::string& data) {
         for (const char* name : names)
-            lines.insert("V " + key + " " + name + data);
+            lines.insert(std::string("V ").append(key).append(" ").append(name).append(data));
     };
     const std::string explorer = std::string(policies) + "/Explorer";
     values(explorer,

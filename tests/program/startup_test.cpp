@@ -8,7 +8,6 @@ namespace {
 
 using namespace machine;
 using testing::HasSubstr;
-using toolkit::Answer;
 
 TEST(Startup, WithoutAPasswordLeadsToSetpassAndOnToMain) {
     World w;
