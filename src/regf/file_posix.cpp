@@ -199,18 +199,22 @@ FileLock::~FileLock() {
 }
 
 Result<FileLock> FileLock::acquire(const FilePlace& place, Purpose purpose) {
-    Descriptor file = open_at(place, O_RDWR);
-    if (!file.ok() && (errno == EACCES || errno == EROFS || errno == EPERM)) file = open_at(place, O_RDONLY);
+    // A look asks for no more than reading: a program that runs refuses to be opened for writing, and could
+    // not be started while somebody holds it so.
+    const bool work = purpose == Purpose::work;
+    Descriptor file = open_at(place, work ? O_RDWR : O_RDONLY);
+    if (work && !file.ok() && (errno == EACCES || errno == EROFS || errno == EPERM))
+        file = open_at(place, O_RDONLY);
     if (!file.ok()) return system_error(place.name, "cannot be opened");
     const auto info = examine_file(file.get(), place.name);
     if (!info) return info.error();
     if (!S_ISREG(info->st_mode)) return Error{ErrorKind::refused, place.name + ": not a regular file"};
     const Error in_use{ErrorKind::in_use, place.name + ": in use by another program"};
-    const int kind = purpose == Purpose::work ? LOCK_EX : LOCK_SH;
+    const int kind = work ? LOCK_EX : LOCK_SH;
     if (attempt("flock", [&] { return flock(file.get(), kind | LOCK_NB); }) != 0)
         return errno == EWOULDBLOCK ? in_use : system_error(place.name, "cannot be locked");
     struct flock whole {};  // what programs hold that lock by records
-    whole.l_type = purpose == Purpose::work ? F_WRLCK : F_RDLCK;
+    whole.l_type = work ? F_WRLCK : F_RDLCK;
     whole.l_whence = SEEK_SET;
     if (fcntl(file.get(), F_OFD_GETLK, &whole) == 0 && whole.l_type != F_UNLCK) return in_use;
     return FileLock(file.release());

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <spawn.h>
 #include <sys/file.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -207,6 +208,20 @@ TEST(RealHives, LookingAtAFileIsNotUsingIt) {
     EXPECT_EQ(w.person.program->hiver.hive_file_status(w.windows.windows_hive_of("Anna")), HIVER_MOD::usable);
     const OtherProgram other(w.hive("Ben"));
     EXPECT_EQ(w.person.program->hiver.hive_file_status(w.windows.windows_hive_of("Ben")), HIVER_MOD::in_use);
+}
+
+/// Another instance may be waiting for the hive tool at this very moment.
+TEST(RealHives, AProgramThatRunsIsThereAndCanBeStarted) {
+    Installed w;
+    const fs::path program = w.windows.disk() / "Busy.exe";
+    fs::copy_file("/bin/sleep", program);
+    pid_t process = 0;
+    std::string words[] = {program.string(), "60"};
+    char* const arguments[] = {words[0].data(), words[1].data(), nullptr};
+    ASSERT_EQ(posix_spawn(&process, arguments[0], nullptr, nullptr, arguments, environ), 0);
+    EXPECT_TRUE(w.person.program->reg.file_has_content("C:\\Busy.exe"));
+    kill(process, SIGKILL);
+    waitpid(process, nullptr, 0);
 }
 
 /// 2,500 folders, 50,000 files, 10,000 of them programs under 5,000 names.

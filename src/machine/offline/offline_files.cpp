@@ -40,8 +40,7 @@ Files::Measured OfflineFiles::open_binary(std::string_view path) {
                                      O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
         return {made.is_open() ? no_error : file_error(errno), 0};
     }
-    auto file = open_file(*place, O_RDWR);
-    if (!file && file.error() == permission_denied) file = open_file(*place, O_RDONLY);
+    const auto file = open_file(*place, O_RDONLY);  // a file that may not be written is opened all the same
     if (!file) return {file.error(), 0};
     if (is_in_use(*place)) return {permission_denied, 0};
     struct stat status {};
