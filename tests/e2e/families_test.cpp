@@ -219,7 +219,7 @@ TEST(RealHives, AProgramThatRunsIsThereAndCanBeStarted) {
     std::string words[] = {program.string(), "60"};
     char* const arguments[] = {words[0].data(), words[1].data(), nullptr};
     ASSERT_EQ(posix_spawn(&process, arguments[0], nullptr, nullptr, arguments, environ), 0);
-    EXPECT_TRUE(w.person.program->reg.file_has_content("C:\\Busy.exe"));
+    EXPECT_EQ(w.person.program->hiver.hive_file_status("C:\\Busy.exe"), HIVER_MOD::usable);
     kill(process, SIGKILL);
     waitpid(process, nullptr, 0);
 }

@@ -21,8 +21,10 @@ export DISPLAY=:$((90 + RANDOM % 900))
 Xvfb "$DISPLAY" -screen 0 800x600x24 -nolisten tcp >/dev/null 2>&1 &
 started+=($!)
 for _ in $(seq 100); do xdotool getdisplaygeometry >/dev/null 2>&1 && break; sleep 0.1; done
-openbox >/dev/null 2>&1 &
+openbox --startup "touch '$work/managed'" >/dev/null 2>&1 &
 started+=($!)
+# A window that asks to be shown while its manager is only just starting may never be.
+for _ in $(seq 100); do [ -e "$work/managed" ] && break; sleep 0.1; done
 
 "$executables/britlock" --make-sample "$work/xp"
 "$executables/britlock" --machine "$work/xp" --drive D="$work" --state "$work/state" 2>"$work/errors" &
