@@ -137,12 +137,14 @@ void main::cm45_Click() {
     const std::string start = program_.toolkit.input_box(scan_title, scan_prompt);
     if (start.empty()) return;
     set_mouse_pointer(toolkit::MousePointer::hourglass);
+    int error_number = machine::no_error;
     try {
         scan_for_programs(start);
     } catch (const RuntimeError& error) {  // ends the scan; what was found stays
-        if (error.number() == machine::device_not_there) program_.say(folder_not_found);
+        error_number = error.number();
     }
     set_mouse_pointer(toolkit::MousePointer::normal);
+    if (error_number == machine::device_not_there) program_.say(folder_not_found);
 }
 
 /// Breadth first: list0 is the queue of folders, and grows while it is walked.

@@ -33,19 +33,32 @@ std::string FolderBrowser::folder(std::string_view path) {
         path.remove_prefix(std::min(end + 1, path.size()));
         if (part.empty()) continue;
         if (!out.ends_with('\\')) out += '\\';
-        const auto found = machine_.files.find(out + std::string(part));
-        if (!found || found->size() != 1 || !(found->front().attributes & machine::attribute_directory)) {
-            throw RuntimeError(machine::no_such_path);
-        }
-        out += found->front().name;
+        out += name_of_folder(out, part);
     }
     return out;
+}
+
+/// As it is spelled on the disk. A disk that Linux wrote can hold two that differ in case only.
+std::string FolderBrowser::name_of_folder(const std::string& above, std::string_view name) {
+    const auto found = machine_.files.find(above + std::string(name));
+    if (!found) throw RuntimeError(machine::no_such_path);
+    const bool pattern = name.find_first_of("*?") != std::string_view::npos;
+    const machine::FoundFile* best = nullptr;
+    for (const machine::FoundFile& entry : *found) {
+        const bool is_folder = entry.attributes & machine::attribute_directory;
+        if (is_folder && !pattern && (!best || entry.name == name)) best = &entry;
+    }
+    if (!best) throw RuntimeError(machine::no_such_path);
+    return best->name;
 }
 
 std::vector<std::string> FolderBrowser::entries(std::string_view path, bool want_folders) {
     std::string pattern(path);
     if (!pattern.ends_with('\\')) pattern += '\\';
     const auto found = machine_.files.find(pattern + '*');
+    const bool root = pattern.find('\\') + 1 == pattern.size();
+    if (!found && root && machine_.files.attributes(pattern) != machine::no_attributes)
+        return {};  // empty: a root has no entries of its own
     if (!found) throw RuntimeError(machine::no_such_path);
     std::vector<std::string> out;
     for (const machine::FoundFile& entry : *found) {

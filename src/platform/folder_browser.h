@@ -15,6 +15,7 @@ class FolderBrowser : public toolkit::FolderSource {
     std::vector<std::string> files(std::string_view path) override;
 
   private:
+    std::string name_of_folder(const std::string& above, std::string_view name);
     std::vector<std::string> entries(std::string_view path, bool want_folders);
 
     machine::Machine& machine_;

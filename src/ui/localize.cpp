@@ -4,6 +4,7 @@
 namespace britlock {
 
 using namespace text::literals;
+using toolkit::Icon;
 
 namespace {
 
@@ -116,6 +117,34 @@ constexpr Twin help_lines[] = {
      "General settings to this program. Change Registered User and Company and set Your Password."},
 };
 
+/// One of the two language commands: the number that is stored, and what is said of it.
+struct LanguageCommand {
+    const char* country;
+    Notice notice;
+};
+
+constexpr LanguageCommand german{
+    "0",
+    {Icon::information,
+     {"Deutsch...", "Language German..."},
+     {U"Sprache wurde auf Deutsch gesetzt.\r\nDie Einstellungen werden erst nach Neustart des Programms geändert."_ansi,
+      "Language was set to german.\r\nYou need to restart the program to set this changes."}}};
+constexpr LanguageCommand english{
+    "1",
+    {Icon::information,
+     {"Englisch...", "Language English..."},
+     {U"Sprache wurde auf Englisch gesetzt.\r\nDie Einstellungen werden erst nach Neustart des Programms geändert."_ansi,
+      "Language was set to English.\r\nYou need to restart the program to set this changes."}}};
+
+/// The language is that of the edition: nothing reads what is stored here. The menu of the two commands is
+/// hidden.
+void store_country(Program& program, const LanguageCommand& command) {
+    (void)program.reg.reg_write_string(HKEY_LOCAL_MACHINE, product_key, "Country", command.country);
+    Notice notice = command.notice;
+    if (program.reg.get_language() == 1) notice.icon = Icon::critical;
+    program.say(notice);
+}
+
 }  // namespace
 
 void main::localize() {
@@ -140,5 +169,9 @@ void main::caption_all(const char* Twin::*language) {
     for (const MenuCaption& row : menu_captions)
         (this->*row.item).set_caption(row.caption.*language);
 }
+
+void main::mm41_Click() { store_country(program_, german); }
+
+void main::mm42_Click() { store_country(program_, english); }
 
 }  // namespace britlock

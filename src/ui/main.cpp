@@ -123,12 +123,11 @@ void main::close_by_frame() { program_.toolkit.end_process(); }
 void main::connect_events() {
     SSListBar1.on_item_click = [this](int item) { SSListBar1_Click(item); };
     tab.on_click = [this] { tab_Click(); };
-    on_help = [this] { open_help(); };
+    on_help = [this] { open_help("-n " + std::to_string(help_context) + " "); };
     Combo_user.on_click = [this] { hive(hive_load); };
     Combo_user.on_got_focus = [this] { Combo_user_GotFocus(); };
     cmd_set.on_click = [this] { hive(hive_save); };
     cm01.on_click = [this] { cm01_Click(); };
-    cm01.is_cancel = true;
     cm02.on_click = [this] { cm02_Click(); };
     StatusBar.on_mouse_down = [this](toolkit::MouseButton button, int x) { StatusBar_MouseDown(button, x); };
     Timer1.on_timer = [this] { Timer1_Timer(); };
@@ -156,6 +155,8 @@ void main::connect_events() {
     mm22.on_click = [this] { mm22_Click(); };
     mm23.on_click = [this] { mm23_Click(); };
     mm24.on_click = [this] { mm24_Click(); };
+    mm41.on_click = [this] { mm41_Click(); };
+    mm42.on_click = [this] { mm42_Click(); };
     toolkit::MenuItem* const pages[] = {&mm31, &mm32, &mm33, &mm34, &mm35, &mm36, &mm37, &mm38, &mm39};
     for (int page = 1; page <= 9; ++page)
         pages[page - 1]->on_click = [this, page] { go_to_page(page); };

@@ -37,7 +37,8 @@ struct main : toolkit::Form {
     void cm01_Click();
     void cm02_Click();
     void mm23_Click();
-    void open_help();
+    /// `topic`: the viewer's option that leads to one, with a blank behind it; empty: the contents.
+    void open_help(const std::string& topic = "");
 
     // --- ui: texts
     void localize();
@@ -82,6 +83,8 @@ struct main : toolkit::Form {
     void mm21_Click();
     void mm22_Click();
     void mm24_Click();
+    void mm41_Click();
+    void mm42_Click();
 
     // --- the state of the form beside its controls
     static constexpr int last_index = 610;

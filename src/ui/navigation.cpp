@@ -84,9 +84,10 @@ void main::tab_Click() {
 }
 
 /// Help is a file of Windows' own viewer; where viewer or file are missing, nothing is said.
-void main::open_help() {
+void main::open_help(const std::string& topic) {
     const std::string file = program_.machine.system.program_directory() + "\\britlock.hlp";
-    (void)program_.machine.processes.start("winhlp32.exe " + file, machine::WindowStyle::normal_focus);
+    (void)program_.machine.processes.start("winhlp32.exe " + topic + file,
+                                           machine::WindowStyle::normal_focus);
 }
 
 void main::homepage() { program_.toolkit.message_box({.text = "Hier kommt link zur Page"}); }

@@ -222,6 +222,9 @@ TEST_F(Pages, TheScanWalksBreadthFirst) {
     }
     EXPECT_EQ(list().back(), "1.EXE");
     EXPECT_EQ(window->gesamtfiles.text(), "Total: 5") << "the count was not reached";
+    w.screen.expect_input("D:\\");
+    w.click(window->cm45);
+    EXPECT_EQ(window->gesamtfiles.text(), "Total: 6") << "an empty disk is one like others";
     w.screen.expect_input("Q:\\");
     box("Error");
     w.click(window->cm45);
@@ -362,6 +365,10 @@ TEST_F(Pages, TheUsersBoxShowsButNeverTakesText) {
     EXPECT_EQ(window->StatusBar.panel_text(5), "12:34:56");
     EXPECT_FALSE(window->mm4.visible());
     w.click(window->mm41);  // hidden: nobody can reach it
+    box("Language English...");
+    w.screen.act([&] { window->mm42_Click(); });
+    EXPECT_EQ(w.screen.boxes.back().icon, toolkit::Icon::critical);
+    EXPECT_EQ(w.windows.registry.at(HKEY_LOCAL_MACHINE, product_key).values["Country"], text_value("1"));
 }
 
 }  // namespace

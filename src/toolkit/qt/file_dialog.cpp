@@ -165,9 +165,10 @@ void FileWindow::accept() {
 std::string ask_file(const FileDialog& dialog, FolderSource& source, std::string& last_folder,
                      QWidget* parent) {
     FileWindow window(dialog, source, parent);
-    const auto drives = or_empty([&] { return source.drives(); });
-    const std::string first_drive = drives.empty() ? "C:\\" : std::string{drives.front(), ':', '\\'};
-    for (const std::string& start : {dialog.start_folder, last_folder, first_drive}) {
+    std::vector<std::string> starts{dialog.start_folder, last_folder, "C:\\"};
+    for (const char drive : or_empty([&] { return source.drives(); }))
+        starts.push_back({drive, ':', '\\'});  // any that is there: a drive can be empty
+    for (const std::string& start : starts) {
         if (!start.empty() && window.open_folder(start)) break;
     }
     if (window.exec() != QDialog::Accepted) return {};
