@@ -70,8 +70,14 @@ LineList::LineList(QWidget* parent) : QListView(parent), lines_(new Lines(this))
 }
 
 void LineList::select(int row) {
-    if (row == selected() && selectionModel()->hasSelection() == (row >= 0)) return;
+    if (row == selected()) return;
     selectionModel()->setCurrentIndex(lines_->index(row), QItemSelectionModel::ClearAndSelect);
+}
+
+/// The line with the frame of the focus is another thing: Qt gives it to the first line at once.
+int LineList::selected() const {
+    const QModelIndexList chosen = selectionModel()->selectedIndexes();
+    return chosen.isEmpty() ? -1 : chosen.first().row();
 }
 
 void LineList::mousePressEvent(QMouseEvent* event) {
@@ -97,7 +103,12 @@ void LineList::keyPressEvent(QKeyEvent* event) {
         return;
     }
     const int before = selected();
-    QListView::keyPressEvent(event);
+    const bool arrow = event->key() == Qt::Key_Down || event->key() == Qt::Key_Up;
+    if (arrow && before < 0) {
+        select(0);  // the first line has been passed over by nobody
+    } else {
+        QListView::keyPressEvent(event);
+    }
     if (selected() != before) tell(on_move, selected());
 }
 

@@ -48,7 +48,7 @@ class LineList : public QListView {
 
     /// -1: none.
     void select(int row);
-    int selected() const { return currentIndex().row(); }
+    int selected() const;
 
   protected:
     void mousePressEvent(QMouseEvent* event) override;
