@@ -43,7 +43,7 @@ bool like(std::string_view text, std::string_view pattern) {
         }
         if (p < pattern.size() && t < text.size()) {
             const char c = pattern[next++];
-            fits = c == '?' || c == text[t] || (c == '#' && text[t] >= '0' && text[t] <= '9');
+            fits = c == '?' || (c == '#' ? text[t] >= '0' && text[t] <= '9' : c == text[t]);
             if (c == '[') fits = in_class(text[t], pattern, next);
         }
         if (fits) {

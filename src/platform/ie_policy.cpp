@@ -1,4 +1,3 @@
-#include "base/runtime_error.h"
 #include "platform/numbers.h"
 #include "platform/registry_mod.h"
 
@@ -30,9 +29,9 @@ std::string REGISTRY_MOD::ie_policy_read(std::string_view name) {
     // A missing value or a text leaves the disposition of the last key: a value that is missing reads as set
     // where the key could be made. On Windows NT no key of that name lies under HKEY_USERS, so there it reads
     // as 0.
-    const std::string read = reg_read_value(HKEY_CURRENT_USER, restrictions_key, name);
-    const bool is_number = !read.empty() && read.find('\0') == std::string::npos;
-    if (is_number) ignoring_errors([&] { number = to_long(leading_number(read)); });
+    const auto stored = reg_query_value(HKEY_CURRENT_USER, restrictions_key, name);
+    if (stored && stored->type == machine::reg_dword)
+        number = to_long(leading_number(reg_read_value(HKEY_CURRENT_USER, restrictions_key, name)));
     return number_text(number);
 }
 

@@ -1,7 +1,7 @@
 #include "platform/numbers.h"
 
+#include <charconv>
 #include <cmath>
-#include <cstdlib>
 #include <limits>
 
 #include "base/runtime_error.h"
@@ -67,8 +67,13 @@ double leading_number(std::string_view text) {
     }
     if (dense.starts_with("&H")) return based_number(std::string_view(dense).substr(2), 16);
     if (dense.starts_with("&O")) return based_number(std::string_view(dense).substr(2), 8);
-    const double number = std::strtod(decimal_prefix(dense).c_str(), nullptr);
-    if (std::isinf(number)) throw RuntimeError(6);
+    const std::string prefix = decimal_prefix(dense);
+    const char* digits = prefix.c_str() + (prefix.starts_with('+') ? 1 : 0);
+    double number = 0;
+    // No function of the C library: a desktop in German sets its decimal comma for the whole process.
+    const auto read = std::from_chars(digits, prefix.c_str() + prefix.size(), number);
+    const bool tiny = prefix.find("e-") != std::string::npos;
+    if (read.ec == std::errc::result_out_of_range && !tiny) throw RuntimeError(6);
     return number;
 }
 

@@ -12,6 +12,8 @@
 #include "toolkit/qt/qt_toolkit.h"
 #include "ui/main.h"
 
+using namespace text::literals;
+
 /// The entry of the Linux edition: the only place that knows what stands behind the program's machine and
 /// toolkit.
 namespace {
@@ -34,6 +36,16 @@ class PhotographedToolkit : public toolkit::QtToolkit {
 };
 
 std::string executables_folder() { return std::filesystem::read_symlink("/proc/self/exe").parent_path(); }
+
+/// What is said around the name of the user whose changes did not reach the disk, by language.
+struct LostChanges {
+    std::string before;
+    std::string behind;
+};
+const LostChanges lost_changes[] = {
+    {U"Die Einschränkungen von "_ansi, " wurden nicht gespeichert: "},
+    {"The restrictions of ", " were not saved: "},
+};
 
 bool has_display() {
     for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
@@ -89,15 +101,16 @@ int run(const Options& options) {
     wanted.command_line = command_line.value_or("");
     wanted.state_folder = options.state_folder;
     wanted.on_lost_changes = [&screen](const std::string& user, const std::string& why) {
-        screen->message_box({.text = "The restrictions of " + user + " were not saved: " +
-                                     text::from_utf8(why).value_or("the hive tool failed."),
+        const LostChanges& says = lost_changes[BRITLOCK_LANGUAGE];
+        screen->message_box({.text = says.before + text::from_utf8(user).value_or("?") + says.behind +
+                                     text::from_utf8(why).value_or("regg.exe"),
                              .icon = toolkit::Icon::critical});
     };
     auto windows = machine::OfflineMachine::open(wanted);
     if (!windows) return complain(windows.error().message);
 
     machine::Machine its = (*windows)->machine();
-    machine::prepare_installation(its.registry);
+    if (options.command_line != "/icon") machine::prepare_installation(its.registry);
     britlock::FolderBrowser folders(its);
     static char name[] = "britlock";
     char* arguments[] = {name, nullptr};

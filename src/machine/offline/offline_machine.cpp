@@ -53,7 +53,7 @@ OfflineMachine::OfflineMachine(DriveMap drives, Installation installation, HostP
     : drives_(std::move(drives)),
       installation_(std::move(installation)),
       mounts_(std::move(mounts)),
-      system_(drives_, installation_, options.program_directory, options.command_line),
+      system_(drives_, installation_, parse_path(options.program_directory)->text(), options.command_line),
       files_(drives_, mounts_, system_),
       registry_(drives_, mounts_, std::move(software_hive), std::move(user_hive)),
       processes_(drives_, mounts_, registry_, system_, options.on_lost_changes) {}
