@@ -63,9 +63,11 @@ std::string HIVER_MOD::tool_path() const {
 
 HIVER_MOD::FileStatus HIVER_MOD::hive_file_status(std::string_view path) {
     const auto file = program_.machine.files.open_binary(path);
-    switch (file.error) {
+    if (file.error == machine::no_error && file.length > 0) return usable;
+    const bool empty = file.error == machine::no_error;
+    switch (empty ? program_.machine.files.remove(path) : file.error) {
         case machine::no_error:
-            break;
+            return missing;
         case machine::permission_denied:
         case machine::path_access:
             return in_use;
@@ -74,9 +76,6 @@ HIVER_MOD::FileStatus HIVER_MOD::hive_file_status(std::string_view path) {
         default:
             return other;
     }
-    if (file.length > 0) return usable;
-    (void)program_.machine.files.remove(path);
-    return missing;
 }
 
 /// True where the file cannot be used. The status is asked anew for every box, as each is a test of its own.
