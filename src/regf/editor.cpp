@@ -168,8 +168,9 @@ const char* Editor::leaf_kind(const Leaf* old, size_t count) const {
 void Editor::insert_subkey(uint32_t parent, uint32_t child) {
     auto leaves = subkey_lists(image_, key(parent)).leaves;
     if (leaves.empty()) {
-        return put32(record(parent), nk::subkey_list,
-                     store_list(std::nullopt, leaf_kind(nullptr, 1), {child}));
+        // A list may move the image: the parent's record is looked up behind it.
+        const uint32_t first = store_list(std::nullopt, leaf_kind(nullptr, 1), {child});
+        return put32(record(parent), nk::subkey_list, first);
     }
     const std::u16string name = key_name(key(child));
     auto before = [&](uint32_t other) { return compare_key_name(key(other), name) < 0; };
