@@ -28,26 +28,28 @@ uint32_t Image::minor_version() const {
     return base_size_ < base_block_size ? 0 : get32(bytes_, base_block::minor);
 }
 
-void Image::fail(uint32_t offset, std::string text) {
-    if (!problem_) problem_ = Problem{in_file(offset), std::move(text)};
+void Image::fail(uint64_t file_offset, std::string text) {
+    if (!problem_) problem_ = Problem{file_offset, std::move(text)};
 }
 
 void Image::walk_bins() {
     const uint32_t told = get32(bytes_, base_block::bins_size);
     const uint64_t room =
         std::min<uint64_t>(bytes_.size() - base_block_size, largest_bins_size) / bin_unit * bin_unit;
-    if (told == 0 || told % bin_unit != 0) fail(0, "the size of the hive bins is no multiple of 4096");
-    if (told > room) fail(static_cast<uint32_t>(room), "the file ends before its last hive bin");
+    if (told == 0 || told % bin_unit != 0)
+        fail(base_block::bins_size, "the size of the hive bins is no multiple of 4096");
+    if (told > room) fail(in_file(static_cast<uint32_t>(room)), "the file ends before its last hive bin");
     const auto end = static_cast<uint32_t>(std::min<uint64_t>(told / bin_unit * bin_unit, room));
     bins_size_ = end;
     used_.assign(end / 8, false);
     for (uint32_t at = 0; at < end;) {
         const auto header = std::span<const uint8_t>(bytes_).subspan(in_file(at), bin_header_size);
         const uint32_t size = get32(header, bin::size);
-        if (!has_signature(header, "hbin")) return fail(at, "no hive bin begins here");
-        if (get32(header, bin::offset) != at) return fail(at, "a hive bin tells another place than its own");
+        if (!has_signature(header, "hbin")) return fail(in_file(at), "no hive bin begins here");
+        if (get32(header, bin::offset) != at)
+            return fail(in_file(at), "a hive bin tells another place than its own");
         if (size == 0 || size % bin_unit != 0 || size > end - at)
-            return fail(at, "a hive bin of impossible size");
+            return fail(in_file(at), "a hive bin of impossible size");
         if (!walk_cells(at + bin_header_size, at + size)) return;
         at += size;
     }
@@ -59,7 +61,7 @@ bool Image::walk_cells(uint32_t at, uint32_t bin_end) {
         const int64_t field = size_field(at);
         const int64_t size = field < 0 ? -field : field;
         if (size < 8 || size % 8 != 0 || size > bin_end - at) {
-            fail(at, "a cell of impossible size");
+            fail(in_file(at), "a cell of impossible size");
             return false;
         }
         const bool free = field > 0;

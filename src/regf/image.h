@@ -58,7 +58,7 @@ class Image {
 
     void walk_bins();
     bool walk_cells(uint32_t bin_start, uint32_t bin_end);
-    void fail(uint32_t offset, std::string text);
+    void fail(uint64_t file_offset, std::string text);
     void note_free(uint32_t offset, uint32_t size);
     FreeCells::iterator forget_free(FreeCells::iterator cell);
     int32_t size_field(uint32_t offset) const;

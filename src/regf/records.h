@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "regf/image.h"
+#include "regf/layout.h"
 #include "regf/names.h"
 
 /// Reading the records of an image. Every offset goes through Image::cell; an answer of none means that the
@@ -45,9 +46,9 @@ std::optional<uint32_t> find_value(const Image& image, CellView key, std::u16str
 
 /// The cells that hold a value's data, with what each must have.
 struct DataPlace {
-    uint32_t size = 0;           ///< bytes
-    bool resident = false;       ///< in the value record itself
-    uint32_t cell = 0xFFFFFFFF;  ///< the data, or the big-data record
+    uint32_t size = 0;      ///< bytes
+    bool resident = false;  ///< in the value record itself
+    uint32_t cell = nil;    ///< the data, or the big-data record
     std::optional<uint32_t> segment_list;
     std::vector<uint32_t> segments;
 };
