@@ -8,15 +8,13 @@ namespace machine {
 using WinCode = uint32_t;
 
 constexpr WinCode success = 0;
-constexpr WinCode file_not_found = 2;  ///< no such key, no such value
-constexpr WinCode access_denied = 5;   ///< no right, or a place where Windows allows no key
-constexpr WinCode invalid_handle = 6;
+constexpr WinCode file_not_found = 2;      ///< no such key, no such value
+constexpr WinCode access_denied = 5;       ///< no right, or a place where Windows allows no key
 constexpr WinCode invalid_parameter = 87;  ///< a name that is too long
 constexpr WinCode disk_full = 112;
 constexpr WinCode bad_path_name = 161;  ///< a subkey that begins with a backslash
 constexpr WinCode more_data = 234;
 constexpr WinCode no_more_items = 259;
-constexpr WinCode key_deleted = 1018;
 constexpr WinCode registry_corrupt = 1015;
 constexpr WinCode registry_io_failed = 1016;
 constexpr WinCode no_such_spelling = 1113;  ///< a text whose letters the code page does not tell apart
