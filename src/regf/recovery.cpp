@@ -36,10 +36,18 @@ struct Page {
     ByteView bytes;
 };
 
-/// False where neither the file nor the log can fill so many bins.
-bool grow_to(Bytes& image, uint32_t bins_size, const Bytes& log) {
+/// The largest hive that a file and its logs can fill.
+uint64_t room_in(const Bytes& primary, const std::vector<Log>& logs) {
+    uint64_t room = primary.size();
+    for (const Log& log : logs)
+        room += log.bytes.size();
+    return std::min(room, largest_file);
+}
+
+/// False where there is nothing to fill so many bins with.
+bool grow_to(Bytes& image, uint32_t bins_size, uint64_t room) {
     const uint64_t size = base_block_size + uint64_t{bins_size};
-    if (size > image.size() + log.size()) return false;
+    if (size > room) return false;
     image.resize(std::max<uint64_t>(image.size(), size));
     return true;
 }
@@ -106,7 +114,7 @@ std::optional<Bytes> replay_old(const Bytes& primary, const std::vector<Log>& lo
             put32(image, field, get32(*best, field));
         }
     }
-    if (!grow_to(image, get32(*best, base_block::bins_size), *best)) return std::nullopt;
+    if (!grow_to(image, get32(*best, base_block::bins_size), room_in(primary, logs))) return std::nullopt;
     write_pages(image, pages);
     finish(image, sequence);
     return image;
@@ -210,7 +218,7 @@ std::optional<Bytes> replay_new(const Bytes& primary, const std::vector<Log>& lo
     for (const Bytes* log : usable) {
         if (primary_sequence(*log) != next) break;
         for (const Entry& entry : read_entries(*log)) {
-            if (!grow_to(image, entry.bins_size, *log)) return std::nullopt;
+            if (!grow_to(image, entry.bins_size, room_in(primary, logs))) return std::nullopt;
             write_pages(image, entry.pages);
             put32(image, base_block::bins_size, entry.bins_size);
             put32(image, base_block::flags, (get32(image, base_block::flags) & ~1u) | (entry.flags & 1));
