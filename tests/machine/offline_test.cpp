@@ -9,6 +9,8 @@
 
 #include <array>
 
+#include <csignal>
+#include <thread>
 #include "base/text.h"
 #include "machine/hive_editing.h"
 #include "machine/memory/journal.h"
@@ -377,6 +379,13 @@ TEST(DriveMap, TellsTheHiveToolOfFoldersWithAnyName) {
 }
 
 TEST(MountRecord, EndsAtTheFirstFrameThatIsNotWhole) {
+TEST(OfflineProcesses, CountAsFailedWhereNothingIsKnownOfTheirEnd) {
+    OfflineFixture fixture;
+    (void)std::signal(SIGCHLD, SIG_IGN);
+    EXPECT_EQ(fixture.unload("Nobody"), 1u);
+    (void)std::signal(SIGCHLD, SIG_DFL);
+}
+
     regf::Change change{regf::Change::Kind::set_value, u"Software\\Ж", u"", {4, {1, 0, 0, 0}}, 77};
     const std::string mount = mount_frame({"Anna", "C:\\x", {1, 2, 3, -4, 5, 6, 7}});
     const std::string sealed = mount + change_frame(change) + seal_frame();

@@ -1,3 +1,4 @@
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
@@ -135,6 +136,7 @@ int run(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    (void)std::signal(SIGCHLD, SIG_DFL);  // ignored by who started us, the hive tool's end would be lost
     try {
         const auto parsed = parse_options(argc, argv);
         if (const auto* wrong = std::get_if<std::string>(&parsed)) {

@@ -107,14 +107,17 @@ uint32_t OfflineProcesses::exit_code(uint32_t id) {
     pollfd waiting{child.messages.number(), POLLIN, 0};
     (void)poll(&waiting, 1, poll_milliseconds);
     int status = 0;
-    if (waitpid(child.process, &status, WNOHANG) == 0) return still_active;
-    finish(child, status);
+    const pid_t ended = waitpid(child.process, &status, WNOHANG);
+    if (ended == 0) return still_active;
+    // Where nothing is known of its end it counts as failed.
+    finish(child,
+           ended == child.process && WIFEXITED(status) ? static_cast<uint32_t>(WEXITSTATUS(status)) : 1);
     return child.code;
 }
 
-void OfflineProcesses::finish(Child& child, int status) {
+void OfflineProcesses::finish(Child& child, uint32_t code) {
     child.process = 0;
-    child.code = WIFEXITED(status) ? static_cast<uint32_t>(WEXITSTATUS(status)) : 1;
+    child.code = code;
     std::array<char, 4096> piece{};
     for (ssize_t size = 0; (size = read(child.messages.number(), piece.data(), piece.size())) > 0;)
         child.message.append(piece.data(), static_cast<size_t>(size));

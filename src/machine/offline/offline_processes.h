@@ -46,7 +46,7 @@ class OfflineProcesses : public Processes {
     Started start_hive_tool(const std::string& host_program, const std::string& arguments);
     Started open_folder_window(const std::string& folder);
     Started run(const std::vector<std::string>& arguments, Child child, int error_output);
-    void finish(Child& child, int status);
+    void finish(Child& child, uint32_t code);
 
     const DriveMap& drives_;
     const MountTable& mounts_;
