@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -11,25 +10,7 @@
 
 #include "machine/offline/offline_machine.h"
 #include "machine/offline/sample_installation.h"
-
-/// A folder that goes away with its owner.
-class TemporaryFolder {
-  public:
-    TemporaryFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "brightlock-XXXXXX").string();
-        path_ = mkdtemp(name.data());
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    ~TemporaryFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    const std::filesystem::path& path() const { return path_; }
-
-  private:
-    std::filesystem::path path_;
-};
+#include "temporary_folder.h"
 
 inline std::string bytes_of(const std::filesystem::path& file) {
     std::ifstream in(file, std::ios::binary);

@@ -6,7 +6,6 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <memory>
@@ -98,17 +97,6 @@ void expect_same(const std::string& ours, const std::string& theirs, const std::
         return s.substr(static_cast<size_t>(start), 160);
     };
     ADD_FAILURE() << what << "\n ours:   ..." << around(ours, a) << "\n theirs: ..." << around(theirs, b);
-}
-
-TemporaryFolder::TemporaryFolder() {
-    std::string pattern = std::filesystem::temp_directory_path() / "hive-XXXXXX";
-    if (!mkdtemp(pattern.data())) std::abort();
-    path_ = pattern;
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
 }
 
 }  // namespace regf

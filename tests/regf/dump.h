@@ -3,6 +3,7 @@
 #include <string>
 
 #include "regf/hive.h"
+#include "temporary_folder.h"
 
 namespace regf {
 
@@ -20,17 +21,5 @@ std::string foreign_dump(const std::string& file);
 bool foreign_reader_is_there();
 /// Fails the test with the surroundings of the first difference.
 void expect_same(const std::string& ours, const std::string& theirs, const std::string& what);
-
-/// A folder of its own for each test, gone afterwards.
-class TemporaryFolder {
-  public:
-    TemporaryFolder();
-    ~TemporaryFolder();
-    const std::string& path() const { return path_; }
-    std::string operator/(const std::string& name) const { return path_ + "/" + name; }
-
-  private:
-    std::string path_;
-};
 
 }  // namespace regf
