@@ -8,12 +8,14 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <filesystem>
 #include <functional>
+#include <numeric>
+#include <set>
 
 #include "regf/dump.h"
 #include "regf/file.h"
-#include "regf/system_calls.h"
 
 namespace regf {
 namespace {
@@ -43,14 +45,14 @@ struct HiveFiles : testing::Test {
         return commit(place, file->hive, file->identity, 5);
     }
     std::string files() const {
-        std::string out;
+        std::set<std::string> names;
         for (const auto& entry : fs::directory_iterator(folder.path()))
-            out += entry.path().filename().string() + " ";
-        return out;
+            names.insert(entry.path().filename().string() + " ");
+        return std::accumulate(names.begin(), names.end(), std::string());
     }
 
     TemporaryFolder folder;
-    FilePlace place{-100, folder / "user.dat"};
+    FilePlace place{AT_FDCWD, folder / "user.dat"};
     Bytes old_image;
 };
 
@@ -117,7 +119,35 @@ TEST_F(HiveFiles, ChangedMeanwhileAreLeftAlone) {
     ASSERT_FALSE(present);
     EXPECT_EQ(present.error().kind, ErrorKind::refused);
     EXPECT_TRUE(read_file(place.name) == theirs);
+    fs::remove(place.name);
+    fail_system_call = [&](const std::string& call) {
+        if (call == "rename") write_file(place.name, theirs);
+        return 0;
+    };
+    EXPECT_FALSE(write_new(place, file->hive, 5)) << "there since the last moment";
+    EXPECT_TRUE(read_file(place.name) == theirs);
     EXPECT_EQ(files(), "user.dat ");
+}
+
+TEST_F(HiveFiles, AreReplacedInSpiteOfWhatLiesBeside) {
+    const auto be_killed_at = [&](const std::string& doomed) {
+        (void)in_child([&] {
+            fail_system_call = [&](const char* call) { return call == doomed ? raise(SIGKILL) : 0; };
+            return change_file() ? 1 : 0;
+        });
+    };
+    be_killed_at("rename");
+    const std::string leftover = files();
+    ASSERT_NE(leftover, "user.dat ");
+    const std::string name = leftover.substr(0, leftover.find(' '));
+    ASSERT_TRUE(change_file());
+    EXPECT_EQ(files(), "user.dat ") << "what the killed run left";
+
+    fs::create_directory(folder / name);
+    be_killed_at("rename");
+    EXPECT_TRUE(read_file(place.name) != old_image);
+    ASSERT_TRUE(change_file());
+    EXPECT_EQ(files(), name + " user.dat ") << "a folder that somebody made";
 }
 
 TEST_F(HiveFiles, HeldByAnotherProgramAreInUse) {
@@ -158,7 +188,7 @@ TEST_F(HiveFiles, AreRegularFilesOnly) {
     fs::create_directory(folder / "folder");
     for (const char* name : {"pipe", "link", "folder", "none"}) {
         SCOPED_TRACE(name);
-        const auto lock = FileLock::acquire({-100, folder / name});
+        const auto lock = FileLock::acquire({AT_FDCWD, folder / name});
         ASSERT_FALSE(lock);
         EXPECT_THAT(lock.error().message, HasSubstr(name));
         EXPECT_EQ(lock.error().kind, std::string(name) == "none" ? ErrorKind::missing : ErrorKind::refused);
@@ -166,7 +196,6 @@ TEST_F(HiveFiles, AreRegularFilesOnly) {
 }
 
 TEST_F(HiveFiles, KeepModeOwnerAndAttributes) {
-    write_file(folder / "user.dat.brightlock-new", {1, 2, 3});  // of a run that was killed
     ASSERT_EQ(chmod(place.name.c_str(), 0640), 0);
     if (geteuid() == 0) {
         ASSERT_EQ(chown(place.name.c_str(), 12, 34), 0);

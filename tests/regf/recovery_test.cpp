@@ -221,7 +221,7 @@ TEST_F(Recovery, DoesNotMakeAHiveOfALaterVersionWritable) {
 
 TEST_F(Recovery, OfAFileIsCommittedClean) {
     TemporaryFolder folder;
-    const FilePlace place{-100, folder / "SYSTEM"};
+    const FilePlace place{AT_FDCWD, folder / "SYSTEM"};
     Bytes dirty = first;
     set_sequences(dirty, 8, 7);
     write_file(place.name, dirty);

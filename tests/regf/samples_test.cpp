@@ -23,7 +23,7 @@ struct Samples : testing::Test {
 };
 
 Result<HiveFile> open_file(const fs::path& file) {
-    const FilePlace place{-100, file.string()};
+    const FilePlace place{AT_FDCWD, file.string()};
     auto lock = FileLock::acquire(place);
     if (!lock) return lock.error();
     return read_hive(place, *lock);
@@ -102,7 +102,7 @@ TEST_F(Samples, WithRulesBrokenAreNeverWritten) {
 
 TEST_F(Samples, ARealUserHiveKeepsItsSizeHoweverOftenItIsWritten) {
     TemporaryFolder folder;
-    const FilePlace place{-100, folder / "NTUSER.DAT"};
+    const FilePlace place{AT_FDCWD, folder / "NTUSER.DAT"};
     fs::copy_file(samples / "xp-user.NTUSER.DAT", place.name);
     auto apply = [&](int run) {
         auto lock = FileLock::acquire(place);

@@ -168,7 +168,7 @@ TEST(HiveTool, SaysInOneLineWhyItRefuses) {
         {"load 'NTUSER.DAT' 'HKU\\Ben'", "not the full path"},
         {"load 'C:\\none.dat' 'HKU\\Ben'", "is not there"},
         {"load 'Z:\\none.dat' 'HKU\\Ben'", "is not there"},
-        {"load 'C:\\WINDOWS' 'HKU\\Ben'", "directory"},
+        {"load 'C:\\WINDOWS' 'HKU\\Ben'", "not a regular file"},
         {"load 'C:\\text.dat' 'HKU\\Ben'", "text.dat: not a registry hive"},
         {"load 'C:\\empty.dat' 'HKU\\Ben'", "empty.dat: not a registry hive"},
         {"load 'C:\\damaged.dat' 'HKU\\Ben'", "damaged at 0x"},

@@ -1,30 +1,18 @@
 #include "machine/offline/file_attributes.h"
 
 #include <fcntl.h>
-#include <linux/msdos_fs.h>
-#include <sys/ioctl.h>
-#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <optional>
+
+#include "regf/replacement.h"
 
 namespace machine {
 
 namespace {
 
-constexpr auto ntfs_attributes = "system.ntfs_attrib";
 constexpr mode_t write_bits = S_IWUSR | S_IWGRP | S_IWOTH;
 constexpr uint32_t settable = attribute_read_only | attribute_hidden | attribute_system | attribute_archive;
-
-/// As the file system keeps them; none where it keeps no such thing.
-std::optional<uint32_t> kept_attributes(int file) {
-    uint32_t attributes = 0;
-    if (fgetxattr(file, ntfs_attributes, &attributes, sizeof attributes) == sizeof attributes)
-        return attributes;
-    if (ioctl(file, FAT_IOCTL_GET_ATTRIBUTES, &attributes) == 0) return attributes;
-    return std::nullopt;
-}
 
 Descriptor open_either(const HostPlace& place) {
     return Descriptor(
@@ -43,7 +31,8 @@ uint32_t attributes_of(const HostPlace& place) {
     uint32_t attributes = attribute_normal;
     if ((status.st_mode & write_bits) == 0) attributes = attribute_read_only;
     if (const Descriptor file = open_either(place); file.is_open()) {
-        attributes = kept_attributes(file.number()).value_or(attributes) & settable;
+        const auto kept = regf::dos_attributes(file.number());
+        attributes = (kept ? kept->bits : attributes) & settable;
         if (is_link(file, status)) attributes |= attribute_reparse_point;
     }
     if (S_ISDIR(status.st_mode)) attributes |= attribute_directory;
@@ -57,11 +46,9 @@ FileError set_attributes_of(const HostPlace& place, uint32_t attributes) {
     const Descriptor file = open_either(place);
     if (!file.is_open()) return file_error(errno);
 
-    if (const auto kept = kept_attributes(file.number())) {
-        uint32_t changed = (*kept & ~settable) | (attributes & settable);
-        const bool done = fsetxattr(file.number(), ntfs_attributes, &changed, sizeof changed, 0) == 0 ||
-                          ioctl(file.number(), FAT_IOCTL_SET_ATTRIBUTES, &changed) == 0;
-        return done ? no_error : file_error(errno);
+    if (auto kept = regf::dos_attributes(file.number())) {
+        kept->bits = (kept->bits & ~settable) | (attributes & settable);
+        return regf::set_dos_attributes(file.number(), *kept) ? no_error : file_error(errno);
     }
     struct stat status {};
     if (fstat(file.number(), &status) != 0) return file_error(errno);

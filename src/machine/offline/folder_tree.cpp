@@ -13,10 +13,6 @@ namespace machine {
 
 namespace {
 
-bool same_file(const struct stat& a, const struct stat& b) {
-    return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
-}
-
 /// The place for a copy: what bears its name there, without regard to case where Windows can spell it.
 FileResult<HostPlace> place_in(const Descriptor& folder, const std::string& name) {
     if (const auto ansi = text::from_utf8(name)) return find_in(folder.duplicate(), *ansi);
@@ -73,7 +69,7 @@ FileError copy_below(const Descriptor& from, const Descriptor& to, const struct 
         if (!folder) return folder.error();
         struct stat status {};
         if (fstat(folder->number(), &status) != 0) return file_error(errno);
-        if (status.st_dev != from_status.st_dev || same_file(status, root_of_copy)) continue;
+        if (status.st_dev != from_status.st_dev || regf::is_same_file(status, root_of_copy)) continue;
         if (!target->exists && mkdirat(to.number(), target->name.c_str(), 0777) != 0)
             return file_error(errno);
         const auto copy = open_folder(to.number(), target->name);
@@ -113,7 +109,7 @@ FileError copy_content(const Descriptor& from, const Descriptor& to) {
     struct stat source {};
     struct stat target {};
     if (fstat(from.number(), &source) != 0 || fstat(to.number(), &target) != 0) return file_error(errno);
-    if (same_file(source, target)) return permission_denied;
+    if (regf::is_same_file(source, target)) return permission_denied;
     return copy_below(from, to, target);
 }
 

@@ -3,9 +3,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <chrono>
-#include <thread>
-
 #include "machine/offline/file_attributes.h"
 
 namespace machine {
@@ -31,17 +28,6 @@ WinCode win_code(regf::ErrorKind kind) {
             return access_denied;
     }
     return access_denied;
-}
-
-regf::Result<regf::FileLock> lock_with_patience(const regf::FilePlace& place,
-                                                regf::FileLock::Purpose purpose) {
-    constexpr int tries = 200;
-    constexpr auto pause = std::chrono::milliseconds(10);
-    for (int i = 1;; ++i) {
-        auto lock = regf::FileLock::acquire(place, purpose);
-        if (lock || lock.error().kind != regf::ErrorKind::in_use || i == tries) return lock;
-        std::this_thread::sleep_for(pause);
-    }
 }
 
 HiveStore::View FileHive::read() {

@@ -12,12 +12,6 @@ namespace machine {
 /// The Windows code for a failure of the hive library.
 WinCode win_code(regf::ErrorKind kind);
 
-/// A lock on a hive of the machine itself. Another instance of the program holds one for some milliseconds,
-/// while it commits: that is waited for, up to two seconds, since a refusal would read as if nothing were
-/// stored there.
-regf::Result<regf::FileLock> lock_with_patience(const regf::FilePlace& place,
-                                                regf::FileLock::Purpose purpose);
-
 /// A hive behind a part of the registry.
 class HiveStore {
   public:

@@ -1,62 +1,18 @@
 #include "machine/offline/host_file.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
-#include <memory>
+#include <thread>
 
 #include "base/text.h"
+#include "regf/replacement.h"
 
 namespace machine {
-
-namespace {
-
-/// What an NTFS driver shows of a file but leaves out of its list.
-constexpr std::array unlisted_attributes = {"system.ntfs_acl", "system.ntfs_attrib"};
-
-/// As far as the file system takes them: the content matters more than, say, an index flag.
-void copy_extended_attributes(int from, int to) {
-    std::vector<std::string> names(unlisted_attributes.begin(), unlisted_attributes.end());
-    std::string list(static_cast<size_t>(std::max<ssize_t>(flistxattr(from, nullptr, 0), 0)), '\0');
-    list.resize(static_cast<size_t>(std::max<ssize_t>(flistxattr(from, list.data(), list.size()), 0)));
-    for (size_t at = 0; at < list.size(); at += names.back().size() + 1)
-        names.emplace_back(list.c_str() + at);
-    for (const std::string& name : names) {
-        std::array<char, 65536> value{};
-        const ssize_t size = fgetxattr(from, name.c_str(), value.data(), value.size());
-        if (size >= 0) (void)fsetxattr(to, name.c_str(), value.data(), static_cast<size_t>(size), 0);
-    }
-}
-
-FileError take_over(const HostPlace& place, int to) {
-    const auto old = open_file(place, O_RDONLY);
-    if (!old) return old.error();
-    struct stat status {};
-    if (fstat(old->number(), &status) != 0) return file_error(errno);
-    (void)fchown(to, status.st_uid, status.st_gid);  // only root may give a file away
-    if (fchmod(to, status.st_mode & 07777) != 0) return file_error(errno);
-    copy_extended_attributes(old->number(), to);  // last: on NTFS a change of the mode rewrites the ACL
-    return no_error;
-}
-
-}  // namespace
-
-Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
-    std::swap(number_, other.number_);
-    return *this;
-}
-
-Descriptor::~Descriptor() {
-    if (number_ >= 0) (void)close(number_);
-}
-
-Descriptor Descriptor::duplicate() const { return Descriptor(fcntl(number_, F_DUPFD_CLOEXEC, 0)); }
 
 std::string HostPlace::path() const {
     std::array<char, 4096> target{};
@@ -68,44 +24,31 @@ std::string HostPlace::path() const {
     return above + (above.ends_with('/') ? "" : "/") + name;
 }
 
-FileError file_error(int number) {
-    switch (number) {
-        case ENOENT:
+FileError file_error(regf::ErrorKind kind) {
+    switch (kind) {
+        case regf::ErrorKind::missing:
             return no_such_file;
-        case ENOTDIR:
-            return no_such_path;
-        case EISDIR:
-            return path_access;
-        case ENAMETOOLONG:
-            return bad_file_name;
-        case ENOSPC:
-        case EDQUOT:
-        case EFBIG:
-            return device_full;
-        case EACCES:
-        case EPERM:
-        case EROFS:
-        case ELOOP:
-        case EBUSY:
-        case ETXTBSY:
-        case ENXIO:
+        case regf::ErrorKind::refused:
+        case regf::ErrorKind::in_use:
             return permission_denied;
+        case regf::ErrorKind::no_space:
+            return device_full;
+        case regf::ErrorKind::invalid:
+            return bad_file_name;
         default:
             return device_error;
     }
 }
 
+FileError file_error(int number) {
+    if (number == ENOTDIR) return no_such_path;
+    return number == EISDIR ? path_access : file_error(regf::kind_of(number));
+}
+
 FileResult<std::vector<std::string>> names_in(int folder) {
-    const int copy = openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (copy < 0) return file_error(errno);
-    const std::unique_ptr<DIR, int (*)(DIR*)> listing(fdopendir(copy), closedir);
-    if (!listing) return file_error(errno);
-    std::vector<std::string> names;
-    while (const dirent* entry = readdir(listing.get())) {
-        const std::string_view name = entry->d_name;
-        if (name != "." && name != "..") names.emplace_back(name);
-    }
-    return names;
+    auto names = regf::names_in(folder);
+    if (!names) return file_error(names.error().kind);
+    return std::move(*names);
 }
 
 bool is_link(const Descriptor& file, const struct stat& status) {
@@ -183,24 +126,31 @@ FileError write_all(int file, std::string_view bytes) {
 }
 
 FileError replace_file(const HostPlace& place, const std::function<FileError(int)>& fill) {
-    const int folder = place.folder.number();
-    const std::string beside = ".brightlock-" + std::to_string(getpid()) + ".tmp";
-    (void)unlinkat(folder, beside.c_str(), 0);  // of a run that was killed, in the unlikely case
-    const Descriptor file(
-        openat(folder, beside.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
-    if (!file.is_open()) return file_error(errno);
+    constexpr mode_t for_all = 0666;  // less what the person's umask takes away
+    FileResult<Descriptor> old = Descriptor();
+    struct stat status {};
+    if (place.exists) old = open_file(place, O_RDONLY);
+    if (!old) return old.error();
+    if (old->is_open() && fstat(old->number(), &status) != 0) return file_error(errno);
+    auto beside = regf::Replacement::begin(place.hive(), old->is_open() ? status.st_mode : for_all);
+    if (!beside) return file_error(beside.error().kind);
+    if (const FileError error = fill(beside->descriptor())) return error;
+    if (old->is_open()) (void)beside->take_over(old->number());  // what cannot be kept is passed over
+    if (const auto flushed = beside->flush(); !flushed) return file_error(flushed.error().kind);
+    const auto done = beside->put_in_place(regf::Replacement::Target::may_exist);
+    return done ? no_error : file_error(done.error().kind);
+}
 
-    FileError error = fill(file.number());
-    if (error == no_error && place.exists) error = take_over(place, file.number());
-    if (error == no_error && fsync(file.number()) != 0) error = file_error(errno);
-    if (error == no_error && renameat(folder, beside.c_str(), folder, place.name.c_str()) != 0)
-        error = file_error(errno);
-    if (error != no_error) {
-        (void)unlinkat(folder, beside.c_str(), 0);
-        return error;
+regf::Result<regf::FileLock> lock_with_patience(const regf::FilePlace& place, regf::FileLock::Purpose purpose,
+                                                std::chrono::milliseconds patience) {
+    constexpr auto pause = std::chrono::milliseconds(10);
+    const auto end = std::chrono::steady_clock::now() + patience;
+    for (;;) {
+        auto lock = regf::FileLock::acquire(place, purpose);
+        if (lock || lock.error().kind != regf::ErrorKind::in_use || std::chrono::steady_clock::now() > end)
+            return lock;
+        std::this_thread::sleep_for(pause);
     }
-    (void)fsync(folder);  // the content is safe already; some file systems flush no folder
-    return no_error;
 }
 
 regf::Result<Done> make_folders(const std::string& path) {

@@ -1,12 +1,9 @@
 #pragma once
 
-#include <sys/stat.h>
-
-#include <cstdint>
+#include <chrono>
 #include <functional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "base/result.h"
@@ -17,22 +14,7 @@
 /// followed, nothing but regular files and folders is opened.
 namespace machine {
 
-/// Owns an open file or folder.
-class Descriptor {
-  public:
-    Descriptor() = default;
-    explicit Descriptor(int number) : number_(number) {}
-    Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
-    Descriptor& operator=(Descriptor&& other) noexcept;
-    ~Descriptor();
-
-    int number() const { return number_; }
-    bool is_open() const { return number_ >= 0; }
-    Descriptor duplicate() const;
-
-  private:
-    int number_ = -1;
-};
+using regf::Descriptor;
 
 template <class T>
 using FileResult = BasicResult<T, FileError>;
@@ -48,8 +30,9 @@ struct HostPlace {
     std::string path() const;
 };
 
-/// The run-time error for a number of errno.
+/// The run-time error for a number of errno, or for a failure of the hive library.
 FileError file_error(int number);
+FileError file_error(regf::ErrorKind kind);
 
 /// Names of a folder, in the order of the disk, without "." and "..".
 FileResult<std::vector<std::string>> names_in(int folder);
@@ -69,9 +52,16 @@ FileResult<Descriptor> open_file(const HostPlace& place, int flags);
 FileResult<std::string> read_all(int file, size_t limit = size_t{64} << 20);
 FileError write_all(int file, std::string_view bytes);
 
-/// Puts a new file in the place of an old one or of none: `fill` writes it beside, it is flushed, takes over
-/// owner, mode and extended attributes, and the old name. The old file or the new one, whole.
+/// Puts a new file in the place of an old one or of none: `fill` writes it beside, it takes over the marks of
+/// the old one as far as they can be kept (the content matters more than, say, an index flag), and its name.
+/// The old file or the new one, whole.
 FileError replace_file(const HostPlace& place, const std::function<FileError(int)>& fill);
+
+/// Another instance of the program holds the lock on a hive for some milliseconds, while it reads or commits:
+/// that is waited for, since a refusal would read as if nothing were stored there.
+regf::Result<regf::FileLock> lock_with_patience(
+    const regf::FilePlace& place, regf::FileLock::Purpose purpose,
+    std::chrono::milliseconds patience = std::chrono::milliseconds(2000));
 
 /// Makes a folder and all above it, for this user alone.
 regf::Result<Done> make_folders(const std::string& path);

@@ -40,16 +40,6 @@ std::optional<std::string> find_windows(const DriveMap& drives) {
     return std::nullopt;
 }
 
-bool hibernates(const DriveMap& drives) {
-    const auto place = drives.resolve("C:\\hiberfil.sys");
-    if (!place || !place->exists) return false;
-    const auto file = open_file(*place, O_RDONLY);
-    std::array<char, 4096> header{};
-    const ssize_t size = file ? pread(file->number(), header.data(), header.size(), 0) : -1;
-    // A system that has woken up clears the header.
-    return size < 0 || std::any_of(header.begin(), header.end(), [](char c) { return c != '\0'; });
-}
-
 regf::Result<regf::HiveFile> read_hive(const DriveMap& drives, const std::string& path) {
     const auto place = locate_hive(drives, path);
     if (!place) return place.error();
@@ -90,6 +80,16 @@ std::string expanded(std::string path, const std::string& windows_directory) {
 }
 
 }  // namespace
+
+bool hibernates(const DriveMap& drives) {
+    const auto place = drives.resolve("C:\\hiberfil.sys");
+    if (!place || !place->exists) return false;
+    const auto file = open_file(*place, O_RDONLY);
+    std::array<char, 4096> header{};
+    const ssize_t size = file ? pread(file->number(), header.data(), header.size(), 0) : -1;
+    // A system that has woken up clears the header.
+    return size < 0 || std::any_of(header.begin(), header.end(), [](char c) { return c != '\0'; });
+}
 
 regf::Result<Installation> describe_installation(const DriveMap& drives) {
     const auto windows = find_windows(drives);

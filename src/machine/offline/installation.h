@@ -17,6 +17,9 @@ struct Installation {
     std::string profiles_directory;
 };
 
+/// The system on drive C sleeps, and will write over what is changed meanwhile.
+bool hibernates(const DriveMap& drives);
+
 /// Looks at what lies on drive C of the map. The error tells in one line why that folder is not served: no
 /// Windows there, one whose users' settings lie elsewhere (Windows 95, 98, ME, or newer than XP), hibernated,
 /// or a software hive that cannot be read.
