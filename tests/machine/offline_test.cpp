@@ -8,9 +8,9 @@
 #include <unistd.h>
 
 #include <array>
-
 #include <csignal>
 #include <thread>
+
 #include "base/text.h"
 #include "machine/hive_editing.h"
 #include "machine/memory/journal.h"
@@ -284,6 +284,30 @@ TEST(OfflineRegistry, ReadsAgainWhatSomebodyElseHasChanged) {
     EXPECT_EQ(describe(value), "\"49\"");
 }
 
+TEST(OfflineRegistry, WritesBehindAnInstanceThatCommitsThisMoment) {
+    OfflineFixture fixture;
+    Registry& registry = fixture.machine().registry;
+    prepare_installation(registry);
+    const fs::path software = fixture.disk() / "WINDOWS/system32/config/software";
+    const std::string key = "Software\\Morvane\\BRLCK";
+    RawValue value;
+    EXPECT_EQ(registry.query(Root::local_machine, key, "mine", value).action, file_not_found);
+    const regf::FilePlace place{AT_FDCWD, software.string()};
+    auto theirs = regf::FileLock::acquire(place);
+    ASSERT_TRUE(theirs);
+    std::thread other([&, lock = std::move(*theirs)] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        auto file = regf::read_hive(place, lock);
+        EXPECT_TRUE(file->hive.set_value(*file->hive.find(u"Morvane\\BRLCK"), u"theirs",
+                                         {regf::REG_DWORD, {1, 0, 0, 0}}, 1));
+        EXPECT_TRUE(regf::commit(place, file->hive, file->identity, 1));
+    });
+    EXPECT_EQ(registry.set(Root::local_machine, key, "mine", dword_value(1)).action, success);
+    other.join();
+    for (const char* name : {"mine", "theirs"})
+        EXPECT_EQ(registry.query(Root::local_machine, key, name, value).action, success) << name;
+}
+
 TEST(OfflineRegistry, AReadOnlyHiveIsOpenForReadersOnly) {
     OfflineFixture fixture;
     const fs::path software = fixture.disk() / "WINDOWS/system32/config/software";
@@ -335,6 +359,13 @@ TEST(OfflineRegistry, ATextBeyondTheCodePageSurvivesReadingAndWriting) {
     EXPECT_EQ(stored_text(hive, key, u"Ж"), "a name that nobody here can spell");
 }
 
+TEST(OfflineProcesses, CountAsFailedWhereNothingIsKnownOfTheirEnd) {
+    OfflineFixture fixture;
+    (void)std::signal(SIGCHLD, SIG_IGN);
+    EXPECT_EQ(fixture.unload("Nobody"), 1u);
+    (void)std::signal(SIGCHLD, SIG_DFL);
+}
+
 TEST(OfflineProcesses, HandFoldersAndWebAddressesToTheDesktopAndNothingElse) {
     OfflineFixture fixture;
     const fs::path tools = fixture.scratch() / "tools";
@@ -379,13 +410,6 @@ TEST(DriveMap, TellsTheHiveToolOfFoldersWithAnyName) {
 }
 
 TEST(MountRecord, EndsAtTheFirstFrameThatIsNotWhole) {
-TEST(OfflineProcesses, CountAsFailedWhereNothingIsKnownOfTheirEnd) {
-    OfflineFixture fixture;
-    (void)std::signal(SIGCHLD, SIG_IGN);
-    EXPECT_EQ(fixture.unload("Nobody"), 1u);
-    (void)std::signal(SIGCHLD, SIG_DFL);
-}
-
     regf::Change change{regf::Change::Kind::set_value, u"Software\\Ж", u"", {4, {1, 0, 0, 0}}, 77};
     const std::string mount = mount_frame({"Anna", "C:\\x", {1, 2, 3, -4, 5, 6, 7}});
     const std::string sealed = mount + change_frame(change) + seal_frame();

@@ -45,8 +45,12 @@ HiveStore::View FileHive::read() {
         return {success, &held_->hive};
     }
     const auto lock = lock_with_patience(place_.hive(), regf::FileLock::Purpose::look);
-    if (!lock) return {win_code(lock.error().kind), nullptr};
-    auto file = regf::read_hive(place_.hive(), *lock);
+    return lock ? read_again(*lock) : View{win_code(lock.error().kind), nullptr};
+}
+
+HiveStore::View FileHive::read_again(const regf::FileLock& lock) {
+    held_.reset();
+    auto file = regf::read_hive(place_.hive(), lock);
     if (!file) return {win_code(file.error().kind), nullptr};
     held_.emplace(std::move(*file));
     return {success, &held_->hive};
@@ -68,6 +72,11 @@ WinCode FileHive::apply(const regf::Change& change) {
         auto acquired = lock_with_patience(place_.hive(), regf::FileLock::Purpose::work);
         if (!acquired) return win_code(acquired.error().kind);
         lock.emplace(std::move(*acquired));
+        // While the lock was waited for, another instance may have put its own changes there.
+        const auto now = regf::identify(place_.hive());
+        if (!now) return win_code(now.error().kind);
+        const View view = *now == held_->identity ? View{success, &held_->hive} : read_again(*lock);
+        if (!view.hive) return view.code;
     }
     if (const auto applied = held_->hive.apply(change); !applied) return win_code(applied.error().kind);
     if (held_->hive.changes().empty()) return success;

@@ -40,6 +40,8 @@ class FileHive : public HiveStore {
     WinCode apply(const regf::Change& change) override;
 
   private:
+    View read_again(const regf::FileLock& lock);
+
     HostPlace place_;
     Missing missing_;
     std::optional<regf::HiveFile> held_;  ///< with no identity at all while the file is missing
