@@ -1,6 +1,19 @@
 #include "machine/protected_folders.h"
 
+#include <algorithm>
+
 namespace machine {
+
+std::vector<WindowsPath> kept_folders(char drive, System& system) {
+    const std::string root = {drive, ':', '\\'};
+    std::vector<WindowsPath> kept;
+    for (const std::string& path :
+         {system.windows_directory(), system.system_directory(), system.profiles_directory().value_or(""),
+          system.program_directory(), root + "Program Files", root + "Programme"}) {
+        if (auto parsed = parse_path(path)) kept.push_back(std::move(*parsed));
+    }
+    return kept;
+}
 
 bool is_protected(const WindowsPath& folder, System& system) {
     if (folder.parts.empty()) return true;
@@ -8,15 +21,9 @@ bool is_protected(const WindowsPath& folder, System& system) {
     if (system_directory && folder.lies_in(*system_directory)) return true;
     const auto profiles = parse_path(system.profiles_directory().value_or(""));
     if (profiles && folder.parent() == *profiles) return true;
-
-    const std::string drive = {folder.drive, ':', '\\'};
-    for (const std::string& path :
-         {system.windows_directory(), system.system_directory(), system.profiles_directory().value_or(""),
-          system.program_directory(), drive + "Program Files", drive + "Programme"}) {
-        const auto kept = parse_path(path);
-        if (kept && kept->lies_in(folder)) return true;
-    }
-    return false;
+    const auto kept = kept_folders(folder.drive, system);
+    return std::any_of(kept.begin(), kept.end(),
+                       [&](const WindowsPath& path) { return path.lies_in(folder); });
 }
 
 }  // namespace machine

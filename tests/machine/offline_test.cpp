@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/file.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -108,6 +109,25 @@ TEST(HostileDisk, NoLinkLeadsOut) {
     EXPECT_EQ(files.delete_folder("C:\\School"), no_error);
     EXPECT_TRUE(fs::exists(profile / "Desktop"));
     EXPECT_EQ(snapshot(outside), before);
+}
+
+TEST(HostileDisk, NoOtherNameOfAProtectedFolderDeletesIt) {
+    OfflineFixture fixture;
+    const fs::path alias = fixture.disk() / "School/Icons";  // stands for the short names of FAT
+    const std::string before = snapshot(fixture.disk());
+    for (const auto& [kept, below] : {std::pair("WINDOWS", ""),
+                                      {"WINDOWS/system32", "\\config"},
+                                      {"Documents and Settings", "\\Anna"},
+                                      {"Program Files", ""}}) {
+        SCOPED_TRACE(kept);
+        if (mount((fixture.disk() / kept).c_str(), alias.c_str(), nullptr, MS_BIND, nullptr) != 0)
+            GTEST_SKIP() << "this process may not mount a folder";
+        EXPECT_EQ(fixture.machine().files.delete_folder(std::string("C:\\School\\Icons") + below),
+                  permission_denied);
+        ASSERT_EQ(umount(alias.c_str()), 0);
+        ASSERT_TRUE(snapshot(fixture.disk()) == before);
+    }
+    EXPECT_EQ(fixture.machine().files.delete_folder("C:\\School\\Icons"), no_error);
 }
 
 TEST(HostileDisk, NothingButFilesAndFoldersIsOpened) {

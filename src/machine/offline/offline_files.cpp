@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 
 #include "base/text.h"
@@ -108,6 +109,35 @@ std::optional<std::vector<FoundFile>> OfflineFiles::find(std::string_view patter
     return search_result(*search, std::move(found));
 }
 
+bool OfflineFiles::is_kept(const Descriptor& folder, char drive) const {
+    std::vector<struct stat> upwards;  // the folder, the one that holds it, and so on to the root
+    for (Descriptor at = folder.duplicate();;
+         at = Descriptor(openat(at.number(), "..", O_PATH | O_DIRECTORY | O_CLOEXEC))) {
+        struct stat status {};
+        if (!at.is_open() || fstat(at.number(), &status) != 0) return true;  // nobody knows what it is
+        if (!upwards.empty() && regf::is_same_file(upwards.back(), status)) break;
+        upwards.push_back(status);
+    }
+    const auto is = [&](const struct stat& status, const WindowsPath& path) {
+        const auto opened = drives_.open_folder(path);
+        struct stat other {};
+        return opened && fstat(opened->number(), &other) == 0 && regf::is_same_file(status, other);
+    };
+    const auto system = parse_path(system_.system_directory());
+    const auto profiles = parse_path(system_.profiles_directory().value_or(""));
+    if (profiles && upwards.size() > 1 && is(upwards[1], *profiles)) return true;
+    if (system &&
+        std::any_of(upwards.begin(), upwards.end(), [&](const auto& at) { return is(at, *system); }))
+        return true;
+    for (WindowsPath kept : kept_folders(drive, system_)) {
+        for (;; kept = kept.parent()) {
+            if (is(upwards[0], kept)) return true;
+            if (kept.parts.empty()) break;
+        }
+    }
+    return false;
+}
+
 FileError OfflineFiles::delete_folder(std::string_view path) {
     const auto parsed = parse_path(path);
     if (!parsed) return parsed.error();
@@ -117,6 +147,7 @@ FileError OfflineFiles::delete_folder(std::string_view path) {
     if (is_protected(*parsed, system_)) return permission_denied;
     const auto folder = open_folder(place->folder.number(), place->name);
     if (!folder) return folder.error();
+    if (is_kept(*folder, parsed->drive)) return permission_denied;
     if (const FileError error = delete_content(*folder)) return error;
     const bool removed = unlinkat(place->folder.number(), place->name.c_str(), AT_REMOVEDIR) == 0;
     return removed ? no_error : file_error(errno);

@@ -33,6 +33,8 @@ class OfflineFiles : public Files {
 
   private:
     bool is_in_use(const HostPlace& place) const;
+    /// As is_protected, whatever name led to the folder: FAT and NTFS find one by its short name too.
+    bool is_kept(const Descriptor& folder, char drive) const;
     /// no_error where a file may be replaced or removed.
     FileError check_change(const HostPlace& place) const;
 
