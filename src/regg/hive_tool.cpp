@@ -4,6 +4,7 @@
 
 #include "base/text.h"
 #include "machine/offline/file_attributes.h"
+#include "machine/offline/installation.h"
 #include "machine/registry_path.h"
 
 namespace regg {
@@ -49,7 +50,11 @@ Result<Done> load(const Setting& setting, const std::string& file, const std::st
     if (!named) return named.error();
     const auto place = machine::locate_hive(setting.drives, *named);
     if (!place) return place.error();
-    const auto lock = regf::FileLock::acquire(place->hive());
+    // Windows writes over whatever it wakes up to.
+    if (setting.drives_known && machine::hibernates(setting.drives))
+        return Error{ErrorKind::unsupported, "this Windows hibernates: start it and shut it down first"};
+    const auto lock =
+        machine::lock_with_patience(place->hive(), regf::FileLock::Purpose::work, machine::a_moment);
     if (!lock) return lock.error();
     if (setting.mounts.is_mounted(*place)) return Error{ErrorKind::in_use, file + " is mounted already"};
     const auto hive = regf::read_hive(place->hive(), *lock);

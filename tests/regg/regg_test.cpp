@@ -192,6 +192,10 @@ TEST(HiveTool, SaysInOneLineWhyItRefuses) {
 
 TEST(HiveTool, KeepsAwayFromAHiveThatAnotherRunWorksOn) {
     OfflineFixture fixture;
+    write_bytes(disk / "hiberfil.sys", "hibr");
+    EXPECT_THAT(
+        run_tool("load 'C:\\Documents and Settings\\Ben\\NTUSER.DAT' 'HKU\\Ben'", mounts + drives).line,
+        HasSubstr("this Windows hibernates"));
     ASSERT_EQ(fixture.load("Anna"), 0u);
     EXPECT_EQ(make_lock_key(fixture), Registry::Disposition::created);
     const std::string mounts = "BRIGHTLOCK_MOUNTS='" + fixture.offline().mounts().folder() + "' ";
