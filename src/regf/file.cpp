@@ -35,21 +35,19 @@ Result<Bytes> read_all(int file, const std::string& name) {
     return read_front(file, static_cast<size_t>(status.st_size), name);
 }
 
+HiveStamp stamp_of(uint64_t size, ByteView head) {
+    if (head.size() < base_block::checksum + 4) return {.size = size};
+    return {size, get32(head, base_block::primary_sequence), get32(head, base_block::secondary_sequence),
+            get32(head, base_block::checksum)};
+}
+
 FileIdentity identity_of(const struct stat& status, ByteView head) {
     constexpr uint64_t second = 1'000'000'000;
-    FileIdentity id;
-    id.device = status.st_dev;
-    id.inode = status.st_ino;
-    id.size = static_cast<uint64_t>(status.st_size);
     // A hostile disk's times run beyond 64 bits: they wrap, and still tell one state from the next.
-    id.modified_ns = static_cast<int64_t>(static_cast<uint64_t>(status.st_mtim.tv_sec) * second +
-                                          static_cast<uint64_t>(status.st_mtim.tv_nsec));
-    if (head.size() >= base_block::checksum + 4) {
-        id.primary_sequence = get32(head, base_block::primary_sequence);
-        id.secondary_sequence = get32(head, base_block::secondary_sequence);
-        id.checksum = get32(head, base_block::checksum);
-    }
-    return id;
+    const uint64_t modified =
+        static_cast<uint64_t>(status.st_mtim.tv_sec) * second + static_cast<uint64_t>(status.st_mtim.tv_nsec);
+    return {status.st_dev, status.st_ino, static_cast<int64_t>(modified),
+            stamp_of(static_cast<uint64_t>(status.st_size), head)};
 }
 
 Result<FileIdentity> identify_open(const OpenFile& opened, const std::string& name) {
@@ -153,7 +151,8 @@ Result<Done> fill(const Replacement& replacement, const Bytes& image, const std:
 
 }  // namespace
 
-Result<Done> commit(const FilePlace& place, const Hive& hive, const FileIdentity& identity, FileTime now) {
+Result<Done> commit(const FilePlace& place, const Hive& hive, const FileIdentity& identity, FileTime now,
+                    const Announce& announce) {
     if (hive.changes().empty() && !hive.recovered()) return Done{};
     const auto sealed = hive.sealed_image(now);
     if (!sealed) return sealed.error();
@@ -168,6 +167,7 @@ Result<Done> commit(const FilePlace& place, const Hive& hive, const FileIdentity
     auto replacement = Replacement::begin(place, old->status.st_mode);
     if (!replacement) return replacement.error();
     if (auto filled = fill(*replacement, *sealed, place.name, &*old); !filled) return filled;
+    if (announce) announce(stamp_of(sealed->size(), *sealed));
     return replacement->put_in_place(Replacement::Target::may_exist);
 }
 

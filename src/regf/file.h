@@ -1,21 +1,28 @@
 #pragma once
 
+#include <functional>
+
 #include "regf/hive.h"
 #include "regf/host.h"
 
 /// Hive files on disk: read with their logs, locked against other programs, replaced in one step.
 namespace regf {
 
-/// What tells one state of a hive file from the next: device, inode, size, time of change, sequence numbers,
-/// checksum.
-struct FileIdentity {
-    uint64_t device = 0;
-    uint64_t inode = 0;
+/// What the head of a hive file tells of its content. It outlives a reboot and a move to another disk.
+struct HiveStamp {
     uint64_t size = 0;
-    int64_t modified_ns = 0;
     uint32_t primary_sequence = 0;
     uint32_t secondary_sequence = 0;
     uint32_t checksum = 0;
+    bool operator==(const HiveStamp&) const = default;
+};
+
+/// What tells one state of a hive file from the next, while the system runs.
+struct FileIdentity {
+    uint64_t device = 0;
+    uint64_t inode = 0;
+    int64_t modified_ns = 0;
+    HiveStamp stamp;
     bool operator==(const FileIdentity&) const = default;
 };
 
@@ -51,8 +58,11 @@ Result<FileIdentity> identify(const FilePlace& place);
 /// Writes the sealed image of `hive` in place of the file that `identity` tells of: beside it, flushed, read
 /// back and compared, renamed over it, the folder flushed. What Replacement::take_over() takes over goes
 /// along; where something cannot be kept, `refused` and the old file stays. `changed` if the file is another
-/// one by now. A hive without changes that needed no recovery is not written.
-Result<Done> commit(const FilePlace& place, const Hive& hive, const FileIdentity& identity, FileTime now);
+/// one by now. A hive without changes that needed no recovery is not written. `announce` is told what the
+/// file is about to become.
+using Announce = std::function<void(const HiveStamp&)>;
+Result<Done> commit(const FilePlace& place, const Hive& hive, const FileIdentity& identity, FileTime now,
+                    const Announce& announce = {});
 
 /// Writes a new hive file; `refused` if there is one already.
 Result<Done> write_new(const FilePlace& place, const Hive& hive, FileTime now);

@@ -56,14 +56,15 @@ Result<Done> load(const Setting& setting, const std::string& file, const std::st
     const auto lock =
         machine::lock_with_patience(place->hive(), regf::FileLock::Purpose::work, machine::a_moment);
     if (!lock) return lock.error();
-    if (setting.mounts.is_mounted(*place)) return Error{ErrorKind::in_use, file + " is mounted already"};
+    if (machine::is_mounted(setting.drives, setting.mounts, *place))
+        return Error{ErrorKind::in_use, file + " is mounted already"};
     const auto hive = regf::read_hive(place->hive(), *lock);
     if (!hive) return hive.error();
     if (!hive->hive.read_only_reason().empty())
         return Error{ErrorKind::unsupported, file + " cannot be edited: " + hive->hive.read_only_reason()};
     if (!machine::may_replace(*place))
         return Error{ErrorKind::refused, "no permission to write " + file + " and its folder"};
-    return setting.mounts.add({name, *named, hive->identity});
+    return setting.mounts.add({name, *named, hive->identity.stamp});
 }
 
 /// The changes of a mount that cannot be written any more are dropped with it: nothing would ever free its
@@ -80,13 +81,16 @@ Result<Done> unload(const Setting& setting, const std::string& name, std::string
     if (!hive) {
         const ErrorKind kind = hive.error().kind;
         const auto record = setting.mounts.find(name);
+        if (record && kind == ErrorKind::changed && machine::is_written(setting.drives, *record))
+            return setting.mounts.remove(name);
         if (record && (kind == ErrorKind::changed || kind == ErrorKind::missing))
             return drop(setting, *record, hive.error());
         return hive.error();
     }
     if (hive->record.unsealed) note = "the unfinished changes of a run that was broken off are dropped";
-    const auto written =
-        regf::commit(hive->place.hive(), hive->file.hive, hive->file.identity, regf::current_file_time());
+    const auto announce = [&](const regf::HiveStamp& stamp) { setting.mounts.announce(hive->record, stamp); };
+    const auto written = regf::commit(hive->place.hive(), hive->file.hive, hive->file.identity,
+                                      regf::current_file_time(), announce);
     if (!written)
         return Error{written.error().kind, written.error().message + "; it is kept for the next unload"};
     return setting.mounts.remove(name);

@@ -431,14 +431,14 @@ TEST(DriveMap, TellsTheHiveToolOfFoldersWithAnyName) {
 
 TEST(MountRecord, EndsAtTheFirstFrameThatIsNotWhole) {
     regf::Change change{regf::Change::Kind::set_value, u"Software\\Ж", u"", {4, {1, 0, 0, 0}}, 77};
-    const std::string mount = mount_frame({"Anna", "C:\\x", {1, 2, 3, -4, 5, 6, 7}});
+    const std::string mount = mount_frame({"Anna", "C:\\x", {1, 2, 3, 4}});
     const std::string sealed = mount + change_frame(change) + seal_frame();
     const std::string whole = sealed + change_frame(change) + change_frame(change);
     for (size_t size = 0; size <= whole.size(); ++size) {
         const auto record = parse_record(std::string_view(whole).substr(0, size));
         ASSERT_EQ(record.has_value(), size >= mount.size()) << size;
         if (!record) continue;
-        EXPECT_EQ(record->mount.identity, (regf::FileIdentity{1, 2, 3, -4, 5, 6, 7}));
+        EXPECT_EQ(record->mount.stamp, (regf::HiveStamp{1, 2, 3, 4}));
         const bool has_seal = size >= sealed.size();
         EXPECT_EQ(record->sealed, std::vector<regf::Change>(has_seal ? 1 : 0, change)) << size;
         EXPECT_EQ(record->sealed_bytes, has_seal ? sealed.size() : mount.size()) << size;

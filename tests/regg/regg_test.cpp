@@ -53,6 +53,11 @@ int stored(const OfflineFixture& fixture) {
     return value ? value->data.at(0) : -1;
 }
 
+/// The only record of a mount.
+fs::path record_of(OfflineFixture& fixture) {
+    return fs::directory_iterator(fixture.offline().mounts().folder())->path();
+}
+
 /// Does something in a process that then dies at once, with no destructor run.
 void in_dying_process(const std::function<void()>& work) {
     const pid_t child = fork();
@@ -187,15 +192,15 @@ TEST(HiveTool, SaysInOneLineWhyItRefuses) {
     }
     EXPECT_EQ(std::distance(fs::directory_iterator(fixture.scratch() / "by-hand"), {}), 1)
         << "nothing is half mounted";
+    write_bytes(disk / "hiberfil.sys", "hibr");
+    EXPECT_THAT(
+        run_tool("load 'C:\\Documents and Settings\\Ben\\NTUSER.DAT' 'HKU\\Ben'", mounts + drives).line,
+        HasSubstr("this Windows hibernates"));
     EXPECT_EQ(run_tool("unload 'HKU\\ANNA'", mounts).code, 0);
 }
 
 TEST(HiveTool, KeepsAwayFromAHiveThatAnotherRunWorksOn) {
     OfflineFixture fixture;
-    write_bytes(disk / "hiberfil.sys", "hibr");
-    EXPECT_THAT(
-        run_tool("load 'C:\\Documents and Settings\\Ben\\NTUSER.DAT' 'HKU\\Ben'", mounts + drives).line,
-        HasSubstr("this Windows hibernates"));
     ASSERT_EQ(fixture.load("Anna"), 0u);
     EXPECT_EQ(make_lock_key(fixture), Registry::Disposition::created);
     const std::string mounts = "BRIGHTLOCK_MOUNTS='" + fixture.offline().mounts().folder() + "' ";
@@ -255,7 +260,8 @@ TEST(HiveTool, KilledAtAnyMomentLeavesTheOldHiveOrTheNewOne) {
         (void)run_tool("unload 'HKU\\Anna'", environment + killed);
         const int now = stored(fixture);
         EXPECT_TRUE(now == before || now == number) << now;
-        (void)run_tool("unload 'HKU\\Anna'", environment);
+        const bool mounted = !fixture.offline().mounts().mounts().empty();
+        EXPECT_EQ(run_tool("unload 'HKU\\Anna'", environment).code, mounted ? 0 : 1);
         before = stored(fixture);
         EXPECT_EQ(before, number);
         ASSERT_TRUE(fixture.offline().mounts().mounts().empty());
@@ -275,7 +281,55 @@ TEST(HiveTool, DoesNotWriteOverWhatSomebodyElseHasWritten) {
     ASSERT_EQ(fixture.lost_changes.size(), 1u);
     EXPECT_THAT(fixture.lost_changes[0], HasSubstr("Anna: regg: HKU\\Anna: "));
     EXPECT_EQ(fixture.load("Anna"), 0u) << "the name is free again";
+    ASSERT_EQ(fixture.offline().release(), success);
+    write_bytes(fixture.hive_of("Anna"), "not a hive any more");
+    EXPECT_EQ(fixture.unload("Anna"), 0u) << "there was nothing to write";
+    write_bytes(fixture.hive_of("Anna"), theirs);
+    EXPECT_EQ(fixture.load("Anna"), 0u) << "and so after a file that cannot be read";
+    write_bytes(record_of(fixture), "damaged");
+    EXPECT_EQ(fixture.unload("Anna"), 1u);
+    EXPECT_EQ(fixture.load("Anna"), 0u) << "and after a record that cannot be read";
     EXPECT_EQ(fixture.unload("Anna"), 0u);
+}
+
+TEST(HiveTool, KeepsTheChangesUntilTheDiskIsThereAgain) {
+    OfflineFixture fixture;
+    const fs::path profile = fixture.hive_of("Anna").parent_path();
+    const fs::path away = fixture.scratch() / "away";
+    ASSERT_EQ(fixture.load("Anna"), 0u);
+    EXPECT_EQ(make_lock_key(fixture), Registry::Disposition::created);
+    EXPECT_EQ(set(fixture, 5), success);
+    ASSERT_EQ(fixture.offline().release(), success);
+    fs::rename(profile, away);
+    EXPECT_EQ(fixture.unload("Anna"), 1u);
+    fs::copy(away, profile, fs::copy_options::recursive);  // other inodes and times, as after a new start
+    EXPECT_EQ(fixture.unload("Anna"), 0u);
+    EXPECT_EQ(stored(fixture), 5);
+
+    ASSERT_EQ(fixture.load("Anna"), 0u);
+    EXPECT_EQ(set(fixture, 6), success);
+    ASSERT_EQ(fixture.offline().release(), success);
+    fs::remove(fixture.hive_of("Anna"));
+    EXPECT_EQ(fixture.unload("Anna"), 1u) << "nothing is left to write to";
+    EXPECT_TRUE(fixture.offline().mounts().mounts().empty());
+}
+
+TEST(HiveTool, KnowsWhatARunHadWrittenBeforeItDied) {
+    OfflineFixture fixture;
+    const fs::path hive = fixture.hive_of("Anna");
+    ASSERT_EQ(fixture.load("Anna"), 0u);
+    EXPECT_EQ(make_lock_key(fixture), Registry::Disposition::created);
+    EXPECT_EQ(set(fixture, 5), success);
+    ASSERT_EQ(fixture.offline().release(), success);
+    const std::string record = bytes_of(record_of(fixture));
+    const fs::path path = record_of(fixture);
+    ASSERT_EQ(fixture.unload("Anna"), 0u);
+    const std::string written = bytes_of(hive);
+    write_bytes(path, record + written_frame(read_hive_file(hive).identity.stamp));
+    EXPECT_EQ(fixture.unload("Anna"), 0u) << "it is done already";
+    EXPECT_EQ(bytes_of(hive), written);
+    write_bytes(path, record);
+    EXPECT_EQ(fixture.unload("Anna"), 1u) << "somebody else was it";
 }
 
 TEST(HiveTool, AFullDiskUnderTheHiveKeepsTheChangesForTheNextUnload) {

@@ -34,8 +34,7 @@ regf::Result<HostPlace> locate_on_host(const std::string& file) {
     const std::string folder = slash == 0 ? "/" : file.substr(0, slash);
     Descriptor opened(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!opened.is_open())
-        return regf::Error{regf::ErrorKind::missing,
-                           "cannot open the folder " + folder + ": " + strerror(errno)};
+        return regf::Error{regf::ErrorKind::io, "cannot open the folder " + folder + ": " + strerror(errno)};
     return HostPlace{std::move(opened), file.substr(slash + 1), true};
 }
 
@@ -123,14 +122,19 @@ FileResult<Descriptor> DriveMap::open_folder(const WindowsPath& path) const {
     return machine::open_folder(place->folder.number(), place->name);
 }
 
+std::string file_for_people(const std::string& file) {
+    return file.starts_with('/') ? file : text::to_utf8(file);
+}
+
 regf::Result<HostPlace> locate_hive(const DriveMap& drives, const std::string& file) {
     if (file.starts_with('/')) return locate_on_host(file);
     auto place = drives.resolve(file);
     if (place && place->exists) return std::move(*place);
-    const FileError error = place ? no_such_file : place.error();
-    const std::string name = text::to_utf8(file);
-    if (error == permission_denied) return regf::Error{regf::ErrorKind::refused, name + " may not be opened"};
-    return regf::Error{regf::ErrorKind::missing, name + " is not there"};
+    const std::string name = file_for_people(file);
+    if (place) return regf::Error{regf::ErrorKind::missing, name + " is not there"};
+    if (place.error() == permission_denied)
+        return regf::Error{regf::ErrorKind::refused, name + " may not be opened"};
+    return regf::Error{regf::ErrorKind::io, name + " cannot be reached: its folder is not there"};
 }
 
 }  // namespace machine

@@ -43,7 +43,12 @@ class DriveMap {
     std::vector<Entry> entries_;
 };
 
-/// The file of a hive, which must be there: a Windows path by the drive map, or a host path.
+/// A Windows path in the code page, or a host path, as UTF-8.
+std::string file_for_people(const std::string& file);
+
+/// The file of a hive: a Windows path by the drive map, or a host path. `missing` only where its folder was
+/// opened and the file is not in it; a disk that is not there or fails is `io`, what may not be opened
+/// `refused`.
 regf::Result<HostPlace> locate_hive(const DriveMap& drives, const std::string& file);
 
 }  // namespace machine

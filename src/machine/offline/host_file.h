@@ -57,6 +57,9 @@ FileError write_all(int file, std::string_view bytes);
 /// The old file or the new one, whole.
 FileError replace_file(const HostPlace& place, const std::function<FileError(int)>& fill);
 
+/// How long a person's hive is waited for.
+constexpr std::chrono::milliseconds a_moment(300);
+
 /// Another instance of the program holds the lock on a hive for some milliseconds, while it reads or commits:
 /// that is waited for, since a refusal would read as if nothing were stored there.
 regf::Result<regf::FileLock> lock_with_patience(

@@ -7,7 +7,7 @@ namespace machine {
 
 namespace {
 
-enum class Frame : uint8_t { mount = 'M', change = 'C', seal = 'S' };
+enum class Frame : uint8_t { mount = 'M', change = 'C', seal = 'S', written = 'W' };
 
 uint32_t crc32(std::string_view bytes) {
     uint32_t crc = 0xFFFFFFFF;
@@ -84,17 +84,19 @@ class Reader {
 
 // The fields in their order, once for the writer and for the reader.
 
+template <class Stream, class AnyStamp>
+void stamp_fields(Stream& stream, AnyStamp& stamp) {
+    stream.number(stamp.size);
+    stream.number(stamp.primary_sequence);
+    stream.number(stamp.secondary_sequence);
+    stream.number(stamp.checksum);
+}
+
 template <class Stream, class AnyMount>
 void mount_fields(Stream& stream, AnyMount& mount) {
     stream.counted(mount.name);
     stream.counted(mount.file);
-    stream.number(mount.identity.device);
-    stream.number(mount.identity.inode);
-    stream.number(mount.identity.size);
-    stream.number(mount.identity.modified_ns);
-    stream.number(mount.identity.primary_sequence);
-    stream.number(mount.identity.secondary_sequence);
-    stream.number(mount.identity.checksum);
+    stamp_fields(stream, mount.stamp);
 }
 
 template <class Stream, class AnyChange, class AnyKind>
@@ -143,6 +145,12 @@ std::string change_frame(const regf::Change& change) {
 
 std::string seal_frame() { return Writer(Frame::seal).frame(); }
 
+std::string written_frame(const regf::HiveStamp& stamp) {
+    Writer out(Frame::written);
+    stamp_fields(out, stamp);
+    return out.frame();
+}
+
 std::optional<MountRecord> parse_record(std::string_view bytes) {
     MountRecord record;
     std::vector<regf::Change> pending;
@@ -160,6 +168,11 @@ std::optional<MountRecord> parse_record(std::string_view bytes) {
         } else if (kind == Frame::seal) {
             record.sealed.insert(record.sealed.end(), pending.begin(), pending.end());
             pending.clear();
+            record.written.reset();
+        } else if (kind == Frame::written) {
+            stamp_fields(frame, record.written.emplace());
+        } else {
+            break;
         }
         if (!frame.ok()) break;
         if (kind != Frame::change) record.sealed_bytes = bytes.size() - in.left();

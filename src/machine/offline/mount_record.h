@@ -8,26 +8,30 @@
 #include "regf/file.h"
 
 /// What is known of one mounted hive, as a stream of frames (length, CRC-32, content) that only ever grows:
-/// first the mount, then each change, and a seal wherever a run of changes is complete. A frame that was cut
-/// off by a crash or a full disk ends the stream.
+/// first the mount, then each change, a seal wherever a run of changes is complete, and before the hive is
+/// written what it will be. A frame that was cut off by a crash or a full disk ends the stream, and so does
+/// one of a later version.
 namespace machine {
 
 struct Mount {
-    std::string name;  ///< below HKEY_USERS, ANSI
-    std::string file;  ///< the hive file as it was named: a Windows path (ANSI) or a host path
-    regf::FileIdentity identity;
+    std::string name;       ///< below HKEY_USERS, ANSI
+    std::string file;       ///< the hive file as it was named: a Windows path (ANSI) or a host path
+    regf::HiveStamp stamp;  ///< of the file at that time
 };
 
 struct MountRecord {
     Mount mount;
     std::vector<regf::Change> sealed;  ///< all changes before the last seal
     bool unsealed = false;             ///< more of them behind it: of a run that died or that still goes on
-    size_t sealed_bytes = 0;           ///< where the last seal, or else the mount, ends
+    size_t sealed_bytes = 0;           ///< where what stands fast ends
+    /// What the file is with the sealed changes in it, once somebody has begun to write them.
+    std::optional<regf::HiveStamp> written;
 };
 
 std::string mount_frame(const Mount& mount);
 std::string change_frame(const regf::Change& change);
 std::string seal_frame();
+std::string written_frame(const regf::HiveStamp& stamp);
 
 /// None where not even the mount can be read.
 std::optional<MountRecord> parse_record(std::string_view bytes);

@@ -13,6 +13,7 @@
 #include <cstring>
 
 #include "base/text.h"
+#include "regf/bytes.h"
 
 namespace machine {
 
@@ -30,14 +31,6 @@ std::string hex(std::string_view bytes) {
         out += digits.data();
     }
     return out;
-}
-
-regf::Error system_error(const std::string& what) {
-    const auto kind = errno == ENOSPC || errno == EDQUOT || errno == EFBIG ? regf::ErrorKind::no_space
-                      : errno == ENOENT                                    ? regf::ErrorKind::missing
-                      : errno == EACCES || errno == EROFS                  ? regf::ErrorKind::refused
-                                                                           : regf::ErrorKind::io;
-    return {kind, what + ": " + strerror(errno)};
 }
 
 }  // namespace
@@ -71,15 +64,6 @@ std::optional<MountRecord> MountTable::find(std::string_view name) const {
     return bytes ? parse_record(*bytes) : std::nullopt;
 }
 
-bool MountTable::is_mounted(const HostPlace& file) const {
-    struct stat status {};
-    if (fstatat(file.folder.number(), file.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return false;
-    const auto all = mounts();
-    return std::any_of(all.begin(), all.end(), [&](const Mount& mount) {
-        return mount.identity.device == status.st_dev && mount.identity.inode == status.st_ino;
-    });
-}
-
 regf::Result<Done> MountTable::add(const Mount& mount) const {
     if (mount.name.size() > longest_name)
         return regf::Error{regf::ErrorKind::invalid, "the name of the key is too long"};
@@ -87,11 +71,9 @@ regf::Result<Done> MountTable::add(const Mount& mount) const {
     // Two tools at a time must not take one name: not every file system can rename without replacing.
     const Descriptor folder(open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!folder.is_open() || flock(folder.number(), LOCK_EX) != 0)
-        return system_error("cannot open the folder of the mounts");
-    const std::string path = path_of(mount.name);
-    if (access(path.c_str(), F_OK) == 0)
-        return regf::Error{regf::ErrorKind::refused, "another hive is mounted there"};
-    const HostPlace place{folder.duplicate(), path.substr(folder_.size() + 1), false};
+        return regf::system_error(folder_, "cannot be opened");
+    if (find(mount.name)) return regf::Error{regf::ErrorKind::refused, "another hive is mounted there"};
+    const HostPlace place{folder.duplicate(), path_of(mount.name).substr(folder_.size() + 1), false};
     const FileError error =
         replace_file(place, [&](int file) { return write_all(file, mount_frame(mount)); });
     if (error == no_error) return Done{};
@@ -101,15 +83,23 @@ regf::Result<Done> MountTable::add(const Mount& mount) const {
 }
 
 regf::Result<Done> MountTable::remove(std::string_view name) const {
-    if (unlink(path_of(name).c_str()) != 0) return system_error("cannot remove the record of the mount");
+    if (unlink(path_of(name).c_str()) != 0)
+        return regf::system_error(folder_, "the record of the mount cannot be removed");
+    const Descriptor folder(open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folder.is_open()) (void)fsync(folder.number());  // some file systems flush no folder
     return Done{};
 }
 
 regf::Result<Descriptor> MountTable::open_sealed(const MountRecord& record) const {
     Descriptor file(open(path_of(record.mount.name).c_str(), O_WRONLY | O_APPEND | O_NOFOLLOW | O_CLOEXEC));
     if (!file.is_open() || ftruncate(file.number(), static_cast<off_t>(record.sealed_bytes)) != 0)
-        return system_error("cannot open the record of the mount");
+        return regf::system_error(folder_, "the record of the mount cannot be opened");
     return file;
+}
+
+void MountTable::announce(const MountRecord& record, const regf::HiveStamp& stamp) const {
+    const auto file = open_sealed(record);
+    if (file && write_all(file->number(), written_frame(stamp)) == no_error) (void)fdatasync(file->number());
 }
 
 std::string default_state_folder() {
@@ -122,11 +112,9 @@ std::string default_state_folder() {
 
 std::string mounts_folder(const std::string& state_folder, const std::string& drive_c) {
     const std::unique_ptr<char, void (*)(void*)> canonical(realpath(drive_c.c_str(), nullptr), std::free);
-    uint64_t hash = 0xCBF29CE484222325;  // FNV-1a
-    for (char c : std::string_view(canonical ? canonical.get() : drive_c.c_str()))
-        hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3;
+    const uint64_t digest = regf::name_digest(canonical ? canonical.get() : drive_c.c_str());
     std::array<char, 17> digits{};
-    (void)std::snprintf(digits.data(), digits.size(), "%016llx", static_cast<unsigned long long>(hash));
+    (void)std::snprintf(digits.data(), digits.size(), "%016llx", static_cast<unsigned long long>(digest));
     return state_folder + "/mounts/" + digits.data();
 }
 
@@ -137,19 +125,42 @@ regf::Result<MountedHive> open_mounted(const DriveMap& drives, const MountTable&
     if (!found) return not_mounted;
     auto place = locate_hive(drives, found->mount.file);
     if (!place) return place.error();
-    auto lock = regf::FileLock::acquire(place->hive());
+    auto lock = lock_with_patience(place->hive(), regf::FileLock::Purpose::work, a_moment);
     if (!lock) return lock.error();
     auto record = mounts.find(name);  // again, as only the lock keeps others from adding to it
     if (!record) return not_mounted;
+    // Before it is read: another file that cannot be read must not hold on to the name for ever.
+    const auto present = regf::identify(place->hive());
+    if (!present) return present.error();
+    if (present->stamp != record->mount.stamp)
+        return regf::Error{regf::ErrorKind::changed,
+                           file_for_people(record->mount.file) + " was changed after it had been mounted"};
     auto file = regf::read_hive(place->hive(), *lock);
     if (!file) return file.error();
-    if (!(file->identity == record->mount.identity))
-        return regf::Error{regf::ErrorKind::changed,
-                           text::to_utf8(record->mount.file) + " was changed after it had been mounted"};
     for (const regf::Change& change : record->sealed) {
         if (const auto applied = file->hive.apply(change); !applied) return applied.error();
     }
     return MountedHive{std::move(*record), std::move(*place), std::move(*lock), std::move(*file)};
+}
+
+bool is_written(const DriveMap& drives, const MountRecord& record) {
+    const auto place = locate_hive(drives, record.mount.file);
+    const auto present =
+        place ? regf::identify(place->hive()) : regf::Result<regf::FileIdentity>(place.error());
+    return present && present->stamp == record.written;
+}
+
+bool is_mounted(const DriveMap& drives, const MountTable& mounts, const HostPlace& file) {
+    struct stat asked {};
+    if (fstatat(file.folder.number(), file.name.c_str(), &asked, AT_SYMLINK_NOFOLLOW) != 0) return false;
+    const auto all = mounts.mounts();
+    return std::any_of(all.begin(), all.end(), [&](const Mount& mount) {
+        const auto place = locate_hive(drives, mount.file);
+        struct stat mounted {};
+        return place &&
+               fstatat(place->folder.number(), place->name.c_str(), &mounted, AT_SYMLINK_NOFOLLOW) == 0 &&
+               regf::is_same_file(asked, mounted);
+    });
 }
 
 }  // namespace machine

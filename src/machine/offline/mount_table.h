@@ -19,13 +19,15 @@ class MountTable {
     const std::string& folder() const { return folder_; }
     std::vector<Mount> mounts() const;
     std::optional<MountRecord> find(std::string_view name) const;
-    bool is_mounted(const HostPlace& file) const;
 
-    /// `refused` where the name is taken. The record is there as a whole or not at all.
+    /// `refused` where the name is taken; a record that nobody can read takes none. The record is there as a
+    /// whole or not at all.
     regf::Result<Done> add(const Mount& mount) const;
     regf::Result<Done> remove(std::string_view name) const;
     /// Opens a record for appending, with all behind its last seal cut off.
     regf::Result<Descriptor> open_sealed(const MountRecord& record) const;
+    /// Notes what the hive is about to become; where it cannot, the next unload of a killed one says less.
+    void announce(const MountRecord& record, const regf::HiveStamp& stamp) const;
 
   private:
     std::string path_of(std::string_view name) const;
@@ -45,8 +47,13 @@ struct MountedHive {
     regf::FileLock lock;
     regf::HiveFile file;
 };
-/// `changed`: somebody else has written the file since it was mounted.
+/// `changed`: somebody else has written the file since it was mounted. `missing`: nothing is mounted there,
+/// or the file is no longer in its folder.
 regf::Result<MountedHive> open_mounted(const DriveMap& drives, const MountTable& mounts,
                                        std::string_view name);
+/// A run wrote the sealed changes into the file and died before it could remove the record.
+bool is_written(const DriveMap& drives, const MountRecord& record);
+/// A hive of the table is this very file.
+bool is_mounted(const DriveMap& drives, const MountTable& mounts, const HostPlace& file);
 
 }  // namespace machine

@@ -24,7 +24,7 @@ bool is_boot_options_file(std::string_view path) { return text::equal_ignoring_c
 
 bool OfflineFiles::is_in_use(const HostPlace& place) const {
     const auto lock = regf::FileLock::acquire(place.hive(), regf::FileLock::Purpose::look);
-    return (!lock && lock.error().kind == regf::ErrorKind::in_use) || mounts_.is_mounted(place);
+    return (!lock && lock.error().kind == regf::ErrorKind::in_use) || is_mounted(drives_, mounts_, place);
 }
 
 FileError OfflineFiles::check_change(const HostPlace& place) const {
