@@ -88,6 +88,15 @@ const std::vector<Change>& Hive::changes() const { return state_->changes; }
 
 // --- reading
 
+std::u16string units_of(ByteView data) { return load_name(data, false); }
+
+Bytes bytes_of(std::u16string_view units) {
+    Bytes data(units.size() * 2);
+    for (size_t i = 0; i < units.size(); ++i)
+        put16(data, i * 2, units[i]);
+    return data;
+}
+
 Key Hive::root() const { return {state_->image.root()}; }
 
 std::optional<Key> Hive::find_subkey(Key parent, std::u16string_view name) const {

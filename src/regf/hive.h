@@ -43,6 +43,10 @@ struct Value {
     bool operator==(const Value&) const = default;
 };
 
+/// The data of a text value, its closing NUL included. An odd byte at the end is none of the text's.
+std::u16string units_of(ByteView data);
+Bytes bytes_of(std::u16string_view units);
+
 /// Names a key of one hive: the offset of its cell. Good until that key is deleted.
 struct Key {
     uint32_t cell = 0;

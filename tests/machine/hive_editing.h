@@ -30,20 +30,14 @@ inline std::optional<regf::Value> read_value(const std::filesystem::path& path, 
 
 /// The text of a value without its closing NUL.
 inline std::u16string text_of(const regf::Value& value) {
-    std::u16string text;
-    for (size_t i = 0; i + 1 < value.data.size(); i += 2)
-        text += static_cast<char16_t>(value.data[i] | value.data[i + 1] << 8);
+    const std::u16string text = regf::units_of(value.data);
     return text.substr(0, text.find(u'\0'));
 }
 
 inline void set_text(const std::filesystem::path& path, std::u16string_view key, std::u16string_view name,
                      std::u16string_view text) {
     regf::HiveFile file = read_hive_file(path);
-    regf::Value value{regf::REG_SZ, {}};
-    for (char16_t unit : std::u16string(text) + u'\0') {
-        value.data.push_back(static_cast<uint8_t>(unit & 0xFF));
-        value.data.push_back(static_cast<uint8_t>(unit >> 8));
-    }
+    const regf::Value value{regf::REG_SZ, regf::bytes_of(std::u16string(text) + u'\0')};
     const regf::FileTime now = regf::current_file_time();
     const auto made = file.hive.create(key, now);
     ASSERT_TRUE(made) << made.error().message;

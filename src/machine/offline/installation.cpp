@@ -53,9 +53,7 @@ std::string text_of(const regf::Hive& hive, std::u16string_view key, std::u16str
     const auto found = hive.find(key);
     const auto value = found ? hive.value(*found, name) : std::nullopt;
     if (!value || (value->type != regf::REG_SZ && value->type != regf::REG_EXPAND_SZ)) return {};
-    std::u16string units;
-    for (size_t i = 0; i + 1 < value->data.size(); i += 2)
-        units += static_cast<char16_t>(value->data[i] | value->data[i + 1] << 8);
+    const std::u16string units = regf::units_of(value->data);
     return text::from_utf16(units.substr(0, units.find(u'\0'))).value_or("");
 }
 

@@ -58,10 +58,7 @@ regf::Value value_of(const Row& row) {
             value.data.push_back(static_cast<uint8_t>(row.number >> shift));
         return value;
     }
-    for (char16_t unit : text::to_utf16(row.text + '\0')) {
-        value.data.push_back(static_cast<uint8_t>(unit & 0xFF));
-        value.data.push_back(static_cast<uint8_t>(unit >> 8));
-    }
+    value.data = regf::bytes_of(text::to_utf16(row.text + '\0'));
     return value;
 }
 

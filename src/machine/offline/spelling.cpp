@@ -23,27 +23,11 @@ Ends ends_of(std::string_view ansi) {
     return {first, ansi.find_last_not_of(padding) - first + 1};
 }
 
-std::u16string units_of(const regf::Bytes& data) {
-    std::u16string units;
-    for (size_t i = 0; i + 1 < data.size(); i += 2)
-        units += static_cast<char16_t>(data[i] | data[i + 1] << 8);
-    return units;
-}
-
-regf::Bytes bytes_of(std::u16string_view units) {
-    regf::Bytes data;
-    for (char16_t unit : units) {
-        data.push_back(static_cast<uint8_t>(unit & 0xFF));
-        data.push_back(static_cast<uint8_t>(unit >> 8));
-    }
-    return data;
-}
-
 }  // namespace
 
 RawValue Spelling::to_ansi(const regf::Value& stored) {
     if (!is_text(stored.type)) return {stored.type, std::string(stored.data.begin(), stored.data.end())};
-    const std::u16string units = units_of(stored.data);
+    const std::u16string units = regf::units_of(stored.data);
     std::string ansi;
     for (char16_t unit : units)
         ansi += text::from_utf16(unit).value_or('?');
@@ -69,7 +53,7 @@ std::optional<regf::Value> Spelling::to_stored(const RawValue& value) const {
         if (known->second.ambiguous || known->second.spelled != core) return std::nullopt;
         units.replace(ends.before, ends.length, known->second.text);
     }
-    return regf::Value{value.type, bytes_of(units)};
+    return regf::Value{value.type, regf::bytes_of(units)};
 }
 
 }  // namespace machine
