@@ -68,8 +68,8 @@ class Examiner {
         return path.empty() ? "\\" : path;
     }
 
-    /// For the record of a key. A cell that is claimed twice ends the walk: what shares cells can take for
-    /// ever to read, and fill any memory.
+    /// For whatever belongs to a key. A cell that is claimed twice ends the walk: what shares cells can take
+    /// for ever to read, and fill any memory.
     void claim(uint32_t cell, uint32_t key, const char* what) {
         if (claimed_[cell / 8]) {
             out_.walkable = false;

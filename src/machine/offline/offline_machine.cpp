@@ -1,6 +1,7 @@
 #include "machine/offline/offline_machine.h"
 
 #include <fcntl.h>
+#include <unistd.h>
 
 #include "base/text.h"
 
@@ -28,7 +29,8 @@ regf::Result<HostPlace> place_in_folder(const std::string& folder, const std::st
     Descriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!opened.is_open())
         return regf::Error{regf::ErrorKind::refused, "the folder " + folder + " cannot be opened"};
-    return HostPlace{std::move(opened), name, true};
+    const bool exists = faccessat(opened.number(), name.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0;
+    return HostPlace{std::move(opened), name, exists};
 }
 
 }  // namespace
