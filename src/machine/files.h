@@ -28,8 +28,8 @@ struct FoundFile {
 };
 
 /// The files of the machine being worked on. Paths are Windows paths with a drive letter, ANSI bytes,
-/// compared without case. Only regular files and folders exist; a device, a pipe or a socket counts as
-/// permission_denied.
+/// compared without case. Only regular files and folders exist; a device, a pipe or a socket may not be
+/// opened.
 class Files {
   public:
     virtual ~Files() = default;
@@ -39,8 +39,8 @@ class Files {
         int64_t length = 0;
     };
     /// Opens for binary access, reads the length, closes: for reading and writing, else for reading alone. A
-    /// missing file is made. permission_denied: another program holds it. path_access: a folder, or the empty
-    /// path. no_such_path.
+    /// missing file is made. permission_denied: another program holds it, and nothing else. path_access: a
+    /// folder, the empty path, or what may not be opened or made. no_such_path.
     virtual Measured open_binary(std::string_view path) = 0;
 
     /// A missing `C:\MSDOS.SYS` of an installation that is not running reads as empty, and takes attributes.

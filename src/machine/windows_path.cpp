@@ -31,7 +31,7 @@ FileError check_name(std::string_view name) {
                std::string_view("<>:\"|?*\\/").find(c) != std::string::npos;
     });
     if (forbidden) return bad_file_name;
-    return is_device(name) ? permission_denied : no_error;
+    return is_device(name) ? path_access : no_error;
 }
 
 bool has_drive(std::string_view path) {

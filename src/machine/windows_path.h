@@ -23,9 +23,9 @@ struct WindowsPath {
     bool operator==(const WindowsPath& other) const;
 };
 
-/// path_access for the empty path; no_such_path for one without a drive, which would depend on where a
-/// program was started; permission_denied for a device's name (NUL, COM1 ...); bad_file_name for a character
-/// that no name may hold, the colon of a stream included.
+/// path_access for the empty path and for a device's name (NUL, COM1 ...); no_such_path for one without a
+/// drive, which would depend on where a program was started; bad_file_name for a character that no name may
+/// hold, the colon of a stream included.
 BasicResult<WindowsPath, FileError> parse_path(std::string_view path);
 
 /// Can Windows address a file of this name? Not one with a forbidden character, a device's name, or a dot or

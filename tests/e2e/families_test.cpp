@@ -173,6 +173,20 @@ TEST(RealHives, EachNtFamilyStoresItsOwnForm) {
     }
 }
 
+TEST(RealHives, ARunTimeErrorAmidTheWritesLeavesThoseBeforeItOnTheDisk) {
+    Installed w;
+    w.person.choose("Anna");
+    w.person.click(w.person.window().c11);
+    w.person.screen.act([&] { w.person.window().t81.set_text("5000000000 AG"); });
+    w.person.screen.expect_box("Brightlock Suite");
+    EXPECT_FALSE(w.person.apply()) << "the process has ended";
+    w.windows.offline().write_pending();
+    EXPECT_TRUE(regf::validate(regf::read_file(w.hive())).empty());
+    EXPECT_THAT(w.dump(), HasSubstr("NoClose 4 01000000"));
+    EXPECT_TRUE(w.windows.offline().mounts().mounts().empty());
+    EXPECT_TRUE(w.windows.lost_changes.empty());
+}
+
 /// BRITLOCK_CASES sets how many sets of marks each family gets.
 TEST(RealHives, WhatWasMarkedComesBack) {
     const char* wanted = std::getenv("BRITLOCK_CASES");

@@ -92,8 +92,8 @@ TEST(WindowsPath, IsTakenApartAsWindowsDoesIt) {
         {"C:\\...\\x", "", bad_file_name},
         {"C:\\file.txt:stream", "", bad_file_name},
         {"C:\\a*b", "", bad_file_name},
-        {"C:\\nul", "", permission_denied},
-        {"C:\\x\\Com1.txt", "", permission_denied},
+        {"C:\\nul", "", path_access},
+        {"C:\\x\\Com1.txt", "", path_access},
     };
     for (const auto& row : rows) {
         const auto path = parse_path(row.path);

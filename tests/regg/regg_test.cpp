@@ -268,6 +268,24 @@ TEST(HiveTool, KilledAtAnyMomentLeavesTheOldHiveOrTheNewOne) {
     }
 }
 
+/// Apply can be pressed again while the program waits for the unmounting of the first time.
+TEST(HiveTool, TwoUnmountsAtATimeLoseNothing) {
+    OfflineFixture fixture;
+    ASSERT_EQ(fixture.load("Anna"), 0u);
+    (void)make_lock_key(fixture);
+    ASSERT_EQ(set(fixture, 5), success);
+    auto& processes = fixture.machine().processes;
+    const std::string command = "\"C:\\Program Files\\Brightlock Suite\\regg.exe\" unload HKU\\Anna";
+    const auto first = processes.start(command, WindowStyle::hidden);
+    const auto second = processes.start(command, WindowStyle::hidden);
+    while (processes.exit_code(first.id) == still_active || processes.exit_code(second.id) == still_active) {
+    }
+    EXPECT_EQ(processes.exit_code(first.id) + processes.exit_code(second.id), 1u)
+        << "one of them came too late";
+    EXPECT_EQ(stored(fixture), 5);
+    EXPECT_TRUE(fixture.lost_changes.empty());
+}
+
 TEST(HiveTool, DoesNotWriteOverWhatSomebodyElseHasWritten) {
     OfflineFixture fixture;
     ASSERT_EQ(fixture.load("Anna"), 0u);

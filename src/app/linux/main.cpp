@@ -102,6 +102,7 @@ int run(const Options& options) {
     wanted.command_line = command_line.value_or("");
     wanted.state_folder = options.state_folder;
     wanted.on_lost_changes = [&screen](const std::string& user, const std::string& why) {
+        if (!screen) return;  // the process ends, and the hive tool has told it
         const LostChanges& says = lost_changes[BRITLOCK_LANGUAGE];
         screen->message_box({.text = says.before + text::from_utf8(user).value_or("?") + says.behind +
                                      text::from_utf8(why).value_or("regg.exe"),
@@ -117,7 +118,11 @@ int run(const Options& options) {
     char* arguments[] = {name, nullptr};
     int count = 1;
     // Nothing runs behind the end of the process, so what is mounted still is settled here.
-    const auto settle = [&windows] { windows->reset(); };
+    const auto settle = [&windows, &screen] {
+        screen = nullptr;
+        (*windows)->write_pending();
+        windows->reset();
+    };
     std::unique_ptr<toolkit::QtToolkit> toolkit;
     if (options.screenshot.empty()) {
         toolkit = std::make_unique<toolkit::QtToolkit>(count, arguments, folders, settle);

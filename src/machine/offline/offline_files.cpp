@@ -34,15 +34,18 @@ FileError OfflineFiles::check_change(const HostPlace& place) const {
 }
 
 Files::Measured OfflineFiles::open_binary(std::string_view path) {
+    const auto refused = [](FileError error) {
+        return Measured{error == permission_denied ? path_access : error, 0};
+    };
     const auto place = drives_.resolve(path);
-    if (!place) return {place.error(), 0};
+    if (!place) return refused(place.error());
     if (!place->exists) {
         const Descriptor made(openat(place->folder.number(), place->name.c_str(),
                                      O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
-        return {made.is_open() ? no_error : file_error(errno), 0};
+        return made.is_open() ? Measured{} : refused(file_error(errno));
     }
     const auto file = open_file(*place, O_RDONLY);  // a file that may not be written is opened all the same
-    if (!file) return {file.error(), 0};
+    if (!file) return refused(file.error());
     if (is_in_use(*place)) return {permission_denied, 0};
     struct stat status {};
     if (fstat(file->number(), &status) != 0) return {file_error(errno), 0};

@@ -60,4 +60,17 @@ OfflineMachine::OfflineMachine(DriveMap drives, Installation installation, HostP
       registry_(drives_, mounts_, std::move(software_hive), std::move(user_hive)),
       processes_(drives_, mounts_, registry_, system_, options.on_lost_changes) {}
 
+void OfflineMachine::write_pending() {
+    const std::vector<std::string> names = registry_.open_mounts();
+    (void)release();
+    for (const std::string& name : names) {
+        const auto record = mounts_.find(name);
+        if (!record || record->sealed.empty()) continue;
+        const auto tool = processes_.start(
+            '"' + system_.program_directory() + "\\regg.exe\" unload HKU\\" + name, WindowStyle::hidden);
+        while (tool.error == no_error && processes_.exit_code(tool.id) == still_active) {
+        }
+    }
+}
+
 }  // namespace machine

@@ -31,9 +31,12 @@ class OfflineMachine {
     OfflineMachine& operator=(const OfflineMachine&) = delete;
     ~OfflineMachine() { (void)release(); }  // a failure drops the changes
 
-    /// What the end of a run must not forget: marks the changes to a hive that is mounted still as complete,
-    /// so that the next unload writes them, and lets go of it.
+    /// Marks the changes to a hive that is mounted still as complete, so that the next unload writes them,
+    /// and lets go of it.
     WinCode release() { return registry_.release_mounts(); }
+    /// The end of a run: a run-time error can come between mount and unmount, and what was written till then
+    /// is to be on the disk.
+    void write_pending();
 
     const Installation& installation() const { return installation_; }
     const DriveMap& drives() const { return drives_; }

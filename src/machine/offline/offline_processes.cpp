@@ -68,8 +68,8 @@ Processes::Started OfflineProcesses::start_hive_tool(const std::string& host_pro
     child.messages = Descriptor(ends[0]);
     const Descriptor error_output(ends[1]);
     child.sealed = registry_.release_mounts();
-    const std::string user = words.back().substr(words.back().find('\\') + 1);
-    if (words.size() > 1 && words[1] == "unload") {
+    if (words.size() == 3 && words[1] == "unload") {
+        const std::string user = words[2].substr(words[2].find('\\') + 1);
         const auto record = mounts_.find(text::from_utf8(user).value_or(""));
         child.nothing_to_do = !record;
         if (record && (record->unsealed || !record->sealed.empty())) child.changed_user = user;
@@ -126,6 +126,13 @@ void OfflineProcesses::finish(Child& child, uint32_t code) {
         child.message.pop_back();
 
     if (child.changed_user.empty() || !on_lost_changes_) return;
+    // While one unload is waited for a person can ask for another: the last to end tells how it went for
+    // both.
+    for (Child& other : children_) {
+        if (other.process == 0 || other.changed_user != child.changed_user) continue;
+        if (child.code != 0) return;
+        other.changed_user.clear();
+    }
     if (child.sealed != success) {
         on_lost_changes_(child.changed_user,
                          "the changes could not be noted down: the disk is full or broken");

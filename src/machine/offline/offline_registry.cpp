@@ -160,4 +160,11 @@ WinCode OfflineRegistry::release_mounts() {
     return worst;
 }
 
+std::vector<std::string> OfflineRegistry::open_mounts() const {
+    std::vector<std::string> names;
+    for (const auto& [name, hive] : open_mounts_)
+        names.push_back(name);
+    return names;
+}
+
 }  // namespace machine

@@ -31,6 +31,8 @@ class OfflineRegistry : public Registry {
     /// Lets go of every mounted hive, its changes sealed: the hive tool may have it next. Not success where a
     /// hive's last changes are lost.
     WinCode release_mounts();
+    /// Names of the mounted hives that are held at present.
+    std::vector<std::string> open_mounts() const;
 
   private:
     /// Where a subkey lies. No store and success: at one of the roots, which hold keys only.
