@@ -100,45 +100,5 @@ TEST_F(Samples, WithRulesBrokenAreNeverWritten) {
     }
 }
 
-TEST_F(Samples, ARealUserHiveKeepsItsSizeHoweverOftenItIsWritten) {
-    TemporaryFolder folder;
-    const FilePlace place{AT_FDCWD, folder / "NTUSER.DAT"};
-    fs::copy_file(samples / "xp-user.NTUSER.DAT", place.name);
-    auto apply = [&](int run) {
-        auto lock = FileLock::acquire(place);
-        auto file = read_hive(place, *lock);
-        Hive& hive = file->hive;
-        const std::u16string policies = u"Software\\Microsoft\\Windows\\CurrentVersion\\Policies\\";
-        const FileTime now = 131331190512216222 + static_cast<FileTime>(run);
-        for (const char16_t* name :
-             {u"Explorer", u"System", u"Network", u"Explorer\\RestrictRun", u"Explorer\\Hide"}) {
-            const auto key = hive.create(policies + name, now);
-            ASSERT_TRUE(key);
-            for (int i = 0; i < 40; ++i) {  // first cleared, then set, as an Apply does
-                const std::u16string value = u"Value" + std::u16string(1, static_cast<char16_t>(u'A' + i));
-                ASSERT_TRUE(hive.set_value(*key, value, {REG_DWORD, {0, 0, 0, 0}}, now));
-                const auto length = static_cast<size_t>(i + run % 2) * 3;
-                ASSERT_TRUE(hive.set_value(*key, value, {REG_SZ, Bytes(length, 'x')}, now));
-            }
-        }
-        ASSERT_TRUE(hive.delete_key(*hive.find(policies + u"Explorer\\RestrictRun"), now));
-        ASSERT_TRUE(commit(place, hive, file->identity, now));
-    };
-    std::vector<uintmax_t> sizes{fs::file_size(place.name)};
-    for (int run = 0; run < 30; ++run) {
-        apply(run);
-        sizes.push_back(fs::file_size(place.name));
-    }
-    std::cout << "  sizes: before " << sizes[0] << ", after one " << sizes[1] << ", after thirty "
-              << sizes.back() << "\n";
-    EXPECT_EQ(sizes.back(), sizes[2])
-        << "both lengths of the values have found their place by the second run";
-    EXPECT_EQ(validate(read_file(place.name)).size(), 0u);
-    if (foreign_reader_is_there()) {
-        const auto ours = open_file(place.name);
-        expect_same(dump(ours->hive), foreign_dump(place.name), "after thirty runs");
-    }
-}
-
 }  // namespace
 }  // namespace regf
