@@ -1,7 +1,7 @@
 # What ./run and ./check share. Sourced from the project's root.
 
 build_packages=(g++ cmake ninja-build qt6-base-dev fonts-liberation)
-test_packages=(libgtest-dev libgmock-dev libbenchmark-dev python3 python3-hivex libhivex-bin reglookup xvfb xdotool openbox imagemagick
+test_packages=(git libgtest-dev libgmock-dev libbenchmark-dev python3 python3-hivex libhivex-bin reglookup xvfb xdotool openbox imagemagick
     clang-format clang-tidy)
 
 # Installs those of the packages that are missing.
