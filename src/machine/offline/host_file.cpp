@@ -88,20 +88,12 @@ FileResult<Descriptor> open_folder(int folder, const std::string& name) {
 }
 
 FileResult<Descriptor> open_file(const HostPlace& place, int flags) {
-    const auto check = [](const struct stat& status) {
-        if (S_ISDIR(status.st_mode)) return path_access;
-        return S_ISREG(status.st_mode) ? no_error : permission_denied;
-    };
-    // Looked at before it is opened, as opening a device may set it going, and again when it cannot change.
     struct stat status {};
-    if (fstatat(place.folder.number(), place.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0)
-        return file_error(errno);
-    if (const FileError error = check(status)) return error;
-    Descriptor file(
-        openat(place.folder.number(), place.name.c_str(), flags | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    if (!file.is_open() || fstat(file.number(), &status) != 0) return file_error(errno);
-    if (const FileError error = check(status)) return error;
-    return file;
+    const bool there = fstatat(place.folder.number(), place.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
+    if (there && S_ISDIR(status.st_mode)) return path_access;
+    auto opened = regf::open_regular(place.hive(), flags);
+    if (!opened) return file_error(opened.error().kind);
+    return std::move(opened->file);
 }
 
 FileResult<std::string> read_all(int file, size_t limit) {
