@@ -35,6 +35,9 @@ std::string upper(std::string_view ansi);
 bool equal_ignoring_case(std::string_view a, std::string_view b);
 bool less_ignoring_case(std::string_view a, std::string_view b);
 
+/// What Windows' ANSI calls and the controls of a form see of a text: all before its first NUL.
+constexpr std::string_view up_to_nul(std::string_view ansi) { return ansi.substr(0, ansi.find('\0')); }
+
 /// Blanks (code 32) only.
 std::string_view trim_blanks(std::string_view ansi);
 

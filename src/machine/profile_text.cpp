@@ -97,7 +97,7 @@ std::string profile_value(std::string_view text, std::string_view section, std::
     const bool quoted =
         value.size() >= 2 && value.front() == value.back() && (value.front() == '"' || value.front() == '\'');
     if (quoted) value = value.substr(1, value.size() - 2);
-    return std::string(up_to_nul(value).substr(0, buffer_size - 1));
+    return std::string(text::up_to_nul(value).substr(0, buffer_size - 1));
 }
 
 std::string with_profile_value(std::string_view text, std::string_view section, std::string_view key,
@@ -109,7 +109,7 @@ std::string with_profile_value(std::string_view text, std::string_view section, 
         if (value) {
             const size_t behind_equals = line.begin + line.content.find('=') + 1;
             const size_t content_end = line.begin + line.content.size();
-            out.replace(behind_equals, content_end - behind_equals, up_to_nul(*value));
+            out.replace(behind_equals, content_end - behind_equals, text::up_to_nul(*value));
         } else {
             out.erase(line.begin, line.end - line.begin);
         }
@@ -117,7 +117,7 @@ std::string with_profile_value(std::string_view text, std::string_view section, 
     }
     if (!value) return out;
 
-    std::string added = std::string(trimmed(key)) + "=" + std::string(up_to_nul(*value)) + "\r\n";
+    std::string added = std::string(trimmed(key)) + "=" + std::string(text::up_to_nul(*value)) + "\r\n";
     if (!place.section_found) added = "[" + std::string(trimmed(section)) + "]\r\n" + added;
     const size_t at = place.section_found ? place.insert_at : out.size();
     const bool line_open = at > 0 && out[at - 1] != '\n' && out[at - 1] != '\r';

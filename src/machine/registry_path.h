@@ -5,17 +5,15 @@
 #include <vector>
 
 #include "base/result.h"
+#include "base/text.h"
 #include "machine/codes.h"
 
 namespace machine {
 
-/// What the ANSI calls see of a text: all before its first NUL.
-inline std::string_view up_to_nul(std::string_view text) { return text.substr(0, text.find('\0')); }
-
 /// The levels of a subkey. Empty ones (a closing or a doubled backslash) are passed over; bad_path_name for a
 /// leading backslash.
 inline BasicResult<std::vector<std::string_view>, WinCode> split_subkey(std::string_view subkey) {
-    subkey = up_to_nul(subkey);
+    subkey = text::up_to_nul(subkey);
     if (subkey.starts_with('\\')) return bad_path_name;
     std::vector<std::string_view> levels;
     while (!subkey.empty()) {

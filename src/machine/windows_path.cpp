@@ -86,7 +86,7 @@ bool WindowsPath::operator==(const WindowsPath& other) const {
 }
 
 BasicResult<WindowsPath, FileError> parse_path(std::string_view path) {
-    path = path.substr(0, path.find('\0'));
+    path = text::up_to_nul(path);
     if (path.empty()) return path_access;
     if (!has_drive(path)) return no_such_path;
     WindowsPath out{text::upper(path[0]), {}};
@@ -112,7 +112,7 @@ bool is_plain_name(std::string_view name) {
 }
 
 BasicResult<SearchPattern, FileError> parse_pattern(std::string_view pattern) {
-    pattern = pattern.substr(0, pattern.find('\0'));
+    pattern = text::up_to_nul(pattern);
     const auto last = pattern.find_last_of(separators);
     if (last == std::string_view::npos) return no_such_path;
     const auto folder = parse_path(pattern.substr(0, last + 1));

@@ -89,7 +89,4 @@ class REGISTRY_MOD {
 /// The tick rule: only a number that is exactly 1 ticks; no text does.
 bool ticks(std::string_view read_value);
 
-/// Basic's Like: * any run, ? one character, # a digit, [a-z] and [!a-z] classes.
-bool like(std::string_view text, std::string_view pattern);
-
 }  // namespace britlock

@@ -25,7 +25,7 @@ Result<std::string> mount_name(const std::string& key) {
     if (!ansi) return Error{ErrorKind::invalid, "Windows cannot spell the key " + key + " in its code page"};
     const std::string name = ansi->substr(std::min(root.size(), ansi->size()));
     const bool below_users = text::equal_ignoring_case(ansi->substr(0, root.size()), root);
-    const bool plain = name.find('\\') == std::string::npos && machine::up_to_nul(name) == name;
+    const bool plain = name.find('\\') == std::string::npos && text::up_to_nul(name) == name;
     if (!below_users || name.empty() || !plain)
         return Error{ErrorKind::invalid, key + " is not a key directly below HKU"};
     return name;

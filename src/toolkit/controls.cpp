@@ -11,8 +11,6 @@ namespace toolkit {
 
 namespace {
 
-std::string up_to_nul(std::string_view text) { return std::string(text.substr(0, text.find('\0'))); }
-
 constexpr int longest_list = std::numeric_limits<int16_t>::max();
 
 void check_index(int index, size_t count) {
@@ -36,7 +34,7 @@ void Control::refresh() const {
 }
 
 void Control::set_text(std::string_view text) {
-    text_ = up_to_nul(text);
+    text_ = text::up_to_nul(text);
     refresh();
 }
 
@@ -84,7 +82,7 @@ bool Control::usable() const {
 // --- TextBox
 
 void TextBox::set_text(std::string_view text) {
-    std::string whole = up_to_nul(text);
+    std::string whole(text::up_to_nul(text));
     if (max_length_ > 0) whole.resize(std::min<size_t>(whole.size(), max_length_));
     Control::set_text(whole);
 }
@@ -148,7 +146,7 @@ const std::string& ListBox::item(int index) const {
 
 void ListBox::add(std::string_view text) {
     if (count() == longest_list) throw RuntimeError(6);
-    items_.push_back(up_to_nul(text));
+    items_.emplace_back(text::up_to_nul(text));
     refresh();
 }
 
@@ -186,7 +184,7 @@ void ListBox::click_item(int index) {
 // --- ComboBox
 
 void ComboBox::add(std::string_view text) {
-    items_.push_back(up_to_nul(text));
+    items_.emplace_back(text::up_to_nul(text));
     refresh();
 }
 
@@ -201,7 +199,7 @@ void ComboBox::choose(int index) {
 // --- ListView
 
 void ListView::add(std::string_view text, std::string_view key) {
-    rows_.push_back({up_to_nul(text), std::string(key), false});
+    rows_.push_back({std::string(text::up_to_nul(text)), std::string(key), false});
     refresh();
 }
 
@@ -269,7 +267,7 @@ void ListBar::click_item(int index) {
 // --- StatusBar
 
 void StatusBar::add(Panel panel) {
-    panel.text = up_to_nul(panel.text);
+    panel.text = text::up_to_nul(panel.text);
     panels_.push_back(std::move(panel));
     refresh();
 }
@@ -281,7 +279,7 @@ const std::string& StatusBar::panel_text(int index) const {
 
 void StatusBar::set_panel_text(int index, std::string_view text) {
     check_index(index - 1, panels_.size());
-    panels_[index - 1].text = up_to_nul(text);
+    panels_[index - 1].text = text::up_to_nul(text);
     refresh();
 }
 
@@ -385,7 +383,7 @@ MenuItem::MenuItem(MenuItem& parent, std::string_view name)
 }
 
 void MenuItem::set_caption(std::string_view caption) {
-    caption_ = up_to_nul(caption);
+    caption_ = text::up_to_nul(caption);
     form_.refresh();
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/text.h"
 #include "toolkit/toolkit.h"
 
 namespace toolkit {
@@ -11,7 +12,7 @@ Form::Form(Toolkit& toolkit, std::string_view name) : toolkit_(toolkit), name_(n
 Form::~Form() { toolkit_.forget(this); }
 
 void Form::set_caption(std::string_view caption) {
-    caption_ = caption.substr(0, caption.find('\0'));
+    caption_ = text::up_to_nul(caption);
     refresh();
 }
 

@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/text.h"
+
 namespace toolkit {
 
 namespace {
 
 std::string as_shown(std::string_view text) {
-    std::string out(text.substr(0, text.find('\0')));
+    std::string out(text::up_to_nul(text));
     for (size_t i = 0; i < out.size(); ++i) {
         if (out[i] != '\r') continue;
         if (i + 1 < out.size() && out[i + 1] == '\n') {

@@ -104,7 +104,7 @@ std::string UserDirectory::REG_GetUserProfileList(std::string_view sidname) {
                   "Registry entry could not be read/found.");
         return "";
     }
-    const std::string path = image_path.data.substr(0, image_path.data.find('\0'));
+    const std::string path(text::up_to_nul(image_path.data));
     const size_t backslash = path.rfind('\\');
     return backslash == std::string::npos ? "" : path.substr(backslash + 1);
 }

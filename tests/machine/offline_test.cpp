@@ -356,7 +356,7 @@ TEST(OfflineRegistry, ATextBeyondTheCodePageSurvivesReadingAndWriting) {
     for (const char* name : {"1", "2", "3", "4"}) {
         RawValue value;
         EXPECT_EQ(registry.query(Root::users, place, name, value).action, success);
-        texts.push_back(value.data.substr(0, value.data.find('\0')));
+        texts.emplace_back(text::up_to_nul(value.data));
         EXPECT_EQ(registry.delete_value(Root::users, place, name).action, success);
     }
     EXPECT_EQ(texts[0], U" ?ód?.exe"_ansi);

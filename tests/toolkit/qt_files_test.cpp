@@ -77,7 +77,7 @@ TEST(FileFilter, PatternsAndNames) {
                                                   {"\xc4*", "\xe4pfel", true},
                                                   {"", "", true},
                                                   {"*", "", true}}) {
-        EXPECT_EQ(qt::matches(pattern, name), expected) << pattern << " " << name;
+        EXPECT_EQ(qt::matches(name, pattern), expected) << pattern << " " << name;
     }
     EXPECT_EQ(qt::extension_of("*.brl;*.txt"), ".brl");
     EXPECT_EQ(qt::extension_of("*.*"), "");

@@ -116,7 +116,7 @@ MemoryRegistry::Opened MemoryRegistry::open(Root root, std::string_view subkey, 
 Outcome MemoryRegistry::query(Root root, std::string_view subkey, std::string_view name, RawValue& out) {
     const Opened opened = open(root, subkey, Access::read_only);
     if (!opened.key) return refused(opened.code);
-    const auto value = opened.key->values.find(up_to_nul(name));
+    const auto value = opened.key->values.find(text::up_to_nul(name));
     if (value == opened.key->values.end()) return {success, file_not_found};
     out = value->second;
     return {};
@@ -127,7 +127,7 @@ Outcome MemoryRegistry::set(Root root, std::string_view subkey, std::string_view
     const Opened opened = open(root, subkey, Access::full);
     if (!opened.key) return refused(opened.code);
     if (failing_set != success) return {success, failing_set};
-    opened.key->set(up_to_nul(name), value);
+    opened.key->set(text::up_to_nul(name), value);
     return {};
 }
 
@@ -135,7 +135,7 @@ Outcome MemoryRegistry::delete_value(Root root, std::string_view subkey, std::st
     const Opened opened = open(root, subkey, Access::full);
     if (!opened.key) return refused(opened.code);
     if (failing_delete != success) return {success, failing_delete};
-    const auto value = opened.key->values.find(up_to_nul(name));
+    const auto value = opened.key->values.find(text::up_to_nul(name));
     if (value == opened.key->values.end()) return {success, file_not_found};
     opened.key->values.erase(value);
     return {};

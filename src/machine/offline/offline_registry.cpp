@@ -84,7 +84,7 @@ Outcome OfflineRegistry::query(Root root, std::string_view subkey, std::string_v
     const Opened opened = open(locate(root, subkey));
     if (opened.code != success) return refused(opened.code);
     if (!opened.key) return {success, file_not_found};
-    const auto value = opened.hive->value(*opened.key, text::to_utf16(up_to_nul(name)));
+    const auto value = opened.hive->value(*opened.key, text::to_utf16(text::up_to_nul(name)));
     if (!value) return {success, file_not_found};
     out = spelling_.to_ansi(*value);
     return {};
@@ -98,15 +98,15 @@ Outcome OfflineRegistry::set(Root root, std::string_view subkey, std::string_vie
     const auto stored = spelling_.to_stored(value);
     if (!stored) return {success, no_such_spelling};
     return {success, target.store->apply(change(regf::Change::Kind::set_value, std::move(target.path),
-                                                up_to_nul(name), *stored))};
+                                                text::up_to_nul(name), *stored))};
 }
 
 Outcome OfflineRegistry::delete_value(Root root, std::string_view subkey, std::string_view name) {
     Target target = locate(root, subkey);
     if (const WinCode code = open_for_writing(target); code != success) return refused(code);
     if (!target.store) return {success, file_not_found};
-    return {success, target.store->apply(
-                         change(regf::Change::Kind::delete_value, std::move(target.path), up_to_nul(name)))};
+    return {success, target.store->apply(change(regf::Change::Kind::delete_value, std::move(target.path),
+                                                text::up_to_nul(name)))};
 }
 
 Registry::Disposition OfflineRegistry::create_key(Root root, std::string_view subkey) {

@@ -140,7 +140,7 @@ void FileWindow::show_drive() {
 
 void FileWindow::show_files() {
     files_ = or_empty([&] { return source_.files(folder_); });
-    std::erase_if(files_, [this](const std::string& name) { return !matches(pattern_, name); });
+    std::erase_if(files_, [this](const std::string& name) { return !matches(name, pattern_); });
     file_list_->lines().refresh();
     file_list_->select(-1);
 }

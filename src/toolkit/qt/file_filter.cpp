@@ -1,6 +1,7 @@
 #include "toolkit/qt/file_filter.h"
 
 #include "base/text.h"
+#include "base/wildcards.h"
 
 namespace toolkit::qt {
 
@@ -16,27 +17,6 @@ std::vector<std::string_view> split(std::string_view text, char at) {
     return parts;
 }
 
-/// One pattern, both in lower case. On a mismatch the last star takes one letter more: no recursion, so that
-/// no pattern takes for ever.
-bool fits(std::string_view pattern, std::string_view name) {
-    size_t p = 0, n = 0, star = std::string_view::npos, taken = 0;
-    while (n < name.size()) {
-        if (p < pattern.size() && pattern[p] == '*') {
-            star = p++;
-            taken = n;
-        } else if (p < pattern.size() && (pattern[p] == '?' || pattern[p] == name[n])) {
-            ++p;
-            ++n;
-        } else if (star != std::string_view::npos) {
-            p = star + 1;
-            n = ++taken;
-        } else {
-            return false;
-        }
-    }
-    return pattern.find_first_not_of('*', p) == std::string_view::npos;
-}
-
 }  // namespace
 
 std::vector<Filter> parse_filters(std::string_view text) {
@@ -47,11 +27,11 @@ std::vector<Filter> parse_filters(std::string_view text) {
     return filters;
 }
 
-bool matches(std::string_view pattern, std::string_view name) {
+bool matches(std::string_view name, std::string_view pattern) {
     const std::string lower_name = text::lower(name);
     for (const std::string_view one : split(pattern, ';')) {
         const std::string_view bare = text::trim_blanks(one);
-        if (bare == "*.*" || fits(text::lower(bare), lower_name)) return true;
+        if (bare == "*.*" || text::like(lower_name, text::lower(bare))) return true;
     }
     return false;
 }

@@ -16,7 +16,7 @@ struct Filter {
 std::vector<Filter> parse_filters(std::string_view text);
 
 /// Without case; * any letters, ? any one letter, *.* every name.
-bool matches(std::string_view pattern, std::string_view name);
+bool matches(std::string_view name, std::string_view pattern);
 
 /// ".brl" of "*.brl;*.txt"; "" where the pattern gives none.
 std::string extension_of(std::string_view pattern);
