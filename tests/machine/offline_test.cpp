@@ -17,6 +17,7 @@
 #include "machine/memory/journal.h"
 #include "machine/memory/memory_registry.h"
 #include "machine/offline_fixture.h"
+#include "platform/product_setup.h"
 
 using namespace machine;
 using namespace text::literals;
@@ -263,14 +264,14 @@ TEST(Installation, TellsWhatItIsOrWhyItIsNotServed) {
 TEST(Installation, IsPreparedOnceAndNotTouchedAgain) {
     OfflineFixture fixture;
     const fs::path software = fixture.disk() / "WINDOWS/system32/config/software";
-    prepare_installation(fixture.machine().registry);
+    britlock::prepare_installation(fixture.machine().registry);
     EXPECT_EQ(stored_text(software, u"Microsoft\\Windows\\CurrentVersion\\Uninstall\\Brightlock Suite",
                           u"DisplayName"),
               "Brightlock Suite");
     EXPECT_EQ(findings(software), "");
     const std::string once = bytes_of(software);
     fixture.open();
-    prepare_installation(fixture.machine().registry);
+    britlock::prepare_installation(fixture.machine().registry);
     EXPECT_EQ(fixture.machine().registry.create_key(Root::local_machine, "SOFTWARE\\Morvane\\BRLCK"),
               Registry::Disposition::opened);
     EXPECT_EQ(bytes_of(software), once);
@@ -293,7 +294,7 @@ TEST(OfflineRegistry, KeepsThePersonsOwnSettingsBetweenRuns) {
 TEST(OfflineRegistry, ReadsAgainWhatSomebodyElseHasChanged) {
     OfflineFixture fixture;
     Registry& registry = fixture.machine().registry;
-    prepare_installation(registry);
+    britlock::prepare_installation(registry);
     RawValue value;
     EXPECT_EQ(registry.query(Root::local_machine, "Software\\Morvane\\BRLCK", "Country", value).action,
               file_not_found);
@@ -306,7 +307,7 @@ TEST(OfflineRegistry, ReadsAgainWhatSomebodyElseHasChanged) {
 TEST(OfflineRegistry, WritesBehindAnInstanceThatCommitsThisMoment) {
     OfflineFixture fixture;
     Registry& registry = fixture.machine().registry;
-    prepare_installation(registry);
+    britlock::prepare_installation(registry);
     const fs::path software = fixture.disk() / "WINDOWS/system32/config/software";
     const std::string key = "Software\\Morvane\\BRLCK";
     RawValue value;

@@ -30,7 +30,7 @@ struct Restricted : World {
         return key ? key->dump() : "(missing)";
     }
     /// Reads the user afresh into a program started anew.
-    main& reread() {
+    MainForm& reread() {
         enter();
         if (nt()) choose("Anna");
         return window();
@@ -51,7 +51,7 @@ TEST(Engine, AnApplyWithoutTicksLeavesEveryValueAtZero) {
         SCOPED_TRACE(w.program->reg.get_os_name());
         w.user()["Control Panel\\Desktop"].set("Wallpaper", "own.bmp");
         w.apply();
-        for (const Restriction& row : catalogue()) {
+        for (const Restriction& row : Get_CR()) {
             if (!row.value_name || !row.key || row.index == 80 || row.index == 90) continue;
             const MemoryKey* key = w.user().find(row.key);
             ASSERT_TRUE(key) << row.index;
@@ -137,7 +137,7 @@ TEST(Engine, EachFamilyStoresAppletsAndCommandLineInItsOwnForm) {
         w.windows.files.add_file(
             w.windows.system.windows_folder + "\\CONTROL.INI",
             "; mine\r\n[Don't Load]\r\nSYSDM.CPL=yes\r\nDESK.CPL=no\r\n[other]\r\nx=1\r\n");
-        main& window = w.reread();
+        MainForm& window = w.reread();
         EXPECT_EQ(window.lv1.rows()[13].checked, !w.nt()) << "on Windows 9X any text hides";
         w.screen.act([&] {
             window.tab.click_tab(1);
@@ -169,7 +169,7 @@ TEST(Engine, EachFamilyStoresAppletsAndCommandLineInItsOwnForm) {
                       "; mine\r\n[Don't Load]\r\nAPPWIZ.CPL=no\r\nDrucker und "
                       "Faxger\xE4te=no\r\n[other]\r\nx=1\r\n");
         }
-        main& again = w.reread();
+        MainForm& again = w.reread();
         for (size_t i = 0; i < again.lv1.rows().size(); ++i)
             EXPECT_EQ(again.lv1.rows()[i].checked, i == 0 || i == 30) << i;
         EXPECT_TRUE(again.c96.ticked());
@@ -191,7 +191,7 @@ TEST(Engine, OnlyTheNumberOneTicks) {
         w.user()[key::explorer].set("NoClose", row.value);
         w.user()[key::hide].set("D", row.value);
         w.user()[key::explorer].set("RestrictRun", row.value);
-        main& window = w.reread();
+        MainForm& window = w.reread();
         EXPECT_EQ(window.c11.ticked(), row.ticked) << row.what;
         EXPECT_EQ(window.drive_boxes[3].ticked(), row.ticked) << row.what;
         EXPECT_EQ(window.c41.ticked(), row.ticked) << row.what;
@@ -211,7 +211,7 @@ TEST(Engine, ReadingShowsTheOddities) {
     w.user()[key::desktop].set("Wallpaper", "C:\\gone.bmp");
     w.windows.files.add_file("C:\\MSDOS.SYS",
                              "[Options]\r\nAutoscan=2\r\nAutoScan=0\r\nx=1, \"Bootkeys=0\"\r\n");
-    main& window = w.reread();
+    MainForm& window = w.reread();
     EXPECT_FALSE(window.c16.ticked()) << "the last of its three values decides";
     EXPECT_TRUE(window.c31.ticked());
     EXPECT_FALSE(window.c90.ticked()) << "only \"No\", capitals counting";
@@ -233,7 +233,7 @@ TEST(Engine, ReadingShowsTheOddities) {
 
 TEST(Engine, TheSettingsFolderBoxTicksTheTaskbarBox) {
     Restricted w;
-    main& window = w.window();
+    MainForm& window = w.window();
     w.click(window.c16);
     EXPECT_TRUE(window.c31.ticked());
     w.click(window.c31);
@@ -281,13 +281,13 @@ TEST(Engine, RegistrationTextsBecomeNumbersInTheUsersOwnBranch) {
         w.windows.registry.at(HKEY_LOCAL_MACHINE, "Software\\Microsoft\\Windows NT\\CurrentVersion");
     registration.set("RegisteredOrganization", "3 5 AG").set("RegisteredOwner", "School");
     w.user()["Software\\Microsoft\\Windows NT\\CurrentVersion"];
-    w.user()[product_key];
+    w.user()[product::key];
     w.reread();
     EXPECT_EQ(w.window().t82.text(), "School");
     w.apply();
     EXPECT_EQ(w.under("Software\\Microsoft\\Windows NT\\CurrentVersion"),
               " : RegisteredOrganization = dword 35\n : RegisteredOwner = dword 0\n");
-    EXPECT_EQ(w.under(product_key), " : PWHide = dword 1\n");
+    EXPECT_EQ(w.under(product::key), " : PWHide = dword 1\n");
     EXPECT_THAT(registration.dump(), HasSubstr("\"3 5 AG\"")) << "the machine's data are not touched";
 
     w.screen.act([&] { w.window().t81.set_text("5000000000 AG"); });
@@ -321,7 +321,7 @@ TEST(Engine, TheStartShowsTheRunningAccountByEmptyPaths) {
     own[key::hide].set("C", 1);
     own[key::desktop].set("Wallpaper", "C:\\own.bmp");
     w.windows.files.add_file("C:\\own.bmp", "no picture");  // passed over without a word
-    main& window = w.enter();
+    MainForm& window = w.enter();
     EXPECT_TRUE(window.c11.ticked());
     EXPECT_FALSE(window.c15.ticked()) << "not read at the start";
     EXPECT_TRUE(window.c110.ticked()) << "spelt differently there, which the registry does not mind";

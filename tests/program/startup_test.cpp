@@ -79,7 +79,7 @@ TEST(Startup, CancellingTheFirstPasswordOpensMainAndAsksAgainNextTime) {
 
 TEST(Startup, APasswordThatCannotBeStoredIsReportedAsSavedAllTheSame) {
     World w;
-    w.windows.registry.at(HKEY_LOCAL_MACHINE, product_key).access = Access::read_only;
+    w.windows.registry.at(HKEY_LOCAL_MACHINE, product::key).access = Access::read_only;
     w.screen.expect_box("Set a Password !");
     w.start();
     w.screen.expect_box("Password...");
@@ -143,7 +143,7 @@ TEST(Startup, WarnsWhoIsNoAdministratorOnTheNtFamilyOnly) {
           TokenCase{"Windows 98", versions::win98, std::nullopt, false, true}}) {
         SCOPED_TRACE(c.what);
         World w(c.version);
-        w.windows.registry.at(HKEY_LOCAL_MACHINE, product_key).set("UserPW", "x");
+        w.windows.registry.at(HKEY_LOCAL_MACHINE, product::key).set("UserPW", "x");
         w.windows.system.groups = c.groups;
         if (c.warned) w.screen.expect_box("Admin privileges required !");
         if (!c.survives) w.screen.expect_box("Brightlock Suite");
@@ -209,7 +209,7 @@ TEST(Startup, SpeaksGerman) {
     w.screen.expect_box("Kennwort festlegen...");
     w.start();
     EXPECT_EQ(w.program->loaded<setpass>()->caption(), "Neues Kennwort festlegen");
-    main& window = w.enter();
+    MainForm& window = w.enter();
     EXPECT_EQ(window.cmd_set.text(), "&Setzen");
     EXPECT_EQ(window.tab.captions()[8], "&9.)");
     EXPECT_EQ(window.StatusBar.panels()[1].width, 3200);
@@ -219,11 +219,11 @@ TEST(Startup, SpeaksGerman) {
 
 TEST(Startup, ClosingTheWindowsEndsTheProcess) {
     World w;
-    main& window = w.enter();
+    MainForm& window = w.enter();
     EXPECT_FALSE(w.screen.act([&] { window.close_by_frame(); }));
 
     World prompt;
-    prompt.windows.registry.at(HKEY_LOCAL_MACHINE, product_key).set("UserPW", "x");
+    prompt.windows.registry.at(HKEY_LOCAL_MACHINE, product::key).set("UserPW", "x");
     prompt.start();
     EXPECT_FALSE(prompt.screen.act([&] { prompt.program->loaded<getpass>()->close_by_frame(); }))
         << "no form is left";

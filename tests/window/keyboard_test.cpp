@@ -11,7 +11,8 @@
 #include "startup/program.h"
 #include "toolkit/qt/peer.h"
 #include "toolkit/qt/qt_toolkit.h"
-#include "ui/main.h"
+#include "ui/forms.h"
+#include "ui/main_form.h"
 
 namespace britlock {
 namespace {
@@ -24,12 +25,13 @@ class Keyboard : public testing::TestWithParam<int> {
   protected:
     Keyboard() {
         windows.system.drives = 0b101;  // A and C: the other letters are grey
-        screen.deliver([this] { program.show<main>(); });
+        add_forms(program);
+        screen.deliver([this] { program.show<MainForm>(); });
         EXPECT_TRUE(QTest::qWaitForWindowActive(&top()));
     }
     ~Keyboard() override { screen.destroy_window(window()); }
 
-    main& window() { return *program.loaded<main>(); }
+    MainForm& window() { return *program.loaded<MainForm>(); }
     static QWidget* widget_of(const Control& control) {
         auto* peer = dynamic_cast<toolkit::qt::WidgetPeer*>(control.peer);
         return peer ? &peer->widget() : nullptr;

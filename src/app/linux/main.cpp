@@ -9,9 +9,11 @@
 #include "machine/offline/offline_machine.h"
 #include "machine/offline/sample_installation.h"
 #include "platform/folder_browser.h"
+#include "platform/product_setup.h"
 #include "startup/program.h"
 #include "toolkit/qt/qt_toolkit.h"
-#include "ui/main.h"
+#include "ui/forms.h"
+#include "ui/main_form.h"
 
 using namespace text::literals;
 
@@ -61,7 +63,7 @@ int make_sample(const std::string& folder) {
     return made ? 0 : complain(made.error().message);
 }
 
-void choose_user(britlock::main& window, const std::string& user) {
+void choose_user(britlock::MainForm& window, const std::string& user) {
     const auto& names = window.Combo_user.items();
     for (size_t i = 0; i < names.size(); ++i) {
         if (names[i] == user) window.Combo_user.choose(static_cast<int>(i));
@@ -70,8 +72,8 @@ void choose_user(britlock::main& window, const std::string& user) {
 
 /// Shows the main window and nothing else. No password is asked for, since nothing can be done in a picture.
 void take_screenshot(britlock::Program& program, toolkit::QtToolkit& screen, const Options& options) {
-    program.show<britlock::main>();
-    britlock::main& window = *program.loaded<britlock::main>();
+    program.show<britlock::MainForm>();
+    britlock::MainForm& window = *program.loaded<britlock::MainForm>();
     window.go_to_page(options.page);
     if (const auto user = text::from_utf8(options.user)) choose_user(window, *user);
     window.Timer1_Timer();
@@ -112,7 +114,7 @@ int run(const Options& options) {
     if (!windows) return complain(windows.error().message);
 
     machine::Machine its = (*windows)->machine();
-    if (options.command_line != "/icon") machine::prepare_installation(its.registry);
+    if (options.command_line != "/icon") britlock::prepare_installation(its.registry);
     britlock::FolderBrowser folders(its);
     static char name[] = "britlock";
     char* arguments[] = {name, nullptr};
@@ -131,6 +133,7 @@ int run(const Options& options) {
     }
     screen = toolkit.get();
     britlock::Program program(its, *toolkit, BRITLOCK_LANGUAGE);
+    britlock::add_forms(program);
     toolkit->run([&] {
         if (options.screenshot.empty()) return program.start();
         take_screenshot(program, *toolkit, options);
