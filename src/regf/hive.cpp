@@ -316,6 +316,11 @@ Result<Done> Hive::apply(const Change& change) {
     return Error{ErrorKind::invalid, "not a change"};
 }
 
+int Hive::count_differences() const {
+    const Image opened(state_->opened);
+    return regf::count_differences(*model_of(opened), *model_of(state_->image));
+}
+
 // --- sealing
 
 Result<Bytes> Hive::sealed_image(FileTime now) const {

@@ -153,6 +153,9 @@ class Hive {
     /// What was done since the hive was opened, in order; no-ops are not among it.
     const std::vector<Change>& changes() const;
 
+    /// How many values and keys differ from the hive as it was opened.
+    int count_differences() const;
+
     /// The image to be written: sequence numbers raised, time stamps and checksum set, then parsed and
     /// validated afresh and compared with the image as it was opened: the two differ in what `changes()`
     /// asked for and in nothing else. `damaged` if that does not hold (our own fault; nothing may be written

@@ -127,4 +127,41 @@ std::string first_difference(const ModelKey& expected, const ModelKey& found) {
     return "";
 }
 
+namespace {
+
+int size_of(const ModelKey& key) {
+    int size = 1 + static_cast<int>(key.values.size());
+    for (const auto& child : key.subkeys)
+        size += size_of(*child);
+    return size;
+}
+
+/// Values of `key` that `other` lacks; those with other content count where `changed` asks for them.
+int count_values(const ModelKey& key, const ModelKey& other, bool changed) {
+    return static_cast<int>(std::ranges::count_if(key.values, [&](const auto& value) {
+        const auto same = std::ranges::find_if(
+            other.values, [&](const auto& any) { return same_name(any.name, value.name); });
+        return same == other.values.end() || (changed && !(same->value == value.value));
+    }));
+}
+
+}  // namespace
+
+int count_differences(const ModelKey& before, const ModelKey& after) {
+    int count = count_values(before, after, true) + count_values(after, before, false);
+    auto old = before.subkeys.begin();
+    auto now = after.subkeys.begin();
+    while (old != before.subkeys.end() || now != after.subkeys.end()) {  // both are ascending
+        const int order = old == before.subkeys.end()  ? 1
+                          : now == after.subkeys.end() ? -1
+                                                       : compare_names((*old)->name, (*now)->name);
+        if (order == 0) {
+            count += count_differences(**old++, **now++);
+        } else {
+            count += order < 0 ? size_of(**old++) : size_of(**now++);
+        }
+    }
+    return count;
+}
+
 }  // namespace regf

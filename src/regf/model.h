@@ -36,4 +36,7 @@ bool apply_to_model(ModelKey& root, const Change& change);
 /// Empty where both are the same; else the path of the first difference and what it is.
 std::string first_difference(const ModelKey& expected, const ModelKey& found);
 
+/// Values that are new, gone or have other content, and keys that are new or gone, each with all in it.
+int count_differences(const ModelKey& before, const ModelKey& after);
+
 }  // namespace regf

@@ -12,6 +12,7 @@ namespace regg {
 namespace {
 
 using machine::MountRecord;
+using machine::ToolReport;
 using regf::Error;
 using regf::ErrorKind;
 using regf::Result;
@@ -69,13 +70,15 @@ Result<Done> load(const Setting& setting, const std::string& file, const std::st
 
 /// The changes of a mount that cannot be written any more are dropped with it: nothing would ever free its
 /// name.
-Result<Done> drop(const Setting& setting, const MountRecord& record, const Error& reason) {
+Result<Done> drop(const Setting& setting, const MountRecord& record, const Error& reason,
+                  ToolReport& report) {
     if (auto removed = setting.mounts.remove(record.mount.name); !removed) return removed;
     if (record.sealed.empty()) return Done{};
+    report.changes_lost = true;
     return Error{reason.kind, reason.message + "; what was to be written to it is dropped"};
 }
 
-Result<Done> unload(const Setting& setting, const std::string& name, std::string& note) {
+Result<Done> unload(const Setting& setting, const std::string& name, ToolReport& report) {
     if (!setting.mounts.find(name)) return Error{ErrorKind::missing, "no hive is mounted there"};
     const auto hive = machine::open_mounted(setting.drives, setting.mounts, name);
     if (!hive) {
@@ -84,29 +87,46 @@ Result<Done> unload(const Setting& setting, const std::string& name, std::string
         if (record && kind == ErrorKind::changed && machine::is_written(setting.drives, *record))
             return setting.mounts.remove(name);
         if (record && (kind == ErrorKind::changed || kind == ErrorKind::missing))
-            return drop(setting, *record, hive.error());
+            return drop(setting, *record, hive.error(), report);
         return hive.error();
     }
-    if (hive->record.unsealed) note = "the unfinished changes of a run that was broken off are dropped";
+    if (hive->record.unsealed) {
+        report.changes_lost = true;
+        report.detail = "the unfinished changes of a run that was broken off are dropped";
+    }
     const auto announce = [&](const regf::HiveStamp& stamp) { setting.mounts.announce(hive->record, stamp); };
     const auto written = regf::commit(hive->place.hive(), hive->file.hive, hive->file.identity,
                                       regf::current_file_time(), announce);
     if (!written)
         return Error{written.error().kind, written.error().message + "; it is kept for the next unload"};
+    report.changed = hive->file.hive.count_differences();
     return setting.mounts.remove(name);
 }
 
-}  // namespace
-
-Result<Done> run(const Setting& setting, const std::vector<std::string>& words, std::string& note) {
+Result<Done> work(const Setting& setting, const std::vector<std::string>& words, ToolReport& report) {
     const bool loads = words.size() == 3 && words[0] == "load";
     const bool unloads = words.size() == 2 && words[0] == "unload";
     if (!loads && !unloads) return Error{ErrorKind::invalid, usage};
     const auto name = mount_name(words.back());
     if (!name) return name.error();
-    auto done = loads ? load(setting, words[1], *name) : unload(setting, *name, note);
+    report.verb = loads ? ToolReport::Verb::load : ToolReport::Verb::unload;
+    report.name = *name;
+    auto done = loads ? load(setting, words[1], *name) : unload(setting, *name, report);
     if (done) return done;
     return Error{done.error().kind, "HKU\\" + text::to_utf8(*name) + ": " + done.error().message};
+}
+
+}  // namespace
+
+ToolReport run(const Setting& setting, const std::vector<std::string>& words) {
+    ToolReport report;
+    const auto done = work(setting, words, report);
+    report.succeeded = done.ok();
+    if (!done) {
+        report.why = done.error().kind;
+        report.detail = done.error().message;
+    }
+    return report;
 }
 
 }  // namespace regg

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "machine/offline/mount_table.h"
+#include "machine/offline/tool_report.h"
 
 /// The work of the hive tool. A hive that is mounted is a record beside the installation; its file is written
 /// once, when it is unloaded, and as a whole.
@@ -16,8 +17,8 @@ struct Setting {
     machine::MountTable mounts;
 };
 
-/// `load <file> HKU\<name>` or `unload HKU\<name>`, words in UTF-8. The error's message is one line. A note
-/// is a line about something that went well and still should be known.
-regf::Result<Done> run(const Setting& setting, const std::vector<std::string>& words, std::string& note);
+/// `load <file> HKU\<name>` or `unload HKU\<name>`, words in UTF-8. After a success too the report may have a
+/// detail: something that should be known.
+machine::ToolReport run(const Setting& setting, const std::vector<std::string>& words);
 
 }  // namespace regg

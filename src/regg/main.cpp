@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -6,6 +8,15 @@
 #include "regg/hive_tool.h"
 
 namespace {
+
+using machine::ToolReport;
+
+ToolReport failed(regf::ErrorKind why, const std::string& detail) {
+    ToolReport report;
+    report.why = why;
+    report.detail = detail;
+    return report;
+}
 
 regf::Result<regg::Setting> setting_of_environment() {
     const char* drives = std::getenv("BRIGHTLOCK_DRIVES");
@@ -16,23 +27,31 @@ regf::Result<regg::Setting> setting_of_environment() {
     return regg::Setting{std::move(*map), drives != nullptr, machine::MountTable(folder)};
 }
 
-int work(const std::vector<std::string>& words) {
-    const auto setting = setting_of_environment();
-    std::string note;
-    const auto done = setting ? regg::run(*setting, words, note) : regf::Result<Done>(setting.error());
-    const std::string& line = done ? note : done.error().message;
-    if (!line.empty()) (void)std::fprintf(stderr, "regg: %s\n", line.c_str());
-    return done ? EXIT_SUCCESS : EXIT_FAILURE;
+ToolReport work(const std::vector<std::string>& words) {
+    try {
+        const auto setting = setting_of_environment();
+        return setting ? regg::run(*setting, words) : failed(setting.error().kind, setting.error().message);
+    } catch (const std::exception&) {
+        return failed(regf::ErrorKind::no_space, "there is not enough memory for this hive");
+    }
+}
+
+/// To the program that asked, or to the person at the terminal.
+void tell(const ToolReport& report) {
+    const char* descriptor = std::getenv(machine::report_descriptor_variable);
+    if (descriptor) {
+        (void)machine::write_all(std::atoi(descriptor), machine::encode(report));  // nobody else to tell
+    } else if (!report.detail.empty()) {
+        (void)std::fprintf(stderr, "regg: %s\n", report.detail.c_str());
+    }
 }
 
 }  // namespace
 
 int main(int count, char** words) {
     (void)std::signal(SIGXFSZ, SIG_IGN);  // a limit on file sizes is an error to report like a full disk
-    try {
-        return work({words + 1, words + count});
-    } catch (const std::exception&) {  // a hive may be larger than the memory
-        (void)std::fputs("regg: there is not enough memory for this hive\n", stderr);
-        return EXIT_FAILURE;
-    }
+    (void)std::signal(SIGPIPE, SIG_IGN);  // who asked may be gone; what is begun is ended all the same
+    const ToolReport report = work({words + 1, words + count});
+    tell(report);
+    return report.succeeded ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -41,9 +41,7 @@ class OfflineFixture {
         options.drives = {{'C', disk().string()}};
         options.executables = PROGRAM_FOLDER;
         options.state_folder = (folder_.path() / "state").string();
-        options.on_lost_changes = [this](const std::string& user, const std::string& message) {
-            lost_changes.push_back(user + ": " + message);
-        };
+        options.on_report = [this](const machine::ToolReport& report) { reports.push_back(report); };
         open();
     }
 
@@ -75,8 +73,18 @@ class OfflineFixture {
         return "C:\\Documents and Settings\\" + user + "\\NTUSER.DAT";
     }
 
+    /// What the hive tool told of failures and losses, a line each.
+    std::string troubles() const {
+        std::string out;
+        for (const machine::ToolReport& report : reports) {
+            if (report.succeeded && !report.changes_lost) continue;
+            out += (report.changes_lost ? "lost: " : "failed: ") + report.detail + "\n";
+        }
+        return out;
+    }
+
     machine::OfflineOptions options;
-    std::vector<std::string> lost_changes;
+    std::vector<machine::ToolReport> reports;
 
   private:
     TemporaryFolder folder_;

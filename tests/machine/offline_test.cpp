@@ -379,11 +379,29 @@ TEST(OfflineRegistry, ATextBeyondTheCodePageSurvivesReadingAndWriting) {
     EXPECT_EQ(stored_text(hive, key, u"Ж"), "a name that nobody here can spell");
 }
 
-TEST(OfflineProcesses, CountAsFailedWhereNothingIsKnownOfTheirEnd) {
+TEST(OfflineProcesses, TellsAReasonHoweverTheHiveToolEnds) {
     OfflineFixture fixture;
     (void)std::signal(SIGCHLD, SIG_IGN);
-    EXPECT_EQ(fixture.unload("Nobody"), 1u);
+    EXPECT_EQ(fixture.unload("Nobody"), 1u) << "where nothing is known of its end it counts as failed";
     (void)std::signal(SIGCHLD, SIG_DFL);
+    EXPECT_TRUE(fixture.reports.empty()) << "nothing was mounted, nothing is new";
+
+    ASSERT_EQ(fixture.load("Anna"), 0u);
+    EXPECT_TRUE(fixture.reports.back().succeeded);
+    const auto load = ToolReport::Verb::load;
+    fixture.options.executables = (fixture.scratch() / "tools").string();
+    fs::create_directory(fixture.options.executables);
+    const fs::path tool = fixture.scratch() / "tools/regg.exe";
+    for (const char* end : {"kill -9 $$", "exit 3", "printf '0 2 0' >&3; exit 1"}) {
+        write_bytes(tool, std::string("#!/bin/sh\n") + end + "\n");
+        fs::permissions(tool, fs::perms::owner_all);
+        fixture.open();
+        EXPECT_NE(fixture.load("Ben"), 0u) << end;
+        const ToolReport& told = fixture.reports.back();
+        EXPECT_THAT(told.detail, HasSubstr("regg.exe ")) << end;
+        EXPECT_EQ(told, (ToolReport{load, "Ben", false, std::nullopt, told.detail})) << end;
+    }
+    ASSERT_EQ(fixture.reports.size(), 4u);
 }
 
 TEST(OfflineProcesses, HandFoldersAndWebAddressesToTheDesktopAndNothingElse) {
@@ -403,6 +421,9 @@ TEST(OfflineProcesses, HandFoldersAndWebAddressesToTheDesktopAndNothingElse) {
     for (const char* address : {"file:///etc/passwd", "javascript:1", "HTTP://update.invalid/?a=b c"})
         processes.open_address(address);
     EXPECT_EQ(run_command(processes, "explorer.exe C:\\"), 0u);
+    setenv("PATH", "/none", 1);
+    EXPECT_EQ(run_command(processes, "explorer.exe C:\\"), 0u) << "a system without a desktop";
+    setenv("PATH", (tools.string() + ":" + path).c_str(), 1);
     std::string wanted = (fixture.disk() / "School/Icons").string() + "\n";
     for (int wait = 0; wait < 200 && bytes_of(opened).find("update") == std::string::npos; ++wait)
         usleep(10000);

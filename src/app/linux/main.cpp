@@ -103,11 +103,12 @@ int run(const Options& options) {
     const auto command_line = text::from_utf8(options.command_line);
     wanted.command_line = command_line.value_or("");
     wanted.state_folder = options.state_folder;
-    wanted.on_lost_changes = [&screen](const std::string& user, const std::string& why) {
-        if (!screen) return;  // the process ends, and the hive tool has told it
+    wanted.on_report = [&screen](const machine::ToolReport& report) {
+        if (!report.changes_lost) return;
+        if (!screen) return (void)complain(report.detail);  // the process ends: no box any more
         const LostChanges& says = lost_changes[BRITLOCK_LANGUAGE];
-        screen->message_box({.text = says.before + text::from_utf8(user).value_or("?") + says.behind +
-                                     text::from_utf8(why).value_or("regg.exe"),
+        screen->message_box({.text = says.before + report.name + says.behind +
+                                     text::from_utf8(report.detail).value_or("regg.exe"),
                              .icon = toolkit::Icon::critical});
     };
     auto windows = machine::OfflineMachine::open(wanted);

@@ -58,7 +58,7 @@ OfflineMachine::OfflineMachine(DriveMap drives, Installation installation, HostP
       system_(drives_, installation_, parse_path(options.program_directory)->text(), options.command_line),
       files_(drives_, mounts_, system_),
       registry_(drives_, mounts_, std::move(software_hive), std::move(user_hive)),
-      processes_(drives_, mounts_, registry_, system_, options.on_lost_changes) {}
+      processes_(drives_, mounts_, registry_, system_, options.on_report) {}
 
 void OfflineMachine::write_pending() {
     const std::vector<std::string> names = registry_.open_mounts();

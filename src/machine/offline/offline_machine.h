@@ -19,7 +19,7 @@ struct OfflineOptions {
     std::string program_directory = "C:\\Program Files\\Brightlock Suite";  ///< where they lie for Windows
     std::string command_line;                                               ///< what the program is to see
     std::string state_folder;                                               ///< empty: the usual one
-    LostChanges on_lost_changes;
+    OnToolReport on_report;  ///< told of every run of the hive tool
 };
 
 /// A Windows installation in a folder of this Linux system.

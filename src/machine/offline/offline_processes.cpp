@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cstdlib>
+#include <cstring>
 
 #include "base/text.h"
 #include "machine/command_line.h"
@@ -18,6 +19,7 @@ namespace {
 
 constexpr auto desktop_opener = "xdg-open";
 constexpr int poll_milliseconds = 5;
+constexpr int report_number = STDERR_FILENO + 1;  ///< of the descriptor, in the hive tool
 
 std::vector<char*> pointers(const std::vector<std::string>& texts) {
     std::vector<char*> out;
@@ -28,14 +30,20 @@ std::vector<char*> pointers(const std::vector<std::string>& texts) {
     return out;
 }
 
-/// The environment of a child, with what the hive tool must know.
-std::vector<std::string> environment(const DriveMap& drives, const MountTable& mounts) {
-    // Of two with one name the first counts.
-    std::vector<std::string> out = {"BRIGHTLOCK_DRIVES=" + drives.text(),
-                                    "BRIGHTLOCK_MOUNTS=" + mounts.folder()};
+std::vector<std::string> environment() {
+    std::vector<std::string> out;
     for (char** entry = environ; *entry; ++entry)
         out.emplace_back(*entry);
     return out;
+}
+
+/// How a process ended, for people; empty where it ended well.
+std::string end_of(pid_t ended, int status) {
+    if (ended < 0) return "regg.exe ended, and nobody knows how";
+    if (WIFSIGNALED(status)) return std::string("regg.exe was broken off: ") + strsignal(WTERMSIG(status));
+    return WEXITSTATUS(status) == 0
+               ? ""
+               : "regg.exe ended with code " + std::to_string(WEXITSTATUS(status)) + " and gave no reason";
 }
 
 bool is_explorer(const std::string& program, System& system) {
@@ -65,16 +73,14 @@ Processes::Started OfflineProcesses::start_hive_tool(const std::string& host_pro
     std::array<int, 2> ends{};
     if (pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK) != 0) return {device_error, 0};
     Child child;
-    child.messages = Descriptor(ends[0]);
-    const Descriptor error_output(ends[1]);
+    child.reports = Descriptor(ends[0]);
+    const Descriptor tool_end(ends[1]);
     child.sealed = registry_.release_mounts();
-    if (words.size() == 3 && words[1] == "unload") {
-        const std::string user = words[2].substr(words[2].find('\\') + 1);
-        const auto record = mounts_.find(text::from_utf8(user).value_or(""));
-        child.nothing_to_do = !record;
-        if (record && (record->unsealed || !record->sealed.empty())) child.changed_user = user;
-    }
-    return run(words, std::move(child), error_output.number());
+    const bool unloads = words.size() > 1 && words[1] == "unload";
+    child.known.verb = unloads ? ToolReport::Verb::unload : ToolReport::Verb::load;
+    const std::string& key = words.back();
+    child.known.name = text::from_utf8(key.substr(key.find('\\') + 1)).value_or("");
+    return run(words, std::move(child), tool_end);
 }
 
 Processes::Started OfflineProcesses::open_folder_window(const std::string& folder) {
@@ -82,15 +88,22 @@ Processes::Started OfflineProcesses::open_folder_window(const std::string& folde
     const auto place = path ? drives_.resolve(*path) : FileResult<HostPlace>(path.error());
     // The explorer starts and says itself that there is no such folder; nothing here can say it.
     if (!place || !place->exists || !open_folder(place->folder.number(), place->name)) return {no_error, 0};
-    return run({desktop_opener, place->path()}, {}, STDERR_FILENO);
+    const Started opened = run({desktop_opener, place->path()}, {}, {});
+    return opened.error == no_error ? opened : Started{no_error, 0};  // a system without a desktop
 }
 
 Processes::Started OfflineProcesses::run(const std::vector<std::string>& arguments, Child child,
-                                         int error_output) {
+                                         const Descriptor& reports) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, error_output, STDERR_FILENO);
-    const std::vector<std::string> variables = environment(drives_, mounts_);
+    std::vector<std::string> variables = environment();
+    if (reports.is_open()) {
+        posix_spawn_file_actions_adddup2(&actions, reports.number(), report_number);
+        // Of two with one name the first counts.
+        variables.insert(variables.begin(),
+                         {"BRIGHTLOCK_DRIVES=" + drives_.text(), "BRIGHTLOCK_MOUNTS=" + mounts_.folder(),
+                          std::string(report_descriptor_variable) + "=" + std::to_string(report_number)});
+    }
     const int failed = posix_spawnp(&child.process, arguments[0].c_str(), &actions, nullptr,
                                     pointers(arguments).data(), pointers(variables).data());
     posix_spawn_file_actions_destroy(&actions);
@@ -104,47 +117,46 @@ uint32_t OfflineProcesses::exit_code(uint32_t id) {
     Child& child = children_.at(id - 1);
     if (child.process == 0) return child.code;
     // The program asks again at once: a moment's rest here leaves it alive and the processor free.
-    pollfd waiting{child.messages.number(), POLLIN, 0};
+    pollfd waiting{child.reports.number(), POLLIN, 0};
     (void)poll(&waiting, 1, poll_milliseconds);
     int status = 0;
     const pid_t ended = waitpid(child.process, &status, WNOHANG);
     if (ended == 0) return still_active;
     // Where nothing is known of its end it counts as failed.
-    finish(child,
-           ended == child.process && WIFEXITED(status) ? static_cast<uint32_t>(WEXITSTATUS(status)) : 1);
+    const bool known = ended == child.process && WIFEXITED(status);
+    child.process = 0;
+    child.code = known ? static_cast<uint32_t>(WEXITSTATUS(status)) : 1;
+    if (child.reports.is_open()) report(child, end_of(ended, status));
     return child.code;
 }
 
-void OfflineProcesses::finish(Child& child, uint32_t code) {
-    child.process = 0;
-    child.code = code;
+void OfflineProcesses::report(const Child& child, const std::string& end) {
+    std::string bytes;
     std::array<char, 4096> piece{};
-    for (ssize_t size = 0; (size = read(child.messages.number(), piece.data(), piece.size())) > 0;)
-        child.message.append(piece.data(), static_cast<size_t>(size));
-    if (!child.nothing_to_do) (void)write_all(STDERR_FILENO, child.message);
-    while (child.message.ends_with('\n'))
-        child.message.pop_back();
-
-    if (child.changed_user.empty() || !on_lost_changes_) return;
-    // While one unload is waited for a person can ask for another: the last to end tells how it went for
-    // both.
-    for (Child& other : children_) {
-        if (other.process == 0 || other.changed_user != child.changed_user) continue;
-        if (child.code != 0) return;
-        other.changed_user.clear();
+    for (ssize_t size = 0; (size = read(child.reports.number(), piece.data(), piece.size())) > 0;)
+        bytes.append(piece.data(), static_cast<size_t>(size));
+    ToolReport told = child.known;
+    if (!decode(bytes, told)) {
+        told.succeeded = end.empty();
+        told.detail = end;
     }
+    // To be on the safe side the program unmounts what is not mounted: no news.
+    if (told.verb == ToolReport::Verb::unload && told.why == regf::ErrorKind::missing && !told.changes_lost)
+        return;
     if (child.sealed != success) {
-        on_lost_changes_(child.changed_user,
-                         "the changes could not be noted down: the disk is full or broken");
-    } else if (child.code != 0) {
-        on_lost_changes_(child.changed_user, child.message);
+        told.succeeded = false;
+        told.changes_lost = true;
+        told.why = child.sealed == disk_full ? regf::ErrorKind::no_space : regf::ErrorKind::io;
+        told.detail = "the changes could not be noted down: the disk is full or broken";
     }
+    if (on_report_) return on_report_(told);
+    if (!told.succeeded) (void)write_all(STDERR_FILENO, "regg: " + told.detail + "\n");
 }
 
 void OfflineProcesses::open_address(std::string_view address) {
     const std::string lower = text::lower(address);
     if (!lower.starts_with("http://") && !lower.starts_with("https://")) return;
-    (void)run({desktop_opener, text::to_utf8(address)}, {}, STDERR_FILENO);  // nothing is said of a failure
+    (void)run({desktop_opener, text::to_utf8(address)}, {}, {});  // nothing is said of a failure
 }
 
 }  // namespace machine
