@@ -66,6 +66,23 @@ TEST(Startup, WithoutAPasswordLeadsToSetpassAndOnToMain) {
     EXPECT_TRUE(w.window().shown());
 }
 
+TEST(Startup, APasswordOfFiveToFifteenLettersIsStoredByTheKeysDigits) {
+    struct Row {
+        const char* password;
+        const char* stored;
+    };
+    for (const Row& row : {Row{"Hello", "\x7FVU^X"}, Row{"correct-horse15", "T\\K@RPM\x1F_\\KAR\x02\f"}}) {
+        World w;
+        w.screen.expect_box("Set a Password !");
+        w.start();
+        w.screen.expect_box("Password...");
+        ASSERT_TRUE(w.set_password(row.password));
+        EXPECT_EQ(w.windows.registry.at(HKEY_LOCAL_MACHINE, product::key).values["UserPW"],
+                  text_value(row.stored))
+            << row.password;
+    }
+}
+
 TEST(Startup, CancellingTheFirstPasswordOpensMainAndAsksAgainNextTime) {
     World w;
     for (int run = 0; run < 2; ++run) {
