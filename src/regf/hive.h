@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "regf/error.h"
+#include "base/error.h"
 
 /// Registry hive files ("regf"). A hive is held in memory as the image of its file and edited in place;
 /// nothing here touches a disk (see file.h). Whatever the bytes say, no read leaves the image and no loop
@@ -17,6 +17,10 @@
 /// Names are UTF-16 code units, counted, with any content (NUL, lone surrogates); they compare without case,
 /// unit by unit. Time stamps are FILETIMEs: steps of 100 ns since 1601-01-01 UTC.
 namespace regf {
+
+using base::Error;
+using base::ErrorKind;
+using base::Result;
 
 using Bytes = std::vector<uint8_t>;
 using ByteView = std::span<const uint8_t>;
