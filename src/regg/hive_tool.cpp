@@ -11,11 +11,11 @@ namespace regg {
 
 namespace {
 
+using base::Error;
+using base::ErrorKind;
+using base::Result;
 using machine::MountRecord;
 using machine::ToolReport;
-using regf::Error;
-using regf::ErrorKind;
-using regf::Result;
 
 constexpr auto usage = "the command is: load \"<file>\" HKU\\<name>, or: unload HKU\\<name>";
 
@@ -55,11 +55,11 @@ Result<Done> load(const Setting& setting, const std::string& file, const std::st
     if (setting.drives_known && machine::hibernates(setting.drives))
         return Error{ErrorKind::unsupported, "this Windows hibernates: start it and shut it down first"};
     const auto lock =
-        machine::lock_with_patience(place->hive(), regf::FileLock::Purpose::work, machine::a_moment);
+        hostfile::lock_with_patience(*place, hostfile::FileLock::Purpose::work, hostfile::a_moment);
     if (!lock) return lock.error();
     if (machine::is_mounted(setting.drives, setting.mounts, *place))
         return Error{ErrorKind::in_use, file + " is mounted already"};
-    const auto hive = regf::read_hive(place->hive(), *lock);
+    const auto hive = regf::read_hive(*place, *lock);
     if (!hive) return hive.error();
     if (!hive->hive.read_only_reason().empty())
         return Error{ErrorKind::unsupported, file + " cannot be edited: " + hive->hive.read_only_reason()};
@@ -95,8 +95,8 @@ Result<Done> unload(const Setting& setting, const std::string& name, ToolReport&
         report.detail = "the unfinished changes of a run that was broken off are dropped";
     }
     const auto announce = [&](const regf::HiveStamp& stamp) { setting.mounts.announce(hive->record, stamp); };
-    const auto written = regf::commit(hive->place.hive(), hive->file.hive, hive->file.identity,
-                                      regf::current_file_time(), announce);
+    const auto written =
+        regf::commit(hive->place, hive->file.hive, hive->file.identity, regf::current_file_time(), announce);
     if (!written)
         return Error{written.error().kind, written.error().message + "; it is kept for the next unload"};
     report.changed = hive->file.hive.count_differences();

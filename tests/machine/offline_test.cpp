@@ -312,8 +312,8 @@ TEST(OfflineRegistry, WritesBehindAnInstanceThatCommitsThisMoment) {
     const std::string key = "Software\\Morvane\\BRLCK";
     RawValue value;
     EXPECT_EQ(registry.query(Root::local_machine, key, "mine", value).action, file_not_found);
-    const regf::FilePlace place{AT_FDCWD, software.string()};
-    auto theirs = regf::FileLock::acquire(place);
+    const auto place = *hostfile::place_of(software);
+    auto theirs = hostfile::FileLock::acquire(place);
     ASSERT_TRUE(theirs);
     std::thread other([&, lock = std::move(*theirs)] {
         std::this_thread::sleep_for(std::chrono::milliseconds(200));

@@ -6,9 +6,9 @@
 #include "regf/bytes.h"
 #include "regf/dump.h"
 #include "regf/examine.h"
-#include "regf/file.h"
 #include "regf/layout.h"
 #include "regf/names.h"
+#include "regf_file/hive_file.h"
 
 namespace regf {
 namespace {
@@ -221,19 +221,19 @@ TEST_F(Recovery, DoesNotMakeAHiveOfALaterVersionWritable) {
 
 TEST_F(Recovery, OfAFileIsCommittedClean) {
     TemporaryFolder folder;
-    const FilePlace place{AT_FDCWD, folder / "SYSTEM"};
+    const HostPlace place = *hostfile::place_of(folder / "SYSTEM");
     Bytes dirty = first;
     set_sequences(dirty, 8, 7);
-    write_file(place.name, dirty);
+    write_file(place.path(), dirty);
     write_file(folder / "system.Log1", old_log(first, second, 7));
     auto lock = FileLock::acquire(place);
     ASSERT_TRUE(lock);
     const auto file = read_hive(place, *lock);
     ASSERT_TRUE(file) << file.error().message;
     EXPECT_TRUE(file->hive.recovered());
-    EXPECT_TRUE(read_file(place.name) == dirty) << "reading changes nothing";
+    EXPECT_TRUE(read_file(place.path()) == dirty) << "reading changes nothing";
     ASSERT_TRUE(commit(place, file->hive, file->identity, 10));
-    const auto clean = Hive::open(read_file(place.name));
+    const auto clean = Hive::open(read_file(place.path()));
     ASSERT_TRUE(clean);
     EXPECT_FALSE(clean->recovered());
     EXPECT_EQ(full_dump(*clean), full_dump(*Hive::open(second)));

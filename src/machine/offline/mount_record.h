@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "regf/file.h"
+#include "regf_file/hive_file.h"
 
 /// What is known of one mounted hive, as a stream of frames (length, CRC-32, content) that only ever grows:
 /// first the mount, then each change, a seal wherever a run of changes is complete, and before the hive is

@@ -64,36 +64,36 @@ std::optional<MountRecord> MountTable::find(std::string_view name) const {
     return bytes ? parse_record(*bytes) : std::nullopt;
 }
 
-regf::Result<Done> MountTable::add(const Mount& mount) const {
+base::Result<Done> MountTable::add(const Mount& mount) const {
     if (mount.name.size() > longest_name)
-        return regf::Error{regf::ErrorKind::invalid, "the name of the key is too long"};
-    if (const auto made = make_folders(folder_); !made) return made.error();
+        return base::Error{base::ErrorKind::invalid, "the name of the key is too long"};
+    if (const auto made = hostfile::make_folders(folder_); !made) return made.error();
     // Two tools at a time must not take one name: not every file system can rename without replacing.
     const Descriptor folder(open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!folder.is_open() || flock(folder.number(), LOCK_EX) != 0)
-        return regf::system_error(folder_, "cannot be opened");
-    if (find(mount.name)) return regf::Error{regf::ErrorKind::refused, "another hive is mounted there"};
+        return hostfile::system_error(folder_, "cannot be opened");
+    if (find(mount.name)) return base::Error{base::ErrorKind::refused, "another hive is mounted there"};
     const HostPlace place{folder.duplicate(), path_of(mount.name).substr(folder_.size() + 1), false};
     const FileError error =
         replace_file(place, [&](int file) { return write_all(file, mount_frame(mount)); });
     if (error == no_error) return Done{};
     if (error == device_full)
-        return regf::Error{regf::ErrorKind::no_space, "no room to record the mount: the disk is full"};
-    return regf::Error{regf::ErrorKind::io, "cannot record the mount in " + folder_};
+        return base::Error{base::ErrorKind::no_space, "no room to record the mount: the disk is full"};
+    return base::Error{base::ErrorKind::io, "cannot record the mount in " + folder_};
 }
 
-regf::Result<Done> MountTable::remove(std::string_view name) const {
+base::Result<Done> MountTable::remove(std::string_view name) const {
     if (unlink(path_of(name).c_str()) != 0)
-        return regf::system_error(folder_, "the record of the mount cannot be removed");
+        return hostfile::system_error(folder_, "the record of the mount cannot be removed");
     const Descriptor folder(open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (folder.is_open()) (void)fsync(folder.number());  // some file systems flush no folder
     return Done{};
 }
 
-regf::Result<Descriptor> MountTable::open_sealed(const MountRecord& record) const {
+base::Result<Descriptor> MountTable::open_sealed(const MountRecord& record) const {
     Descriptor file(open(path_of(record.mount.name).c_str(), O_WRONLY | O_APPEND | O_NOFOLLOW | O_CLOEXEC));
     if (!file.is_open() || ftruncate(file.number(), static_cast<off_t>(record.sealed_bytes)) != 0)
-        return regf::system_error(folder_, "the record of the mount cannot be opened");
+        return hostfile::system_error(folder_, "the record of the mount cannot be opened");
     return file;
 }
 
@@ -112,30 +112,30 @@ std::string default_state_folder() {
 
 std::string mounts_folder(const std::string& state_folder, const std::string& drive_c) {
     const std::unique_ptr<char, void (*)(void*)> canonical(realpath(drive_c.c_str(), nullptr), std::free);
-    const uint64_t digest = regf::name_digest(canonical ? canonical.get() : drive_c.c_str());
+    const uint64_t digest = hostfile::name_digest(canonical ? canonical.get() : drive_c.c_str());
     std::array<char, 17> digits{};
     (void)std::snprintf(digits.data(), digits.size(), "%016llx", static_cast<unsigned long long>(digest));
     return state_folder + "/mounts/" + digits.data();
 }
 
-regf::Result<MountedHive> open_mounted(const DriveMap& drives, const MountTable& mounts,
+base::Result<MountedHive> open_mounted(const DriveMap& drives, const MountTable& mounts,
                                        std::string_view name) {
-    const regf::Error not_mounted{regf::ErrorKind::missing, "no hive is mounted there"};
+    const base::Error not_mounted{base::ErrorKind::missing, "no hive is mounted there"};
     const auto found = mounts.find(name);
     if (!found) return not_mounted;
     auto place = locate_hive(drives, found->mount.file);
     if (!place) return place.error();
-    auto lock = lock_with_patience(place->hive(), regf::FileLock::Purpose::work, a_moment);
+    auto lock = hostfile::lock_with_patience(*place, hostfile::FileLock::Purpose::work, hostfile::a_moment);
     if (!lock) return lock.error();
     auto record = mounts.find(name);  // again, as only the lock keeps others from adding to it
     if (!record) return not_mounted;
     // Before it is read: another file that cannot be read must not hold on to the name for ever.
-    const auto present = regf::identify(place->hive());
+    const auto present = regf::identify(*place);
     if (!present) return present.error();
     if (present->stamp != record->mount.stamp)
-        return regf::Error{regf::ErrorKind::changed,
+        return base::Error{base::ErrorKind::changed,
                            file_for_people(record->mount.file) + " was changed after it had been mounted"};
-    auto file = regf::read_hive(place->hive(), *lock);
+    auto file = regf::read_hive(*place, *lock);
     if (!file) return file.error();
     for (const regf::Change& change : record->sealed) {
         if (const auto applied = file->hive.apply(change); !applied) return applied.error();
@@ -145,8 +145,7 @@ regf::Result<MountedHive> open_mounted(const DriveMap& drives, const MountTable&
 
 bool is_written(const DriveMap& drives, const MountRecord& record) {
     const auto place = locate_hive(drives, record.mount.file);
-    const auto present =
-        place ? regf::identify(place->hive()) : regf::Result<regf::FileIdentity>(place.error());
+    const auto present = place ? regf::identify(*place) : base::Result<regf::FileIdentity>(place.error());
     return present && present->stamp == record.written;
 }
 
@@ -159,7 +158,7 @@ bool is_mounted(const DriveMap& drives, const MountTable& mounts, const HostPlac
         struct stat mounted {};
         return place &&
                fstatat(place->folder.number(), place->name.c_str(), &mounted, AT_SYMLINK_NOFOLLOW) == 0 &&
-               regf::is_same_file(asked, mounted);
+               hostfile::is_same_file(asked, mounted);
     });
 }
 

@@ -22,10 +22,10 @@ class MountTable {
 
     /// `refused` where the name is taken; a record that nobody can read takes none. The record is there as a
     /// whole or not at all.
-    regf::Result<Done> add(const Mount& mount) const;
-    regf::Result<Done> remove(std::string_view name) const;
+    base::Result<Done> add(const Mount& mount) const;
+    base::Result<Done> remove(std::string_view name) const;
     /// Opens a record for appending, with all behind its last seal cut off.
-    regf::Result<Descriptor> open_sealed(const MountRecord& record) const;
+    base::Result<Descriptor> open_sealed(const MountRecord& record) const;
     /// Notes what the hive is about to become; where it cannot, the next unload of a killed one says less.
     void announce(const MountRecord& record, const regf::HiveStamp& stamp) const;
 
@@ -44,12 +44,12 @@ std::string mounts_folder(const std::string& state_folder, const std::string& dr
 struct MountedHive {
     MountRecord record;
     HostPlace place;
-    regf::FileLock lock;
+    hostfile::FileLock lock;
     regf::HiveFile file;
 };
 /// `changed`: somebody else has written the file since it was mounted. `missing`: nothing is mounted there,
 /// or the file is no longer in its folder.
-regf::Result<MountedHive> open_mounted(const DriveMap& drives, const MountTable& mounts,
+base::Result<MountedHive> open_mounted(const DriveMap& drives, const MountTable& mounts,
                                        std::string_view name);
 /// A run wrote the sealed changes into the file and died before it could remove the record.
 bool is_written(const DriveMap& drives, const MountRecord& record);

@@ -141,12 +141,12 @@ void OfflineProcesses::report(const Child& child, const std::string& end) {
         told.detail = end;
     }
     // To be on the safe side the program unmounts what is not mounted: no news.
-    if (told.verb == ToolReport::Verb::unload && told.why == regf::ErrorKind::missing && !told.changes_lost)
+    if (told.verb == ToolReport::Verb::unload && told.why == base::ErrorKind::missing && !told.changes_lost)
         return;
     if (child.sealed != success) {
         told.succeeded = false;
         told.changes_lost = true;
-        told.why = child.sealed == disk_full ? regf::ErrorKind::no_space : regf::ErrorKind::io;
+        told.why = child.sealed == disk_full ? base::ErrorKind::no_space : base::ErrorKind::io;
         told.detail = "the changes could not be noted down: the disk is full or broken";
     }
     if (on_report_) return on_report_(told);

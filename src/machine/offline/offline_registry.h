@@ -36,21 +36,21 @@ class OfflineRegistry : public Registry {
 
   private:
     /// Where a subkey lies. No store and success: at one of the roots, which hold keys only.
-    struct Target {
+    struct Location {
         WinCode code = success;
         HiveStore* store = nullptr;
         std::u16string path;  ///< in the hive
         bool at_top = false;  ///< the root key of the hive
     };
-    Target locate(Root root, std::string_view subkey);
-    /// The key a target stands for, once the hive has been read.
+    Location locate(Root root, std::string_view subkey);
+    /// The key at a location, once the hive has been read.
     struct Opened {
         WinCode code = success;
         const regf::Hive* hive = nullptr;
         std::optional<regf::Key> key;
     };
-    static Opened open(const Target& target);
-    static WinCode open_for_writing(const Target& target);
+    static Opened open(const Location& location);
+    static WinCode open_for_writing(const Location& location);
     HiveStore* mounted(std::string_view name, WinCode& code);
     std::vector<std::string> subkey_names(Root root, std::string_view subkey);
 

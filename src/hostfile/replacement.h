@@ -2,9 +2,9 @@
 
 #include <optional>
 
-#include "regf/host.h"
+#include "hostfile/place.h"
 
-namespace regf {
+namespace hostfile {
 
 /// The attributes of Windows (read-only, hidden, system, archive and more) as a driver keeps them.
 struct DosAttributes {
@@ -23,7 +23,7 @@ bool set_dos_attributes(int file, const DosAttributes& attributes);
 /// of the same file.
 class Replacement {
   public:
-    static Result<Replacement> begin(const FilePlace& place, mode_t mode);
+    static Result<Replacement> begin(const HostPlace& place, mode_t mode);
     Replacement(Replacement&&) noexcept = default;
     Replacement& operator=(Replacement&&) = delete;
     ~Replacement();
@@ -37,21 +37,20 @@ class Replacement {
     Result<Done> take_over(int old) const;
     Result<Done> flush() const;
     /// A new file in the place of one that is there: `refused`, where the file system can tell in one step.
-    enum class Target { may_exist, must_be_new };
-    Result<Done> put_in_place(Target target);
+    enum class Old { may_exist, must_be_new };
+    Result<Done> put_in_place(Old old);
 
   private:
-    Replacement(std::string path, Descriptor folder) : path_(std::move(path)), folder_(std::move(folder)) {}
+    explicit Replacement(HostPlace place) : place_(std::move(place)) {}
     void remove_leftovers(const std::string& prefix) const;
-    int rename_to(const std::string& name, Target target) const;
+    int rename(Old old) const;
     Result<Done> keep_owner(int old) const;
     Result<Done> keep_extended_attributes(int old) const;
     Result<Done> keep_dos_attributes(int old) const;
 
-    std::string path_;  ///< of the file to be replaced, for messages
-    Descriptor folder_;
+    HostPlace place_;  ///< of the file to be replaced
     std::string temporary_;
     Descriptor file_;  ///< open until it is in place
 };
 
-}  // namespace regf
+}  // namespace hostfile

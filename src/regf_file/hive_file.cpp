@@ -1,15 +1,20 @@
-#include <sys/file.h>
+#include "regf_file/hive_file.h"
 
 #include <algorithm>
 
 #include "base/text.h"
+#include "hostfile/replacement.h"
 #include "regf/bytes.h"
-#include "regf/file.h"
 #include "regf/layout.h"
 #include "regf/recovery.h"
-#include "regf/replacement.h"
 
 namespace regf {
+
+using hostfile::attempt;
+using hostfile::open_regular;
+using hostfile::OpenFile;
+using hostfile::Replacement;
+using hostfile::system_error;
 
 namespace {
 
@@ -57,12 +62,10 @@ Result<FileIdentity> identify_open(const OpenFile& opened, const std::string& na
 }
 
 /// The log files of a hive, by name without regard to case: `X.LOG`, `X.LOG1`, `X.LOG2`.
-Result<std::vector<Log>> read_logs(const FilePlace& place) {
-    const auto folder = open_folder_of(place);
-    if (!folder) return folder.error();
-    auto names = names_in(folder->number());
+Result<std::vector<Log>> read_logs(const HostPlace& place) {
+    auto names = hostfile::names_in(place.folder.number());
     if (!names) return Error{names.error().kind, place.name + ": " + names.error().message};
-    const std::string hive = text::lower(last_part(place.name));
+    const std::string hive = text::lower(place.name);
     std::erase_if(*names, [&](const std::string& any) {
         const std::string name = text::lower(any);
         return name != hive + ".log" && name != hive + ".log1" && name != hive + ".log2";
@@ -71,7 +74,7 @@ Result<std::vector<Log>> read_logs(const FilePlace& place) {
               [](const auto& a, const auto& b) { return text::lower(a) < text::lower(b); });
     std::vector<Log> logs;
     for (const std::string& name : *names) {
-        const auto opened = open_regular({folder->number(), name}, O_RDONLY);
+        const auto opened = open_regular({place.folder.duplicate(), name}, O_RDONLY);
         if (!opened) continue;  // a log that cannot be read is none: without it the hive is refused
         auto bytes = read_all(opened->file.number(), name);
         if (bytes) logs.push_back({name, std::move(*bytes)});
@@ -81,30 +84,7 @@ Result<std::vector<Log>> read_logs(const FilePlace& place) {
 
 }  // namespace
 
-Result<FileLock> FileLock::acquire(const FilePlace& place, Purpose purpose) {
-    // A look asks for no more than reading: a program that runs refuses to be opened for writing, and could
-    // not be started while somebody holds it so.
-    const bool work = purpose == Purpose::work;
-    auto opened = open_regular(place, work ? O_RDWR : O_RDONLY);
-    if (work && !opened && opened.error().kind == ErrorKind::refused) opened = open_regular(place, O_RDONLY);
-    if (!opened) return opened.error();
-    const int file = opened->file.number();
-    const Error in_use{ErrorKind::in_use, place.name + ": in use by another program"};
-    const int kind = work ? LOCK_EX : LOCK_SH;
-    if (attempt("flock", [&] { return flock(file, kind | LOCK_NB); }) != 0)
-        return errno == EWOULDBLOCK ? in_use : system_error(place.name, "cannot be locked");
-    struct flock whole {};  // what programs hold that lock by records
-    whole.l_type = work ? F_WRLCK : F_RDLCK;
-    whole.l_whence = SEEK_SET;
-    if (fcntl(file, F_OFD_GETLK, &whole) == 0 && whole.l_type != F_UNLCK) return in_use;
-    struct stat present {};  // who held it may have put another file in its place
-    if (fstatat(place.folder, place.name.c_str(), &present, AT_SYMLINK_NOFOLLOW) != 0 ||
-        !is_same_file(present, opened->status))
-        return in_use;
-    return FileLock(std::move(opened->file));
-}
-
-Result<HiveFile> read_hive(const FilePlace& place, const FileLock& lock) {
+Result<HiveFile> read_hive(const HostPlace& place, const FileLock& lock) {
     struct stat status {};
     if (attempt("fstat", [&] { return fstat(lock.descriptor(), &status); }) != 0)
         return system_error(place.name, "cannot be examined");
@@ -122,7 +102,7 @@ Result<HiveFile> read_hive(const FilePlace& place, const FileLock& lock) {
     return HiveFile{std::move(*hive), identity};
 }
 
-Result<FileIdentity> identify(const FilePlace& place) {
+Result<FileIdentity> identify(const HostPlace& place) {
     const auto opened = open_regular(place, O_RDONLY);
     return opened ? identify_open(*opened, place.name) : opened.error();
 }
@@ -151,7 +131,7 @@ Result<Done> fill(const Replacement& replacement, const Bytes& image, const std:
 
 }  // namespace
 
-Result<Done> commit(const FilePlace& place, const Hive& hive, const FileIdentity& identity, FileTime now,
+Result<Done> commit(const HostPlace& place, const Hive& hive, const FileIdentity& identity, FileTime now,
                     const Announce& announce) {
     if (hive.changes().empty() && !hive.recovered()) return Done{};
     const auto sealed = hive.sealed_image(now);
@@ -162,22 +142,24 @@ Result<Done> commit(const FilePlace& place, const Hive& hive, const FileIdentity
     if (!present) return present.error();
     if (*present != identity)
         return Error{ErrorKind::changed, place.name + ": was changed by another program meanwhile"};
-    const auto may_write = [&] { return faccessat(place.folder, place.name.c_str(), W_OK, AT_EACCESS); };
+    const auto may_write = [&] {
+        return faccessat(place.folder.number(), place.name.c_str(), W_OK, AT_EACCESS);
+    };
     if (attempt("access", may_write) != 0) return system_error(place.name, "may not be written");
     auto replacement = Replacement::begin(place, old->status.st_mode);
     if (!replacement) return replacement.error();
     if (auto filled = fill(*replacement, *sealed, place.name, &*old); !filled) return filled;
     if (announce) announce(stamp_of(sealed->size(), *sealed));
-    return replacement->put_in_place(Replacement::Target::may_exist);
+    return replacement->put_in_place(Replacement::Old::may_exist);
 }
 
-Result<Done> write_new(const FilePlace& place, const Hive& hive, FileTime now) {
+Result<Done> write_new(const HostPlace& place, const Hive& hive, FileTime now) {
     const auto sealed = hive.sealed_image(now);
     if (!sealed) return sealed.error();
     auto replacement = Replacement::begin(place, 0600);
     if (!replacement) return replacement.error();
     if (auto filled = fill(*replacement, *sealed, place.name, nullptr); !filled) return filled;
-    return replacement->put_in_place(Replacement::Target::must_be_new);
+    return replacement->put_in_place(Replacement::Old::must_be_new);
 }
 
 }  // namespace regf

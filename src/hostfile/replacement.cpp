@@ -1,4 +1,4 @@
-#include "regf/replacement.h"
+#include "hostfile/replacement.h"
 
 #include <linux/limits.h>
 #include <linux/msdos_fs.h>
@@ -11,9 +11,7 @@
 #include <cstring>
 #include <set>
 
-#include "regf/bytes.h"
-
-namespace regf {
+namespace hostfile {
 
 namespace {
 
@@ -55,12 +53,11 @@ bool set_dos_attributes(int file, const DosAttributes& attributes) {
     return fsetxattr(file, ntfs_attributes, bits, sizeof *bits, 0) == 0;
 }
 
-Result<Replacement> Replacement::begin(const FilePlace& place, mode_t mode) {
-    auto folder = open_folder_of(place);
-    if (!folder) return folder.error();
-    Replacement made(place.name, std::move(*folder));
-    const int at = made.folder_.number();
-    const std::string prefix = temporary_prefix(last_part(place.name));
+Result<Replacement> Replacement::begin(const HostPlace& place, mode_t mode) {
+    Replacement made({place.folder.duplicate(), place.name});
+    const int at = made.place_.folder.number();
+    if (at < 0) return system_error(place.name, "its folder cannot be opened");
+    const std::string prefix = temporary_prefix(place.name);
     made.remove_leftovers(prefix);
     // Whoever may write the folder can have put something else under any of these names.
     for (unsigned number = 0; !made.file_.is_open(); ++number) {
@@ -77,17 +74,17 @@ Result<Replacement> Replacement::begin(const FilePlace& place, mode_t mode) {
 }
 
 Replacement::~Replacement() {
-    if (file_.is_open()) (void)unlinkat(folder_.number(), temporary_.c_str(), 0);
+    if (file_.is_open()) (void)unlinkat(place_.folder.number(), temporary_.c_str(), 0);
 }
 
 void Replacement::remove_leftovers(const std::string& prefix) const {
-    const auto names = names_in(folder_.number());
+    const auto names = names_in(place_.folder.number());
     if (!names) return;  // they wait for the next time
     for (const std::string& name : *names) {
         if (!name.starts_with(prefix)) continue;
-        const auto leftover = open_regular({folder_.number(), name}, O_RDONLY);
+        const auto leftover = open_regular({place_.folder.duplicate(), name}, O_RDONLY);
         if (leftover && flock(leftover->file.number(), LOCK_EX | LOCK_NB) == 0)
-            (void)unlinkat(folder_.number(), name.c_str(), 0);
+            (void)unlinkat(place_.folder.number(), name.c_str(), 0);
     }
 }
 
@@ -105,14 +102,14 @@ Result<Done> Replacement::keep_owner(int old) const {
     struct stat to {};
     if (attempt("fstat", [&] { return fstat(old, &from); }) != 0 ||
         attempt("fstat", [&] { return fstat(descriptor(), &to); }) != 0)
-        return system_error(path_, "cannot be examined");
+        return system_error(place_.name, "cannot be examined");
     const bool same = from.st_uid == to.st_uid && from.st_gid == to.st_gid;
     Result<Done> kept = Done{};
     if (!same && attempt("fchown", [&] { return fchown(descriptor(), from.st_uid, from.st_gid); }) != 0)
-        kept = system_error(path_, "its owner cannot be kept");
+        kept = system_error(place_.name, "its owner cannot be kept");
     if (same && from.st_mode == to.st_mode) return kept;  // FAT knows few modes, and refuses the others
     if (attempt("fchmod", [&] { return fchmod(descriptor(), from.st_mode & 07777); }) != 0 && kept)
-        kept = system_error(path_, "its mode cannot be kept");
+        kept = system_error(place_.name, "its mode cannot be kept");
     return kept;
 }
 
@@ -121,7 +118,7 @@ Result<Done> Replacement::keep_extended_attributes(int old) const {
     const ssize_t length = attempt("flistxattr", [&] { return flistxattr(old, names.data(), names.size()); });
     Result<Done> kept = Done{};
     if (length < 0 && errno != ENOTSUP && errno != ENOSYS)
-        kept = system_error(path_, "its attributes cannot be read");
+        kept = system_error(place_.name, "its attributes cannot be read");
     names.resize(static_cast<size_t>(std::max<ssize_t>(length, 0)));
     std::set<std::string> wanted{"system.ntfs_acl", "system.ntfs_security", ntfs_attributes,
                                  "system.ntfs_crtime"};  // drivers do not list these
@@ -129,14 +126,14 @@ Result<Done> Replacement::keep_extended_attributes(int old) const {
         wanted.insert(&names[at]);
     for (const std::string& name : wanted) {
         const auto value = attribute(old, name);
-        if (!value && errno == EIO && kept) kept = system_error(path_, "its attributes cannot be read");
+        if (!value && errno == EIO && kept) kept = system_error(place_.name, "its attributes cannot be read");
         if (!value || value == attribute(descriptor(), name)) continue;
         const auto set = [&] {
             return fsetxattr(descriptor(), name.c_str(), value->data(), value->size(), 0);
         };
         if (attempt("fsetxattr", set) == 0 || !kept) continue;
         kept = Error{ErrorKind::refused,
-                     path_ + ": its attribute " + name + " cannot be kept: " + std::strerror(errno)};
+                     place_.name + ": its attribute " + name + " cannot be kept: " + std::strerror(errno)};
     }
     return kept;
 }
@@ -145,39 +142,40 @@ Result<Done> Replacement::keep_dos_attributes(int old) const {
     const auto attributes = dos_attributes(old);
     if (!attributes || attributes == dos_attributes(descriptor())) return Done{};
     if (attempt("ioctl", [&] { return set_dos_attributes(descriptor(), *attributes) ? 0 : -1; }) != 0)
-        return system_error(path_, "its attributes cannot be kept");
+        return system_error(place_.name, "its attributes cannot be kept");
     return Done{};
 }
 
 Result<Done> Replacement::flush() const {
     if (attempt("fsync", [&] { return fsync(descriptor()); }) != 0)
-        return system_error(path_, "cannot be flushed");
+        return system_error(place_.name, "cannot be flushed");
     return Done{};
 }
 
-int Replacement::rename_to(const std::string& name, Target target) const {
-    const int at = folder_.number();
-    if (target == Target::must_be_new) {
-        if (renameat2(at, temporary_.c_str(), at, name.c_str(), RENAME_NOREPLACE) == 0) return 0;
+int Replacement::rename(Old old) const {
+    const char* const name = place_.name.c_str();
+    const int at = place_.folder.number();
+    if (old == Old::must_be_new) {
+        if (renameat2(at, temporary_.c_str(), at, name, RENAME_NOREPLACE) == 0) return 0;
         if (errno != EINVAL && errno != ENOSYS) return -1;
         // A file system that cannot: what comes between these two calls is lost.
-        if (faccessat(at, name.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0) {
+        if (faccessat(at, name, F_OK, AT_SYMLINK_NOFOLLOW) == 0) {
             errno = EEXIST;
             return -1;
         }
     }
-    return renameat(at, temporary_.c_str(), at, name.c_str());
+    return renameat(at, temporary_.c_str(), at, name);
 }
 
-Result<Done> Replacement::put_in_place(Target target) {
-    if (attempt("rename", [&] { return rename_to(last_part(path_), target); }) != 0) {
-        if (errno == EEXIST) return Error{ErrorKind::refused, path_ + ": is there already"};
-        return system_error(path_, "cannot be replaced");
+Result<Done> Replacement::put_in_place(Old old) {
+    if (attempt("rename", [&] { return rename(old); }) != 0) {
+        if (errno == EEXIST) return Error{ErrorKind::refused, place_.name + ": is there already"};
+        return system_error(place_.name, "cannot be replaced");
     }
     file_ = Descriptor();
     // The new file is there, whole; that the folder's entry outlives a power cut some drivers cannot promise.
-    (void)attempt("fsync", [&] { return fsync(folder_.number()); });
+    (void)attempt("fsync", [&] { return fsync(place_.folder.number()); });
     return Done{};
 }
 
-}  // namespace regf
+}  // namespace hostfile

@@ -4,7 +4,7 @@
 
 #include "base/result.h"
 
-namespace regf {
+namespace base {
 
 /// Kinds by what a caller will do about them; what happened, and where in the file, stands in the message.
 enum class ErrorKind {
@@ -30,4 +30,4 @@ struct Error {
 template <class T>
 using Result = BasicResult<T, Error>;
 
-}  // namespace regf
+}  // namespace base

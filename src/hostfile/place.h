@@ -5,15 +5,22 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
-#include "regf/error.h"
+#include "base/error.h"
 
-/// Files of the system underneath, and what its answers mean here.
-namespace regf {
+/// Files of the Linux system underneath, by open folders and names: no path is walked twice, no link is
+/// followed, nothing but regular files and folders is opened.
+namespace hostfile {
+
+using base::Error;
+using base::ErrorKind;
+using base::Result;
 
 /// Owns an open file or folder.
 class Descriptor {
@@ -37,12 +44,18 @@ class Descriptor {
     int number_ = -1;
 };
 
-/// A file named relative to an open folder, so that nobody can move the ground under a path between two
-/// calls.
-struct FilePlace {
-    int folder = AT_FDCWD;  ///< an open directory, not owned
-    std::string name;       ///< without a slash when `folder` is given, else a host path
+/// A name in an open folder, so that nobody can move the ground under a path between two calls; "." is the
+/// folder itself.
+struct HostPlace {
+    Descriptor folder;
+    std::string name;     ///< as on disk, or as it would be made; UTF-8, no slash
+    bool exists = false;  ///< when it was looked for
+
+    /// The full path at this moment, for other programs and for people.
+    std::string path() const;
 };
+/// Opens the folder of a path of this system.
+Result<HostPlace> place_of(const std::string& path);
 
 /// Asked before every call that can fail for a reason outside the program; another number than 0 makes the
 /// call fail with that errno. For tests that let the n-th call fail.
@@ -73,11 +86,15 @@ struct OpenFile {
     Descriptor file;
     struct stat status;
 };
-Result<OpenFile> open_regular(const FilePlace& place, int flags);
-Result<Descriptor> open_folder_of(const FilePlace& place);
-std::string last_part(const std::string& name);
+Result<OpenFile> open_regular(const HostPlace& place, int flags);
 
 /// Names in a folder, in the order of the disk, without "." and "..".
 Result<std::vector<std::string>> names_in(int folder);
 
-}  // namespace regf
+/// Makes a folder and all above it, for this user alone.
+Result<Done> make_folders(const std::string& path);
+
+/// FNV-1a: the same for one text at every run, for file names made from others.
+uint64_t name_digest(std::string_view text);
+
+}  // namespace hostfile

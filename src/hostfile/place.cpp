@@ -1,11 +1,12 @@
-#include "regf/host.h"
+#include "hostfile/place.h"
 
 #include <dirent.h>
 
+#include <array>
 #include <cstring>
 #include <memory>
 
-namespace regf {
+namespace hostfile {
 
 std::function<int(const char* call)> fail_system_call;
 
@@ -41,38 +42,49 @@ Error system_error(const std::string& name, const std::string& what) {
     return {kind_of(error), name + ": " + what + ": " + std::strerror(error)};
 }
 
+std::string HostPlace::path() const {
+    std::array<char, 4096> target{};
+    const std::string link = "/proc/self/fd/" + std::to_string(folder.number());
+    const ssize_t size = readlink(link.c_str(), target.data(), target.size());
+    if (size <= 0) return name;
+    std::string above(target.data(), static_cast<size_t>(size));
+    if (name == ".") return above;
+    return above + (above.ends_with('/') ? "" : "/") + name;
+}
+
+Result<HostPlace> place_of(const std::string& path) {
+    const size_t name_at = path.rfind('/') + 1;  // 0 where there is no slash
+    const std::string folder = name_at == 0 ? "." : path.substr(0, name_at);
+    Descriptor opened(
+        attempt("open", [&] { return open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
+    if (!opened.is_open()) return system_error(path, "its folder cannot be opened");
+    HostPlace place{std::move(opened), path.substr(name_at)};
+    place.exists = faccessat(place.folder.number(), place.name.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0;
+    return place;
+}
+
 bool is_same_file(const struct stat& a, const struct stat& b) {
     return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
 
-Result<OpenFile> open_regular(const FilePlace& place, int flags) {
+Result<OpenFile> open_regular(const HostPlace& place, int flags) {
     const Error not_regular{ErrorKind::refused, place.name + ": not a regular file"};
     const char* const name = place.name.c_str();
     OpenFile opened{};
     struct stat& status = opened.status;
     // Looked at before it is opened, as opening a device may set it going, and again when it cannot change.
-    if (attempt("stat", [&] { return fstatat(place.folder, name, &status, AT_SYMLINK_NOFOLLOW); }) != 0)
+    if (attempt("stat", [&] { return fstatat(place.folder.number(), name, &status, AT_SYMLINK_NOFOLLOW); }) !=
+        0)
         return system_error(place.name, "cannot be examined");
     if (!S_ISREG(status.st_mode)) return not_regular;
     const int all = flags | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
-    opened.file = Descriptor(attempt("open", [&] { return openat(place.folder, name, all); }));
+    opened.file = Descriptor(attempt("open", [&] { return openat(place.folder.number(), name, all); }));
     if (!opened.file.is_open()) return system_error(place.name, "cannot be opened");
     if (attempt("fstat", [&] { return fstat(opened.file.number(), &status); }) != 0)
         return system_error(place.name, "cannot be examined");
     if (!S_ISREG(status.st_mode)) return not_regular;
     return opened;
 }
-
-Result<Descriptor> open_folder_of(const FilePlace& place) {
-    const size_t slash = place.name.rfind('/');
-    const std::string folder = slash == std::string::npos ? "." : place.name.substr(0, slash + 1);
-    Descriptor opened(attempt(
-        "open", [&] { return openat(place.folder, folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
-    if (!opened.is_open()) return system_error(place.name, "its folder cannot be opened");
-    return opened;
-}
-
-std::string last_part(const std::string& name) { return name.substr(name.rfind('/') + 1); }
 
 Result<std::vector<std::string>> names_in(int folder) {
     const int copy = attempt("open", [&] { return openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
@@ -90,4 +102,19 @@ Result<std::vector<std::string>> names_in(int folder) {
     }
 }
 
-}  // namespace regf
+Result<Done> make_folders(const std::string& path) {
+    for (size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
+        const std::string part = path.substr(0, end);
+        if (mkdir(part.c_str(), 0700) != 0 && errno != EEXIST) return system_error(part, "cannot be made");
+        if (end == std::string::npos) return Done{};
+    }
+}
+
+uint64_t name_digest(std::string_view text) {
+    uint64_t hash = 0xCBF29CE484222325;
+    for (char c : text)
+        hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3;
+    return hash;
+}
+
+}  // namespace hostfile

@@ -2,11 +2,14 @@
 
 #include <functional>
 
+#include "hostfile/file_lock.h"
 #include "regf/hive.h"
-#include "regf/host.h"
 
 /// Hive files on disk: read with their logs, locked against other programs, replaced in one step.
 namespace regf {
+
+using hostfile::FileLock;
+using hostfile::HostPlace;
 
 /// What the head of a hive file tells of its content. It outlives a reboot and a move to another disk.
 struct HiveStamp {
@@ -26,23 +29,6 @@ struct FileIdentity {
     bool operator==(const FileIdentity&) const = default;
 };
 
-/// Holds a hive file against every other program that asks (flock, exclusive, and a look for POSIX record
-/// locks). Released by the destructor.
-class FileLock {
-  public:
-    /// `in_use`: another program has it, or has put another file there this moment. `missing`, `refused`,
-    /// `io` as they come. Follows no symbolic link, opens regular files only. On a file that may not be
-    /// written it takes the lock all the same. A look shares the file with other looks, so that two programs
-    /// that only ask do not meet.
-    enum class Purpose { work, look };
-    static Result<FileLock> acquire(const FilePlace& place, Purpose purpose = Purpose::work);
-    int descriptor() const { return file_.number(); }
-
-  private:
-    explicit FileLock(Descriptor file) : file_(std::move(file)) {}
-    Descriptor file_;
-};
-
 struct HiveFile {
     Hive hive;
     FileIdentity identity;  ///< of the file as it was read
@@ -50,10 +36,10 @@ struct HiveFile {
 
 /// Reads a hive with its logs (found beside it without regard to case) while `lock` holds it. Whether its
 /// system hibernates, and must not be written to, the hive cannot tell.
-Result<HiveFile> read_hive(const FilePlace& place, const FileLock& lock);
+Result<HiveFile> read_hive(const HostPlace& place, const FileLock& lock);
 
 /// The identity of the file now.
-Result<FileIdentity> identify(const FilePlace& place);
+Result<FileIdentity> identify(const HostPlace& place);
 
 /// Writes the sealed image of `hive` in place of the file that `identity` tells of: beside it, flushed, read
 /// back and compared, renamed over it, the folder flushed. What Replacement::take_over() takes over goes
@@ -61,10 +47,10 @@ Result<FileIdentity> identify(const FilePlace& place);
 /// one by now. A hive without changes that needed no recovery is not written. `announce` is told what the
 /// file is about to become.
 using Announce = std::function<void(const HiveStamp&)>;
-Result<Done> commit(const FilePlace& place, const Hive& hive, const FileIdentity& identity, FileTime now,
+Result<Done> commit(const HostPlace& place, const Hive& hive, const FileIdentity& identity, FileTime now,
                     const Announce& announce = {});
 
 /// Writes a new hive file; `refused` if there is one already.
-Result<Done> write_new(const FilePlace& place, const Hive& hive, FileTime now);
+Result<Done> write_new(const HostPlace& place, const Hive& hive, FileTime now);
 
 }  // namespace regf
