@@ -135,7 +135,8 @@ std::vector<std::string> OfflineRegistry::subkey_names(Root root, std::string_vi
     if (opened.code != success) return names;
     if (!opened.key) {
         if (root == Root::local_machine) return {std::string(software)};
-        for (const Mount& mount : mounts_.mounts())
+        const auto mounts = mounts_.mounts();
+        for (const Mount& mount : mounts ? *mounts : std::vector<Mount>())
             names.push_back(mount.name);
         return names;
     }

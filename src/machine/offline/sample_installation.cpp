@@ -60,7 +60,8 @@ Result<Done> write_hive(const std::string& path, uint32_t minor, const std::u16s
     }
     const auto place = hostfile::place_of(path);
     if (!place) return place.error();
-    return regf::write_new(*place, hive, now);
+    const auto written = regf::write_new(*place, hive, now);
+    return written ? base::Result<Done>(Done{}) : written.error();
 }
 
 Result<Done> write_file(const std::string& path, std::string_view bytes) {
