@@ -94,12 +94,16 @@ std::optional<std::vector<Page>> old_pages(const Bytes& log) {
 
 std::optional<Bytes> replay_old(const Bytes& primary, const std::vector<Log>& logs) {
     const bool sound = has_right_checksum(primary);
-    const uint64_t written =
-        get64(primary, sound ? base_block::last_written : base_block_size + bin::timestamp);
+    // In a broken base block any field may be the broken one; the first bin has the same time.
+    const auto is_of_this_write = [&](const Bytes& log) {
+        const uint64_t written = get64(log, base_block::last_written);
+        return written == get64(primary, base_block::last_written) ||
+               (!sound && written == get64(primary, base_block_size + bin::timestamp));
+    };
     const Bytes* best = nullptr;
     for (const Log& log : logs) {
         if (!has_log_header(log.bytes) || get32(log.bytes, base_block::type) == new_format) continue;
-        if (get64(log.bytes, base_block::last_written) != written || !old_pages(log.bytes)) continue;
+        if (!is_of_this_write(log.bytes) || !old_pages(log.bytes)) continue;
         if (!best || primary_sequence(log.bytes) > primary_sequence(*best)) best = &log.bytes;
     }
     if (!best) return std::nullopt;
