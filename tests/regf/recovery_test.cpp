@@ -153,9 +153,13 @@ TEST_F(Recovery, CompletesWritesFromTheOldLog) {
         EXPECT_EQ(outcome(dirty, {{"LOG", old_log(first, second, 7, clustering)}}), "AB") << clustering;
     EXPECT_EQ(outcome(dirty, {{"LOG1", old_log(first, second, 7)}, {"LOG2", old_log(first, third, 8)}}),
               "ABC");
-    Bytes headless = dirty;
-    std::fill_n(headless.begin() + 20, 400, uint8_t{0xEE});
-    EXPECT_EQ(outcome(headless, {{"LOG", old_log(first, second, 7)}}), "AB");
+    for (const size_t spoiled :
+         {size_t{20}, size_t{0}}) {  // all but the time in the base block, or that as well
+        Bytes headless = dirty;
+        std::fill_n(headless.begin() + static_cast<ptrdiff_t>(spoiled), 400, uint8_t{0xEE});
+        if (spoiled > base_block::last_written) put64(headless, base_block_size + bin::timestamp, 0);
+        EXPECT_EQ(outcome(headless, {{"LOG", old_log(first, second, 7)}}), "AB") << spoiled;
+    }
 
     EXPECT_EQ(outcome(dirty, {}), "refused");
     const Bytes whole = old_log(first, second, 7);

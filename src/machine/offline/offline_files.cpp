@@ -63,6 +63,7 @@ FileError OfflineFiles::read(std::string_view path, std::string& bytes) {
     }
     const auto file = open_file(*place, O_RDONLY);
     if (!file) return file.error();
+    if (is_in_use(*place)) return permission_denied;
     auto content = read_all(file->number());
     if (!content) return content.error();
     bytes = std::move(*content);
