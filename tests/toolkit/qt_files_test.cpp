@@ -14,8 +14,11 @@ using namespace toolkit;
 
 namespace {
 
-// A grey dot.
-constexpr std::string_view gif{"GIF89a\1\0\1\0\x80\0\0\x80\x80\x80\0\0\0,\0\0\0\0\1\0\1\0\0\2\2D\1\0;", 35};
+// 8 by 8 pixels of dark cyan.
+constexpr std::string_view gif{
+    "GIF87a\010\000\010\000\360\000\000\000\200\200\000\000\000\054\000\000\000\000\010\000\010\000\000\002"
+    "\007\204\217\251\313\355\135\000\000\073",
+    40};
 
 std::string picture_file(const char* format) {
     if (std::string_view(format) == "gif") return std::string(gif);
@@ -37,6 +40,21 @@ TEST(Picture, ShowsTheFormatsOfADesktopOnly) {
         EXPECT_TRUE(qt::decode_picture(picture_file(format)).isNull()) << format;
     }
     EXPECT_TRUE(qt::decode_picture("").isNull());
+}
+
+TEST(Picture, ShowsNoMemoryWhereTheFileEndsEarly) {
+    for (const char* format : {"bmp", "gif"}) {
+        const std::string whole = picture_file(format);
+        for (size_t length = 0; length < whole.size(); ++length) {
+            const QImage image = qt::decode_picture(std::string_view(whole).substr(0, length));
+            for (int i = 0; i < image.width() * image.height(); ++i) {
+                const QColor colour = image.pixelColor(i % image.width(), i / image.width());
+                ASSERT_TRUE(colour == Qt::darkCyan || colour == Qt::white || colour == Qt::black ||
+                            colour.alpha() == 0)
+                    << format << " of " << length << " bytes: " << colour.name(QColor::HexArgb).toStdString();
+            }
+        }
+    }
 }
 
 TEST(Picture, SurvivesHostileBytes) {

@@ -188,12 +188,17 @@ void Session::take_screenshot() {
     program_->show<britlock::MainForm>();
     britlock::MainForm& window = *program_->loaded<britlock::MainForm>();
     window.go_to_page(options_.page);
-    if (!choose_user(window)) std::exit(complain("there is no user " + options_.user, exit_failed));
+    const bool chosen = choose_user(window);
     window.Timer1_Timer();
     screen_->process_events();
-    if (!screen_->save_screenshot(window, options_.screenshot))
-        std::exit(complain("cannot write " + options_.screenshot, exit_failed));
-    screen_->end_process();
+    if (!chosen) {
+        (void)complain("there is no user " + options_.user, exit_failed);
+    } else if (!screen_->save_screenshot(window, options_.screenshot)) {
+        (void)complain("cannot write " + options_.screenshot, exit_failed);
+    } else {
+        screen_->end_process();
+    }
+    screen_->end_process(toolkit::Ending::failed);
 }
 
 int Session::run() {

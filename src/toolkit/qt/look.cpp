@@ -54,10 +54,10 @@ class Look : public QProxyStyle {
             return QProxyStyle::drawControl(element, option, painter, widget);
         const bool focused = option->state & State_HasFocus;
         const QColor colour = option->palette.color(focused ? QPalette::Highlight : QPalette::Dark);
-        const int width = pixelMetric(PM_DefaultFrameWidth, option, widget);
-        const QRect& all = option->rect;
-        const QRect inner = all.adjusted(width, width, -width, -width);
-        for (const QRect& edge : QRegion(all) - QRegion(inner))
+        const int width = focused ? pixelMetric(PM_DefaultFrameWidth, option, widget) : 1;
+        const QRect inner = option->rect.adjusted(width, width, -width, -width);
+        painter->fillRect(option->rect, option->palette.base());
+        for (const QRect& edge : QRegion(option->rect) - QRegion(inner))
             painter->fillRect(edge, colour);
     }
 

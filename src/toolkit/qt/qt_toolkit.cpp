@@ -6,9 +6,11 @@
 #include <unistd.h>
 
 #include <QApplication>
+#include <QLibraryInfo>
 #include <QScreen>
 #include <QThread>
 #include <QTimer>
+#include <QTranslator>
 #include <cstdio>
 #include <cstdlib>
 
@@ -48,7 +50,8 @@ struct QtToolkit::Private {
     std::function<int(Ending)> before_end;
     std::vector<std::string> strip;
     std::string last_folder;  // where the person last chose a file
-    QTimer idle;              // goes off when control is back in the event loop
+    QTranslator words;
+    QTimer idle;  // goes off when control is back in the event loop
 
     static void prepare() {
         if (!qEnvironmentVariableIsSet("QT_LOGGING_TO_CONSOLE")) qInstallMessageHandler(tell_failures_only);
@@ -61,6 +64,10 @@ struct QtToolkit::Private {
           language(its_language),
           before_end(std::move(at_end)) {
         qt::apply_look(app);
+        // Menus of Qt's own, as that of a text line; without the file they stay English.
+        if (language == german &&
+            words.load(QStringLiteral("qtbase_de"), QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+            QCoreApplication::installTranslator(&words);
         qt::install_accessibility();
         idle.setSingleShot(true);
         QApplication::setQuitOnLastWindowClosed(false);  // the program ends itself

@@ -146,8 +146,9 @@ void Window::refresh() {
 }
 
 void Window::set_strip(const std::vector<std::string>& lines) {
-    strip_->show_lines(lines);
+    const bool news = strip_->show_lines(lines);
     refresh();
+    if (news) strip_->announce();
 }
 
 void Window::refresh_menus() {
