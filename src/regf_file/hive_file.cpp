@@ -133,7 +133,9 @@ Result<Done> fill(const Replacement& replacement, const Bytes& image, const std:
 
 Result<Done> commit(const HostPlace& place, const Hive& hive, const FileIdentity& identity, FileTime now,
                     const Announce& announce) {
-    if (hive.changes().empty() && !hive.recovered()) return Done{};
+    // What was written may be what stood there already: times alone are no reason to touch the file.
+    const bool differs = !hive.changes().empty() && hive.count_differences() != 0;
+    if (!differs && !hive.recovered()) return Done{};
     const auto sealed = hive.sealed_image(now);
     if (!sealed) return sealed.error();
     const auto old = open_regular(place, O_RDONLY);
