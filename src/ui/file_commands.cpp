@@ -1,5 +1,6 @@
 #include "base/text.h"
 #include "files/restriction_file.h"
+#include "report/report.h"
 #include "ui/main_form.h"
 
 /// What the commands of the file menu do.
@@ -61,6 +62,12 @@ void MainForm::mm13_Click() {
     if (file.empty() || !may_overwrite(file)) return;
     last_file_name = file;
     dateispeichern(file);
+}
+
+/// What is on show, applied or not.
+void MainForm::mm14_Click() {
+    const auto caption_of = [this](std::string_view control) { return find(control)->text(); };
+    print_report(*program_.toolkit.open_printer(), marks(), caption_of, program_.reg.get_language());
 }
 
 /// Makes a missing file: whether it can be written shows before the question.

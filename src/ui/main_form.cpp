@@ -148,6 +148,8 @@ void MainForm::connect_events() {
     mm11.on_click = [this] { mm11_Click(); };
     mm12.on_click = [this] { mm12_Click(); };
     mm13.on_click = [this] { mm13_Click(); };
+    mm14.on_click = [this] { mm14_Click(); };
+    mm15.on_click = [this] { program_.toolkit.set_up_printer(); };
     mm16.on_click = [this] { program_.toolkit.end_process(); };
     mm21.on_click = [this] { mm21_Click(); };
     mm22.on_click = [this] { change(unmark_all); };

@@ -59,6 +59,7 @@ struct MainForm : ProgramForm {
     void mm11_Click();
     void mm12_Click();
     void mm13_Click();
+    void mm14_Click();
 
     // --- the pages' own commands
     void CPL_All();

@@ -5,6 +5,7 @@
 #include <QThread>
 #include <QTimer>
 #include <cstdlib>
+#include <optional>
 
 #include "toolkit/qt/boxes.h"
 #include "toolkit/qt/conversion.h"
@@ -12,6 +13,7 @@
 #include "toolkit/qt/look.h"
 #include "toolkit/qt/peer.h"
 #include "toolkit/qt/picture.h"
+#include "toolkit/qt/printer.h"
 #include "toolkit/qt/window.h"
 
 namespace toolkit {
@@ -32,8 +34,9 @@ struct QtToolkit::Private {
     QApplication app;
     FolderSource& folders;
     Event before_end;
-    std::string last_folder;  // where the person last chose a file
-    QTimer idle;              // goes off when control is back in the event loop
+    std::optional<qt::PrinterChoice> printer;  // chosen in this run
+    std::string last_folder;                   // where the person last chose a file
+    QTimer idle;                               // goes off when control is back in the event loop
 
     Private(int& argc, char** argv, FolderSource& source, Event at_end)
         : app((qt::prepare_look(), argc), argv), folders(source), before_end(std::move(at_end)) {
@@ -73,6 +76,15 @@ std::string QtToolkit::show_input_box(const std::string& title, const std::strin
 
 std::string QtToolkit::ask_file(const FileDialog& dialog) {
     return qt::ask_file(dialog, d_->folders, d_->last_folder, in_front(*this));
+}
+
+std::unique_ptr<Printer> QtToolkit::open_printer() {
+    return qt::open_printer(d_->printer ? *d_->printer : qt::PrinterChoice::usual());
+}
+
+void QtToolkit::set_up_printer() {
+    if (!d_->printer) d_->printer = qt::PrinterChoice::usual();
+    qt::ask_printer(*d_->printer, in_front(*this));
 }
 
 void QtToolkit::beep() { QApplication::beep(); }

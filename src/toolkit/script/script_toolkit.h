@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "toolkit/script/recording_printer.h"
 #include "toolkit/toolkit.h"
 
 namespace toolkit {
@@ -47,6 +48,9 @@ class ScriptToolkit : public Toolkit {
     std::vector<Box> boxes;                ///< as they came
     std::vector<FileDialog> file_dialogs;  ///< likewise
     std::vector<std::string> prompts;      ///< of the input boxes
+    bool has_printer = true;
+    std::string printed;  ///< the last document, as RecordingPrinter tells it
+    int printer_setups = 0;
     int beeps = 0;
     bool ended = false;
     /// Run by each process_events(): what a person does while the program waits.
@@ -55,6 +59,11 @@ class ScriptToolkit : public Toolkit {
     std::function<void(const Box&)> while_box;
 
     std::string ask_file(const FileDialog& dialog) override;
+    std::unique_ptr<Printer> open_printer() override {
+        if (!has_printer) throw RuntimeError(482);
+        return std::make_unique<RecordingPrinter>(printed);
+    }
+    void set_up_printer() override { ++printer_setups; }
     void beep() override { ++beeps; }
     void process_events() override;
     /// Knows bitmaps by their first letters.
