@@ -11,9 +11,9 @@
 #include "app/linux/strip.h"
 #include "temporary_folder.h"
 
+using Language;
 using machine::ToolReport;
 using testing::HasSubstr;
-using Language;
 
 TEST(Strip, TellsOutcomesWithTheirReasons) {
     constexpr auto load = ToolReport::Verb::load;
@@ -48,8 +48,7 @@ TEST(Strip, TellsOutcomesWithTheirReasons) {
         EXPECT_EQ(strip::outcome(report, "14:02", german).value_or(""), german);
         EXPECT_EQ(strip::outcome(report, "14:02", english).value_or(""), english);
     }
-    EXPECT_EQ(strip::open_windows("Windows XP", "/mnt", true, german),
-              "Windows XP in /mnt, nur lesbar");
+    EXPECT_EQ(strip::open_windows("Windows XP", "/mnt", true, german), "Windows XP in /mnt, nur lesbar");
     for (int kind = 0; kind <= static_cast<int>(base::ErrorKind::invalid); ++kind) {
         EXPECT_THAT(strip::reason(static_cast<base::ErrorKind>(kind), "detail", german),
                     testing::EndsWith(" (detail)"));

@@ -13,6 +13,7 @@
 #include <QTranslator>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 
 #include "toolkit/qt/accessibility.h"
 #include "toolkit/qt/boxes.h"
@@ -21,6 +22,7 @@
 #include "toolkit/qt/look.h"
 #include "toolkit/qt/peer.h"
 #include "toolkit/qt/picture.h"
+#include "toolkit/qt/printer.h"
 #include "toolkit/qt/window.h"
 
 namespace toolkit {
@@ -49,7 +51,8 @@ struct QtToolkit::Private {
     Language language;
     std::function<int(Ending)> before_end;
     std::vector<std::string> strip;
-    std::string last_folder;  // where the person last chose a file
+    std::optional<qt::PrinterChoice> printer;  // chosen in this run
+    std::string last_folder;                   // where the person last chose a file
     QTranslator words;
     QTimer idle;  // goes off when control is back in the event loop
 
@@ -134,6 +137,15 @@ std::string QtToolkit::show_input_box(const std::string& title, const std::strin
 
 std::string QtToolkit::ask_file(const FileDialog& dialog) {
     return qt::ask_file(dialog, d_->folders, d_->last_folder, d_->language, in_front(*this));
+}
+
+std::unique_ptr<Printer> QtToolkit::open_printer() {
+    return qt::open_printer(d_->printer ? *d_->printer : qt::PrinterChoice::usual());
+}
+
+void QtToolkit::set_up_printer() {
+    if (!d_->printer) d_->printer = qt::PrinterChoice::usual();
+    qt::ask_printer(*d_->printer, in_front(*this));
 }
 
 void QtToolkit::beep() { QApplication::beep(); }
