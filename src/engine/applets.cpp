@@ -1,8 +1,9 @@
 #include "engine/applets.h"
 
 #include "base/text.h"
+#include "engine/engine.h"
+#include "engine/keys.h"
 #include "platform/numbers.h"
-#include "ui/main.h"
 
 namespace britlock {
 
@@ -59,79 +60,44 @@ constexpr const char* ini_section = "don't load";
 
 }  // namespace
 
-void main::CPL_All() {
-    cpl_count = applet_count;
-    lv1.clear();
-    for (int i = 1; i <= cpl_count; ++i) {
-        cpl_file[i] = applets[i - 1].file;
-        cpl_label[i] = program_.pick(applets[i - 1].label);
-        lv1.add(cpl_label[i], "K" + std::to_string(i));
+void Engine::read_applets(const Target& from, RestrictionSet& set) {
+    const bool in_ini = from.family.applets == AppletStore::control_ini;
+    for (int i = 0; i < applet_count; ++i) {
+        const char* file = applets[i].file;
+        set.hidden_applets[i] =
+            in_ini ? !machine_.files.read_profile(ini_section, file, "CONTROL.INI").empty()
+                   : text::upper(reg_.reg_read_string(from.root, from.prefix + key::dont_load, file)) == "NO";
     }
 }
 
-void main::cmd21_Click() {
-    for (int i = 1; i <= cpl_count; ++i)
-        lv1.set_checked(i - 1, true);
-}
-
-void main::cmd22_Click() {
-    for (int i = 1; i <= cpl_count; ++i)
-        lv1.set_checked(i - 1, false);
-}
-
-bool main::is_xp() { return program_.reg.get_os_name().substr(3, 2) == "XP"; }
-
-void main::read_applets(const Target& from) {
-    cmd22_Click();
-    const bool nt = program_.reg.is_nt_family();
-    for (int j = 1; j <= cpl_count; ++j) {
-        const bool hidden =
-            nt ? text::upper(program_.reg.reg_read_string(from.root, from.prefix + key::dont_load,
-                                                          cpl_file[j])) == "NO"
-               : !program_.machine.files.read_profile(ini_section, cpl_file[j], "CONTROL.INI").empty();
-        if (!hidden) continue;
-        for (size_t row = 0; row < lv1.rows().size(); ++row) {
-            if (lv1.rows()[row].text == cpl_label[j]) lv1.set_checked(row, true);
-        }
-    }
-}
-
-void main::write_applets(const Target& to) {
-    REGISTRY_MOD& reg = program_.reg;
-    const bool nt = reg.is_nt_family();
-    const bool xp = is_xp();
+void Engine::write_applets(const Target& to, const RestrictionSet& set) {
+    using Entry = std::optional<std::string_view>;
+    const bool in_ini = to.family.applets == AppletStore::control_ini;
+    const bool xp = to.family.applets == AppletStore::dont_load_and_disallow;
     auto empty_key = [&](const char* path) {
-        reg.reg_delete_key(to.root, to.prefix + path);
-        reg.reg_create_key(to.root, to.prefix + path);
+        reg_.reg_delete_key(to.root, to.prefix + path);
+        reg_.reg_create_key(to.root, to.prefix + path);
     };
-    if (nt) empty_key(key::dont_load);
+    if (!in_ini) empty_key(key::dont_load);
     if (xp) empty_key(key::disallow_cpl);
 
-    int16_t applied_cpl_count = 0;
-    auto write_one = [&](const std::string& file, bool hidden) {
-        if (!nt) {
-            using Entry = std::optional<std::string_view>;
-            program_.machine.files.write_profile(ini_section, file, hidden ? Entry("no") : Entry(),
-                                                 "control.ini");
-        } else if (hidden) {
-            (void)reg.reg_write_string(to.root, to.prefix + key::dont_load, file, "No");
-            if (!xp) return;
-            ++applied_cpl_count;
-            (void)reg.reg_write_string(to.root, to.prefix + key::disallow_cpl, number_text(applied_cpl_count),
-                                       file);
-        } else if (!xp) {
-            (void)reg.reg_write_string(to.root, to.prefix + key::dont_load, file, "");
+    int applied_cpl_count = 0;
+    for (int i = 0; i < applet_count; ++i) {
+        const char* file = applets[i].file;
+        const bool hidden = set.hidden_applets[i];
+        if (in_ini) {
+            machine_.files.write_profile(ini_section, file, hidden ? Entry("no") : Entry(), "control.ini");
+        } else if (hidden || !xp) {
+            (void)reg_.reg_write_string(to.root, to.prefix + key::dont_load, file, hidden ? "No" : "");
         }
-    };
-    for (const auto& row : lv1.rows()) {
-        for (int j = 1; j <= cpl_count; ++j) {
-            if (cpl_label[j] == row.text) write_one(cpl_file[j], row.checked);
+        if (xp && hidden) {
+            const std::string name = number_text(++applied_cpl_count);
+            (void)reg_.reg_write_string(to.root, to.prefix + key::disallow_cpl, name, file);
         }
     }
     // Windows XP hides by this list only in the classic Control Panel.
-    const bool force_classic = applied_cpl_count != 0 && xp;
-    (void)reg.reg_write_dword(to.root, to.prefix + key::explorer, "ForceClassicControlPanel",
-                              force_classic ? "1" : "0");
+    (void)reg_.reg_write_dword(to.root, to.prefix + key::explorer, "ForceClassicControlPanel",
+                               applied_cpl_count != 0 ? "1" : "0");
 }
 
 }  // namespace britlock

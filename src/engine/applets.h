@@ -1,13 +1,13 @@
 #pragma once
 
-#include "platform/registry_mod.h"
+#include "base/twin.h"
 
 namespace britlock {
 
 /// One applet of the Control Panel: what the system knows it by, and what the list shows.
 struct Applet {
     const char* file;  ///< the last nine are display names of a German Windows, and work only there
-    Twin label;
+    Twin label;        ///< unique in each language
 };
 
 constexpr int applet_count = 39;

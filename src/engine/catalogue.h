@@ -1,55 +1,73 @@
 #pragma once
 
+#include <functional>
 #include <span>
-#include <string_view>
+#include <string>
 
-#include "platform/registry_mod.h"
-#include "toolkit/controls.h"
+#include "base/twin.h"
+#include "engine/restriction_set.h"
 
 namespace britlock {
 
-struct main;
-
-/// Key paths, relative to the root and prefix of the user. The capitals differ on purpose.
-namespace key {
-constexpr const char* explorer = R"(SOFTWARE\Microsoft\Windows\CurrentVersion\Policies\Explorer)";
-constexpr const char* system = R"(SOFTWARE\Microsoft\Windows\CurrentVersion\Policies\System)";
-constexpr const char* network = R"(SOFTWARE\Microsoft\Windows\CurrentVersion\Policies\Network)";
-constexpr const char* internet_explorer = R"(SOFTWARE\Policies\Microsoft\Internet Explorer\Restrictions)";
-constexpr const char* sound = R"(Control Panel\Sound)";
-constexpr const char* desktop = R"(Control Panel\Desktop)";
-constexpr const char* win_old_app = R"(SOFTWARE\Microsoft\Windows\CurrentVersion\Policies\WinOldApp)";
-constexpr const char* command_line = R"(Software\Policies\Microsoft\Windows\System)";
-constexpr const char* run = R"(Software\Microsoft\Windows\CurrentVersion\Run)";
-constexpr const char* hide = R"(Software\Microsoft\Windows\CurrentVersion\Policies\Explorer\Hide)";
-constexpr const char* restrict_run =
-    R"(Software\Microsoft\Windows\CurrentVersion\Policies\Explorer\RestrictRun)";
-constexpr const char* dont_load = R"(Control Panel\don't load)";
-constexpr const char* disallow_cpl =
-    R"(Software\Microsoft\Windows\CurrentVersion\Policies\Explorer\DisallowCpl)";
-}  // namespace key
-
-/// Holds the start options of Windows 9X in its section `Options`.
-constexpr const char* boot_file = "C:\\MSDOS.SYS";
-
-/// One restriction: its control, its captions, its value.
-struct Restriction {
-    int index;  ///< the number in the control's name; 161 and 162 are further values of c16
-    toolkit::CheckBox main::*box;
-    Twin caption;
-    const char* value_name;  ///< null: not a value of the table
-    const char* key;
+/// When a row is read and written, beside the rows of its step.
+enum class Step {
+    start_menu,
+    internet_explorer,
+    desktop,
+    allowed_programs,
+    drives,
+    boot_file,
+    network,
+    beep,
+    shell,
+    command_line,
+    printers,
+    own_values,
 };
 
-std::span<const Restriction> catalogue();
+/// What is done with a row, apart from its place and its step.
+enum Role : unsigned {
+    plain = 1,          ///< a number that is 1 while the box is ticked; every other row has a way of its own
+    cleared = 2,        ///< set to 0 before anything is written
+    cleared_twice = 4,  ///< that, two times in a row
+    marked = 8,         ///< among what "mark all" and "unmark all" reach
+    suggested = 16,
+    at_start = 32,  ///< read at the start, from the running account
+    usual = plain | cleared | marked,
+};
 
-/// Rows by index, in the order in which they are read and their ticks written.
-namespace rows {
-constexpr int start_menu[] = {11, 12, 13, 14, 15, 16, 161, 162, 17, 18, 19, 110};
-constexpr int internet_explorer[] = {21, 22, 23, 24, 25, 26, 27, 28, 29, 210};
-constexpr int system_and_network[] = {63, 64, 65, 66, 67, 68, 69, 610};
-constexpr int shell[] = {91, 93, 94, 95};
-constexpr int printers[] = {98, 99};
-}  // namespace rows
+/// A text that is stored beside a row.
+struct StoredText {
+    enum class When { ticked, not_empty };
+    const char* key;
+    const char* value_name;
+    std::string RestrictionSet::*text;
+    When written;
+};
+
+/// One restriction with all its roles. The order of the rows is that of reading, clearing, writing within a
+/// step, and of the boxes on a page.
+struct Restriction {
+    int index;  ///< of the row; its control's number, if it has one of its own
+    int box;    ///< the number in the name of the check box; 0: none
+    int page;   ///< where the box stands; 0: the row has no box of its own
+    Step step;
+    unsigned roles;
+    Twin caption;
+    const char* value_name;  ///< null: not a value of the registry
+    const char* key;         ///< null: told by the family of Windows
+    const StoredText* text = nullptr;
+};
+
+/// The catalogue of restrictions.
+std::span<const Restriction> Get_CR();
+
+const Restriction& restriction(int index);
+
+/// The rows with a box on one page of the window, in their order.
+std::vector<int> boxes_of_page(int page);
+
+/// Holds `C:\MSDOS.SYS`' start options of Windows 9X in its section `Options`.
+constexpr const char* boot_file = "C:\\MSDOS.SYS";
 
 }  // namespace britlock

@@ -1,144 +1,128 @@
-#include "base/text.h"
-#include "ui/main.h"
+#include "base/product.h"
+#include "base/runtime_error.h"
+#include "engine/engine.h"
+#include "engine/keys.h"
 
 namespace britlock {
 
-using namespace text::literals;
-using toolkit::Icon;
-
 namespace {
 
-constexpr Notice cannot_write{
-    Icon::critical,
-    {U"Kann Einschränkung nicht setzen..."_ansi, "Could not save settings..."},
-    {U"Ihre Änderungen können nicht für den Benutzer gesetzt werden. Stellen Sie sicher, daß nur Sie als Administrator an diesem (lokalen) System angemeldet sind ! Starten Sie den Computer evtl. neu, melden sich mit Administratoren-Rechten an und starten dieses Programm erneut."_ansi,
-     "Your settings could not be saved. Please make sure that no other user than you (as admin) is logged in "
-     "right now. "
-     "Try to reboot the system and log in as a system administrator and start this program again."}};
+/// What an entry of an ini file is set to; none removes it.
+using Entry = std::optional<std::string_view>;
 
-/// What the clearing pass resets, in its order; row 11 is reset by the probe before it. 162 stands twice. 161
-/// is missing: its value is that of 31.
-constexpr int cleared_first[] = {12, 13, 14, 15, 16, 162, 162, 17, 18, 19, 110, 21, 22, 23, 24,
-                                 25, 26, 27, 28, 29, 210, 31,  32, 33, 34, 35,  36, 37, 38, 39};
-constexpr int cleared_last[] = {91, 92, 93, 94, 95, 96, 97, 98, 99};
+const char* key_of(const Restriction& row, const WindowsFamily& family) {
+    return row.key ? row.key : family.registration_key;
+}
 
 }  // namespace
 
-main::Target main::target_of_writing() {
-    if (!program_.reg.is_nt_family()) return {HKEY_CURRENT_USER, ""};
-    // In this case only, capitals counting: nobody comes here for the logged-on user but the uninstall.
-    if (Combo_user.text() == REGISTRY_MOD::clean_reg_string(program_.reg.get_user_name()))
-        return {HKEY_CURRENT_USER, ""};
-    return {HKEY_USERS, Combo_user.text() + '\\'};
-}
-
-/// Turns the state of the window into the user's registry: resets every restriction, then sets what is
-/// ticked. Nothing is compared with the old state, and only the first write is looked at.
-void main::REG_Save32() {
-    const Target to = target_of_writing();
-    make_regpaths(to.root, to.prefix);
-    if (program_.reg.reg_write_dword(to.root, to.prefix + reg_key_path[11], reg_value_name[11], "0") !=
-        machine::success) {
-        return program_.say(cannot_write);
-    }
+Engine::Written Engine::write(const Target& to, const RestrictionSet& set) {
+    make_regpaths(reg_, to.root, to.prefix);
+    const Restriction& probe = restriction(11);
+    if (reg_.reg_write_dword(to.root, to.prefix + probe.key, probe.value_name, "0") != machine::success)
+        return Written::refused;
     clear_rows(to);
     reset_command_line(to);
-    write_applets(to);
-    write_rows(to, rows::start_menu);
-    write_rows(to, rows::internet_explorer);
-    write_desktop(to);
-    write_allowed_programs(to);
-    write_drives(to);
-    write_boot_options();
-    write_rows(to, rows::system_and_network);
-    write_own_values(to);
-    write_rows(to, rows::shell);
-    write_command_line(to);
-    write_rows(to, rows::printers);
-}
-
-void main::clear_rows(const Target& to) {
-    auto clear = [&](int i, const char* number = "0") {
-        (void)program_.reg.reg_write_dword(to.root, to.prefix + reg_key_path[i], reg_value_name[i], number);
-    };
-    for (const int i : cleared_first)
-        clear(i);
-    (void)program_.reg.reg_write_dword(to.root, to.prefix + key::explorer, "RestrictRun", "0");
-    (void)program_.reg.reg_write_dword(to.root, to.prefix + key::explorer, "NoDrives", "0");
-    for (const int i : rows::system_and_network)
-        clear(i);
-    clear(90, "Yes");  // a number, 0, until the text replaces it
-    for (const int i : cleared_last)
-        clear(i);
-}
-
-void main::reset_command_line(const Target& to) {
-    if (!program_.reg.is_nt_family()) {
-        program_.reg.reg_create_key(to.root, to.prefix + key::win_old_app);
-        (void)program_.reg.reg_write_dword(to.root, to.prefix + key::win_old_app, "Disabled", "0");
-        return;
+    write_applets(to, set);
+    for (const Step step : {Step::start_menu, Step::internet_explorer, Step::desktop})
+        write_rows(to, step, set);
+    write_icon_run(to, set);
+    write_programs(to, set);
+    write_rows(to, Step::allowed_programs, set);
+    write_drives(to, set);
+    write_start_options(set);
+    write_rows(to, Step::network, set);
+    write_own_values(to, set.machine);
+    write_beep(to, set);
+    write_rows(to, Step::shell, set);
+    if (set.ticked(96)) {
+        (void)reg_.reg_write_dword(to.root, to.prefix + to.family.command_line_key,
+                                   to.family.command_line_value, "1");
     }
-    for (const char* level : {"Software", R"(Software\Policies)", R"(Software\Policies\Microsoft)",
-                              R"(Software\Policies\Microsoft\Windows)", key::command_line}) {
-        program_.reg.reg_create_key(to.root, to.prefix + level);
-    }
-    (void)program_.reg.reg_write_dword(to.root, to.prefix + key::command_line, "DisableCMD", "0");
+    write_rows(to, Step::printers, set);
+    return Written::done;
 }
 
-void main::write_rows(const Target& to, std::span<const int> rows) {
-    for (const int i : rows) {
-        if (!box_of(i).ticked()) continue;
-        (void)program_.reg.reg_write_dword(to.root, to.prefix + reg_key_path[i], reg_value_name[i], "1");
+void Engine::clear_rows(const Target& to) {
+    for (const Restriction& row : Get_CR()) {
+        const int times = (row.roles & cleared ? 1 : 0) + (row.roles & cleared_twice ? 1 : 0);
+        for (int i = 0; i < times; ++i)
+            (void)reg_.reg_write_dword(to.root, to.prefix + row.key, row.value_name, "0");
     }
 }
 
-void main::write_desktop(const Target& to) {
-    REGISTRY_MOD& reg = program_.reg;
-    write_rows(to, std::array{31, 32, 33, 34, 35, 36, 37});
-    if (c37.ticked()) (void)reg.reg_write_string(to.root, to.prefix + key::desktop, "Wallpaper", t31.text());
-    write_rows(to, std::array{38, 39});
-    if (!t32.text().empty()) {
-        (void)reg.reg_write_string(to.root, to.prefix + reg_key_path[39], "FixedLNKUrl", t32.text());
+void Engine::reset_command_line(const Target& to) {
+    const std::string key = to.family.command_line_key;
+    if (to.family.nt) {  // level by level
+        for (size_t end = key.find('\\'); end != std::string::npos; end = key.find('\\', end + 1))
+            reg_.reg_create_key(to.root, to.prefix + key.substr(0, end));
     }
-    if (c39.ticked()) {
-        const std::string command = program_.machine.system.program_directory() + "\\britlock.exe /icon";
-        (void)reg.reg_write_string(to.root, to.prefix + key::run, "System", command);
+    reg_.reg_create_key(to.root, to.prefix + key);
+    (void)reg_.reg_write_dword(to.root, to.prefix + key, to.family.command_line_value, "0");
+}
+
+void Engine::write_rows(const Target& to, Step step, const RestrictionSet& set) {
+    for (const Restriction& row : Get_CR()) {
+        if (row.step != step || !(row.roles & plain)) continue;
+        const bool ticked = set.ticked(row.box);
+        if (ticked) (void)reg_.reg_write_dword(to.root, to.prefix + row.key, row.value_name, "1");
+        if (row.text) write_text(to, *row.text, set, ticked);
+    }
+}
+
+void Engine::write_text(const Target& to, const StoredText& text, const RestrictionSet& set, bool ticked) {
+    const std::string& content = set.*text.text;
+    const bool wanted = text.written == StoredText::When::ticked ? ticked : !content.empty();
+    if (wanted) (void)reg_.reg_write_string(to.root, to.prefix + text.key, text.value_name, content);
+}
+
+/// What brings the icons to the desktop at the user's logon.
+void Engine::write_icon_run(const Target& to, const RestrictionSet& set) {
+    const std::string key = to.prefix + key::run;
+    if (set.ticked(39)) {
+        const std::string command =
+            machine_.system.program_directory() + '\\' + product::program_file + " /icon";
+        (void)reg_.reg_write_string(to.root, key, "System", command);
     } else {
         // Aims at a key, and the value of this name stays: only FixedLNK makes the run at logon do nothing.
-        reg.reg_delete_key(to.root, to.prefix + key::run + "\\System");
+        reg_.reg_delete_key(to.root, key + "\\System");
     }
+}
+
+void Engine::write_drives(const Target& to, const RestrictionSet& set) {
+    int32_t drive_mask = 0;
+    for (size_t k = 0; k < set.drives.size(); ++k) {
+        const std::string letter(1, static_cast<char>('A' + k));
+        const bool hidden = set.drives[k] == 1;
+        if (hidden) drive_mask += 1 << k;
+        (void)reg_.reg_write_dword(to.root, to.prefix + key::hide, letter, hidden ? "1" : "0");
+    }
+    (void)reg_.reg_write_dword(to.root, to.prefix + key::explorer, "NoDrives", std::to_string(drive_mask));
 }
 
 /// On every family and for every user: these two lie in a file of the machine.
-void main::write_boot_options() {
+void Engine::write_start_options(const RestrictionSet& set) {
     make_boot_file_writable();
-    auto write = [&](const char* name, const toolkit::CheckBox& box) {
-        using Entry = std::optional<std::string_view>;
-        program_.machine.files.write_profile("Options", name, box.ticked() ? Entry("0") : Entry(), boot_file);
+    auto write = [&](const char* name, int box) {
+        machine_.files.write_profile("Options", name, set.ticked(box) ? Entry("0") : Entry(), boot_file);
     };
-    write("Autoscan", c61);
-    write("Bootkeys", c62);
+    write("Autoscan", 61);
+    write("Bootkeys", 62);
 }
 
-void main::write_own_values(const Target& to) {
-    REGISTRY_MOD& reg = program_.reg;
-    auto write = [&](int i, const std::string& number) {
-        (void)reg.reg_write_dword(to.root, to.prefix + reg_key_path[i], reg_value_name[i], number);
-    };
-    write(80, "1");
-    // As numbers, and in the user's own branch: a company's name becomes 0, and the machine's registration is
-    // not touched.
-    write(81, t81.text());
-    write(82, t82.text());
-    (void)reg.reg_write_string(to.root, to.prefix + reg_key_path[90], reg_value_name[90],
-                               c90.ticked() ? "No" : "Yes");
+/// The texts become numbers in the user's own branch: a company's name becomes 0, and the machine's
+/// registration is not touched.
+void Engine::write_own_values(const Target& to, const MachineTexts& texts) {
+    const std::pair<int, std::string> values[] = {{80, "1"}, {81, texts.organisation}, {82, texts.owner}};
+    for (const auto& [index, number] : values) {
+        const Restriction& row = restriction(index);
+        (void)reg_.reg_write_dword(to.root, to.prefix + key_of(row, to.family), row.value_name, number);
+    }
 }
 
-void main::write_command_line(const Target& to) {
-    if (!c96.ticked()) return;
-    const bool nt = program_.reg.is_nt_family();
-    const std::string path = to.prefix + (nt ? key::command_line : key::win_old_app);
-    (void)program_.reg.reg_write_dword(to.root, path, nt ? "DisableCMD" : "Disabled", "1");
+void Engine::write_beep(const Target& to, const RestrictionSet& set) {
+    const Restriction& row = restriction(90);
+    (void)reg_.reg_write_string(to.root, to.prefix + row.key, row.value_name, set.ticked(90) ? "No" : "Yes");
 }
 
 }  // namespace britlock

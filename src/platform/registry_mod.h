@@ -6,7 +6,14 @@
 #include <string_view>
 #include <vector>
 
+#include "base/twin.h"
 #include "machine/machine.h"
+#include "platform/windows_family.h"
+
+// Windows' header makes macros of these; a source that has included it must get the names below all the same.
+#undef HKEY_CURRENT_USER
+#undef HKEY_LOCAL_MACHINE
+#undef HKEY_USERS
 
 namespace britlock {
 
@@ -17,25 +24,18 @@ constexpr Root HKEY_CURRENT_USER = Root::current_user;
 constexpr Root HKEY_LOCAL_MACHINE = Root::local_machine;
 constexpr Root HKEY_USERS = Root::users;
 
-/// The product's own key, under HKEY_LOCAL_MACHINE.
-constexpr const char* product_key = R"(Software\Morvane\BRLCK)";
-
-/// One text in both languages.
-struct Twin {
-    const char* german;
-    const char* english;
-};
-
 /// The registry layer and the small questions about the machine. Silent and forgiving: nothing here shows a
 /// message; what is missing reads as "".
 class REGISTRY_MOD {
   public:
-    /// `language`: 0 German, 1 English; a constant of the edition.
-    REGISTRY_MOD(machine::Machine& machine, int language) : machine_(machine), language_(language) {}
+    REGISTRY_MOD(const machine::Machine& machine, int language) : machine_(machine), language_(language) {}
+
+    /// The uninstall runs: the logged-on user is not refused, hive files are not tested.
+    bool uninstall_running = false;
 
     /// A text without surrounding blanks and its closing NUL; a number as its digits.
     std::string reg_read_string(Root root, std::string_view subkey, std::string_view name);
-    /// As stored: behind a text still stand its closing NUL and one blank.
+    /// As stored: after a text still stand its closing NUL and one blank.
     std::string reg_read_value(Root root, std::string_view subkey, std::string_view name);
     /// Writers never create a key: they give the error of opening it (2 where it is missing, 5 without the
     /// right), and 0 also when the write itself failed.
@@ -54,9 +54,11 @@ class REGISTRY_MOD {
     std::string ie_policy_read(std::string_view name);
     static std::string clean_reg_string(std::string_view text);
 
-    /// 0 German, 1 English. Every choice of a text goes through it.
+    /// A constant of the edition.
     int get_language() const { return language_; }
-    const char* pick(const Twin& twin) const;
+    const char* pick(const Twin& twin) const { return ::pick(twin, get_language()); }
+
+    const WindowsFamily& family() { return family_of(machine_.system.version()); }
 
     /// "WinNT", "Win2K", "WinXP", "Win95", "Win98", "Win98SE", "WinME", "Win32S", "Win???".
     std::string get_os_name();
@@ -82,7 +84,7 @@ class REGISTRY_MOD {
     WinCode reg_set_value(Root root, std::string_view subkey, std::string_view name,
                           const machine::RawValue& value);
 
-    machine::Machine& machine_;
+    machine::Machine machine_;
     int language_;
 };
 

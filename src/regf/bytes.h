@@ -4,6 +4,8 @@
 #include <cstring>
 #include <span>
 
+#include "regf/cell_offset.h"
+
 namespace regf {
 
 /// Little-endian numbers composed from single bytes: alignment and byte order of the host are no questions.
@@ -33,6 +35,12 @@ inline void put32(std::span<uint8_t> bytes, size_t at, uint32_t value) {
 inline void put64(std::span<uint8_t> bytes, size_t at, uint64_t value) {
     put32(bytes, at, static_cast<uint32_t>(value));
     put32(bytes, at + 4, static_cast<uint32_t>(value >> 32));
+}
+
+inline CellOffset get_cell(std::span<const uint8_t> bytes, size_t at) { return CellOffset{get32(bytes, at)}; }
+
+inline void put_cell(std::span<uint8_t> bytes, size_t at, CellOffset cell) {
+    put32(bytes, at, number_of(cell));
 }
 
 inline bool has_signature(std::span<const uint8_t> bytes, const char* letters) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -9,6 +10,7 @@
 #include <vector>
 
 #include "base/error.h"
+#include "regf/cell_offset.h"
 
 /// Registry hive files ("regf"). A hive is held in memory as the image of its file and edited in place;
 /// nothing here touches a disk (see file.h). Whatever the bytes say, no read leaves the image and no loop
@@ -53,7 +55,7 @@ Bytes bytes_of(std::u16string_view units);
 
 /// Names a key of one hive: the offset of its cell. Good until that key is deleted.
 struct Key {
-    uint32_t cell = 0;
+    CellOffset cell{};
     bool operator==(const Key&) const = default;
 };
 
@@ -85,6 +87,8 @@ struct Finding {
 /// Everything that Windows checks when it loads a hive, and what keeps a hive healthy. At most `limit`
 /// findings.
 std::vector<Finding> validate(ByteView image, size_t limit = 100);
+
+class Editor;
 
 class Hive {
   public:
@@ -172,6 +176,7 @@ class Hive {
     Result<Key> create_below(Key key, std::vector<std::u16string_view> names, FileTime now, bool* created);
     std::u16string path_of(Key key) const;
     uint32_t depth_of(Key key) const;
+    std::optional<Error> edit(const std::function<void(Editor&)>& work);
     std::optional<Error> refuse_edit(Key key, uint64_t size, uint64_t cells) const;
     std::unique_ptr<State> state_;
 };

@@ -1,12 +1,12 @@
 #include "startup/getpass.h"
 
+#include "base/product.h"
 #include "base/text.h"
 #include "startup/desktop_refresh.h"
 #include "startup/is_admin.h"
 #include "startup/password.h"
+#include "startup/pictures.h"
 #include "startup/setpass.h"
-#include "ui/main.h"
-#include "ui/pictures.h"
 
 namespace britlock {
 
@@ -14,10 +14,6 @@ using namespace text::literals;
 using toolkit::Icon;
 
 namespace {
-
-// The doubled backslash is part of the key's text; Windows takes it for one.
-constexpr const char* uninstall_key =
-    R"(Software\Microsoft\Windows\CurrentVersion\\Uninstall\Brightlock Suite)";
 
 constexpr Notice how_to_uninstall{
     Icon::information,
@@ -55,7 +51,7 @@ constexpr Notice wrong_password{
 
 }  // namespace
 
-getpass::getpass(Program& program) : Form(program.toolkit, "getpass"), program_(program) {
+getpass::getpass(Program& program) : ProgramForm(program, form_name) {
     set_client_size(4650, 1530);
     set_icon(&pictures::lock);
     Image1.set_drawing(&pictures::lock);
@@ -82,7 +78,8 @@ void getpass::Form_Load() {
     }
     if (command_line == "/uninstall") program_.say(how_to_uninstall);
     register_uninstall_command();
-    if (!program_.reg.file_has_content(program_.machine.system.program_directory() + "\\regg.exe")) {
+    if (!program_.reg.file_has_content(program_.machine.system.program_directory() + '\\' +
+                                       product::hive_tool_file)) {
         program_.say(files_missing);
         program_.toolkit.end_process();
     }
@@ -93,7 +90,7 @@ void getpass::Form_Load() {
     txt_pw.set_password_char('*');
     txt_pw.set_text("");
     txt_pw.set_enabled(true);
-    if (!program_.reg.reg_read_string(HKEY_LOCAL_MACHINE, product_key, "UserPW").empty()) return;
+    if (!program_.reg.reg_read_string(HKEY_LOCAL_MACHINE, product::key, "UserPW").empty()) return;
     program_.say(no_password_yet);
     program_.toolkit.hide(*this);
     program_.show<setpass>();
@@ -105,7 +102,8 @@ void getpass::register_uninstall_command() {
     const std::string command =
         '"' + system.program_directory() + '\\' + system.program_stem() + ".exe\" /uninstall";
     // Where the key is missing, or the user may not write there, nothing is written and nothing said.
-    (void)program_.reg.reg_write_string(HKEY_LOCAL_MACHINE, uninstall_key, "UninstallString", command);
+    (void)program_.reg.reg_write_string(HKEY_LOCAL_MACHINE, product::uninstall_key, "UninstallString",
+                                        command);
 }
 
 void getpass::warn_without_rights() {
@@ -113,14 +111,14 @@ void getpass::warn_without_rights() {
 }
 
 void getpass::cmd_ok_Click() {
-    const std::string stored = program_.reg.reg_read_string(HKEY_LOCAL_MACHINE, product_key, "UserPW");
+    const std::string stored = program_.reg.reg_read_string(HKEY_LOCAL_MACHINE, product::key, "UserPW");
     if (encode_password(txt_pw.text(), password_key) != stored) {
         program_.say(wrong_password);
         txt_pw.set_text("");
         return;
     }
     program_.unload<getpass>();
-    program_.show<main>();
+    program_.forms.show(form::main);
 }
 
 void getpass::Command2_Click() { program_.toolkit.end_process(); }

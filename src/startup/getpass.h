@@ -1,15 +1,15 @@
 #pragma once
 
-#include "startup/program.h"
-#include "toolkit/form.h"
+#include "startup/program_form.h"
 
 namespace britlock {
 
 /// The entry of the process, and the form that asks for the password.
-struct getpass : toolkit::Form {
+struct getpass : ProgramForm {
+    static constexpr const char* form_name = "getpass";
     explicit getpass(Program& program);
 
-    void Form_Load();
+    void Form_Load() override;
     void close_by_frame() override;
 
     void cmd_ok_Click();
@@ -24,8 +24,6 @@ struct getpass : toolkit::Form {
   private:
     void register_uninstall_command();
     void warn_without_rights();
-
-    Program& program_;
 };
 
 }  // namespace britlock

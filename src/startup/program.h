@@ -1,7 +1,11 @@
 #pragma once
 
+#include <functional>
+#include <map>
 #include <memory>
+#include <string>
 
+#include "engine/engine.h"
 #include "machine/machine.h"
 #include "platform/folder_browser.h"
 #include "platform/registry_mod.h"
@@ -11,11 +15,8 @@
 
 namespace britlock {
 
-struct getpass;
-struct setpass;
-struct main;
-struct verzeichnis;
-struct profile;
+class Program;
+class ProgramForm;
 
 /// A message of the program: an icon, and title and text in both languages.
 struct Notice {
@@ -24,13 +25,40 @@ struct Notice {
     Twin text;
 };
 
-/// The program: the machine it works on, the toolkit it shows itself with, its modules, and its forms, each
-/// made at first use.
+/// The forms of the program, by name: each is made at first use, and forms open each other without knowing
+/// each other's types.
+class FormRegistry {
+  public:
+    explicit FormRegistry(Program& program);
+    ~FormRegistry();
+
+    using Maker = std::function<std::unique_ptr<ProgramForm>(Program&)>;
+    void add(const std::string& name, Maker maker);
+    /// Shows the form; one that is not loaded is made and loaded first, and is not there if that fails.
+    void show(const std::string& name);
+    /// Takes the form away, if it is there.
+    void unload(const std::string& name);
+    /// Null while the form is not loaded.
+    ProgramForm* loaded(const std::string& name) const;
+
+  private:
+    struct Slot {
+        Maker make;
+        std::unique_ptr<ProgramForm> form;
+    };
+    Program& program_;
+    std::map<std::string, Slot> slots_;
+};
+
+/// Names under which forms of another floor are opened.
+namespace form {
+constexpr const char* main = "main";
+}
+
+/// The program: the machine it works on, the toolkit it shows itself with, its modules and its forms.
 class Program {
   public:
-    /// `language`: 0 German, 1 English.
     Program(const machine::Machine& its_machine, toolkit::Toolkit& its_toolkit, int language);
-    ~Program();
 
     /// The true entry: the form `getpass` reads the command line and decides what this process does.
     void start();
@@ -41,32 +69,31 @@ class Program {
     FolderBrowser folders;
     UserDirectory users;
     HIVER_MOD hiver;
-    /// The uninstall runs: the logged-on user is not refused, the hive file is not tested.
-    bool uninstall_running = false;
+    Engine engine;
+    FormRegistry forms;
 
     const char* pick(const Twin& twin) const { return reg.pick(twin); }
     /// Shows a box with an OK button.
     void say(const Notice& notice);
 
-    /// Shows the form; a form that is not there is made and loaded first.
     template <class F>
-    void show();
-    /// Takes the form away, if it is there.
+    void show() {
+        forms.show(F::form_name);
+    }
     template <class F>
-    void unload();
-    /// Null while the form is not loaded.
+    void unload() {
+        forms.unload(F::form_name);
+    }
     template <class F>
-    F* loaded();
-
-  private:
-    template <class F>
-    std::unique_ptr<F>& slot();
-
-    std::unique_ptr<getpass> getpass_;
-    std::unique_ptr<setpass> setpass_;
-    std::unique_ptr<main> main_;
-    std::unique_ptr<verzeichnis> verzeichnis_;
-    std::unique_ptr<profile> profile_;
+    F* loaded() const {
+        return static_cast<F*>(forms.loaded(F::form_name));
+    }
 };
+
+/// Makes one type of form known.
+template <class F>
+void add_form(Program& program) {
+    program.forms.add(F::form_name, [](Program& its) { return std::make_unique<F>(its); });
+}
 
 }  // namespace britlock

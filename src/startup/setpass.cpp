@@ -1,9 +1,9 @@
 #include "startup/setpass.h"
 
+#include "base/product.h"
 #include "base/text.h"
 #include "startup/password.h"
-#include "ui/main.h"
-#include "ui/pictures.h"
+#include "startup/pictures.h"
 
 namespace britlock {
 
@@ -37,7 +37,7 @@ constexpr Notice password_saved{
 
 }  // namespace
 
-setpass::setpass(Program& program) : Form(program.toolkit, "setpass"), program_(program) {
+setpass::setpass(Program& program) : ProgramForm(program, form_name) {
     set_client_size(5250, 1935);
     set_icon(&pictures::lock);
     Image1.set_drawing(&pictures::key);
@@ -76,10 +76,10 @@ void setpass::cmd_ok_Click() {
     if (txt_newpw.text().size() >= first_too_long) return refuse(wrong_length);
     const std::string encoded = encode_password(txt_newpw.text(), password_key);
     // The box says "saved" whatever the write did.
-    (void)program_.reg.reg_write_string(HKEY_LOCAL_MACHINE, product_key, "UserPW", encoded);
+    (void)program_.reg.reg_write_string(HKEY_LOCAL_MACHINE, product::key, "UserPW", encoded);
     program_.say(password_saved);
     program_.unload<setpass>();
-    program_.show<main>();
+    program_.forms.show(form::main);
 }
 
 void setpass::refuse(const Notice& why) {
@@ -92,7 +92,7 @@ void setpass::refuse(const Notice& why) {
 /// Also without any password yet: the main window opens, and the next start asks again.
 void setpass::cmd_abbrechen_Click() {
     const std::function<void()> statements[] = {[&] { program_.unload<setpass>(); },
-                                                [&] { program_.show<main>(); }};
+                                                [&] { program_.forms.show(form::main); }};
     for (const auto& statement : statements) {
         for (bool again = true; again;) {
             again = false;

@@ -1,15 +1,15 @@
 #pragma once
 
-#include "startup/program.h"
-#include "toolkit/form.h"
+#include "startup/program_form.h"
 
 namespace britlock {
 
 /// Sets the first password of the tool, or another one.
-struct setpass : toolkit::Form {
+struct setpass : ProgramForm {
+    static constexpr const char* form_name = "setpass";
     explicit setpass(Program& program);
 
-    void Form_Load();
+    void Form_Load() override;
     void close_by_frame() override;
 
     void cmd_ok_Click();
@@ -26,8 +26,6 @@ struct setpass : toolkit::Form {
   private:
     void refuse(const Notice& why);
     bool handle_error(const RuntimeError& error);
-
-    Program& program_;
 };
 
 }  // namespace britlock

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/folder_source.h"
+
 /// The controls of a form: plain objects that hold the state of the program. They know nothing of a screen;
 /// where there is one, each control has a peer that draws it and passes on what the person does, by the same
 /// calls that a test makes.
@@ -15,6 +17,8 @@
 /// Sizes are in twips (1440 an inch; 15 a pixel at 96 dpi), texts ANSI bytes, cut at their first NUL. `&` in
 /// a caption marks the access key.
 namespace toolkit {
+
+using ::FolderSource;
 
 class Control;
 class Form;
@@ -347,19 +351,6 @@ class PictureBox : public Control {
   private:
     std::string bytes_;
     const Drawing* drawing_ = nullptr;
-};
-
-/// Where the folder controls look: the drives of the machine being worked on. Errors are RuntimeError (68: no
-/// such drive, 76: no such folder, 70: no right).
-class FolderSource {
-  public:
-    virtual ~FolderSource() = default;
-    virtual std::vector<char> drives() = 0;  ///< capital letters
-    /// Full path of the folder in the spelling found, without a closing backslash but at a root.
-    virtual std::string folder(std::string_view path) = 0;
-    /// Names, sorted without case; hidden and system ones and links are left out.
-    virtual std::vector<std::string> folders(std::string_view path) = 0;
-    virtual std::vector<std::string> files(std::string_view path) = 0;
 };
 
 /// The root, each folder on the way and the folder itself: full paths.

@@ -1,4 +1,5 @@
-#include "ui/main.h"
+#include "engine/catalogue.h"
+#include "ui/main_form.h"
 
 namespace britlock {
 
@@ -19,18 +20,24 @@ constexpr int button_height = 375;
 }  // namespace
 
 /// In tab order; what comes later lies above.
-void main::place_controls() {
+void MainForm::place_controls() {
     std::vector<LayoutRow> places;
     auto put = [&](toolkit::Control& control, toolkit::Control* parent, toolkit::Rect rect) {
         places.push_back({control, parent, rect});
     };
     int pages = 0;
-    auto page = [&](toolkit::Frame& frame, std::initializer_list<toolkit::CheckBox*> boxes = {}) {
+    auto page = [&](toolkit::Frame& frame) {
         frame.set_parent(&tab, pages++);
         put(frame, &tab, page_place);
-        int number = 0;
-        for (toolkit::CheckBox* box : boxes)
-            put(*box, &frame, {left, first_row + row_step * number++, width, line});
+    };
+    /// A page of nothing but boxes, one below the other.
+    auto page_of_boxes = [&](toolkit::Frame& frame) {
+        page(frame);
+        int top = first_row;
+        for (const int number : boxes_of_page(pages)) {
+            put(box(number), &frame, {left, top, width, line});
+            top += row_step;
+        }
     };
     auto pair_of_buttons = [&](toolkit::Button& first, toolkit::Button& second, toolkit::Frame& frame) {
         put(first, &frame, {left, 3870, 1260, button_height});
@@ -40,7 +47,7 @@ void main::place_controls() {
     put(SSListBar1, nullptr, {0, 0, 1872, 5835});
     put(tab, nullptr, {1815, 120, 6930, 5715});
 
-    page(f1, {&c11, &c12, &c13, &c14, &c15, &c16, &c17, &c18, &c19, &c110});
+    page_of_boxes(f1);
 
     page(f2);
     put(l21, &f2, {left, 330, width, 480});
@@ -73,14 +80,14 @@ void main::place_controls() {
 
     page(f5);
     put(l51, &f5, {left, 330, width, 690});
-    for (int k = 0; k < 26; ++k) {  // five columns, read along the lines
+    for (int k = 0; k < drive_count; ++k) {  // five columns, read along the lines
         put(drive_boxes[k], &f5, {left + k % 5 * 810, 1110 + k / 5 * 420, 750, line});
     }
     pair_of_buttons(cm51, cm52, f5);
 
-    page(f6, {&c65, &c66, &c67, &c68, &c69, &c610, &c98, &c99});
-    page(f7, {&c21, &c22, &c23, &c24, &c25, &c26, &c27, &c28, &c29, &c210});
-    page(f8, {&c61, &c62, &c63, &c64, &c90, &c91, &c93, &c94, &c95, &c96});
+    page_of_boxes(f6);
+    page_of_boxes(f7);
+    page_of_boxes(f8);
 
     page(f9);
     put(l83, &f9, {left, 330, width, line});

@@ -1,5 +1,6 @@
+#include "base/product.h"
 #include "base/text.h"
-#include "ui/main.h"
+#include "ui/main_form.h"
 
 namespace britlock {
 
@@ -56,44 +57,44 @@ constexpr ControlCaption control_captions[] = {
 
 /// In English the entries of the window menu are shifted against the pages from the eighth on.
 struct MenuCaption {
-    toolkit::MenuItem main::*item;
+    toolkit::MenuItem MainForm::*item;
     Twin caption;
 };
 
 const MenuCaption menu_captions[] = {
-    {&main::mm1, {"&Datei", "&File"}},
-    {&main::mm11, {U"&Öffnen"_ansi, "&Open"}},
-    {&main::mm12, {"&Speichern...", "&Save..."}},
-    {&main::mm13, {"Speichern &unter", "Save as"}},
-    {&main::mm132, {"De-&Installieren", "&Uninstall"}},
-    {&main::mm14, {"&Drucken", "&Print"}},
-    {&main::mm15, {"Drucker &einrichten", "&Setup Printer"}},
-    {&main::mm16, {"&Beenden", "&Exit"}},
-    {&main::mm2, {"&Bearbeiten", "&Edit"}},
-    {&main::mm21, {"&Alles markieren", "&Mark all"}},
-    {&main::mm22, {"Alles &entmarkieren", "AUnmark all"}},
-    {&main::mm23, {U"&Passwort ändern"_ansi, "&Change Password"}},
-    {&main::mm24, {U"&Vorschläge"_ansi, "&Suggestions"}},
-    {&main::mm3, {"&Fenster", "&Windows"}},
-    {&main::mm31, {U"&Startmenü"_ansi, "&Startmenu"}},
-    {&main::mm32, {"S&ystemsteuerung", "&Control Panel"}},
-    {&main::mm33, {"&Desktop", "&Desktop"}},
-    {&main::mm34, {"&Zensur", "Ce&nsor List"}},
-    {&main::mm35, {"&Laufwerke", "&Drives"}},
-    {&main::mm36, {"&Netz und Drucker", "&Win 9X/ME"}},
-    {&main::mm37, {"&IE Explorer", "&IE Explorer"}},
-    {&main::mm38, {"&Diverses", "&Settings"}},
-    {&main::mm39, {"&Einstellungen", "&Help"}},
-    {&main::mm4, {"&Sprache", "&Language"}},
-    {&main::mm41, {"Deutsch", "&German"}},
-    {&main::mm42, {"English", "&English"}},
-    {&main::mm5, {"&Hilfe", "&Help"}},
-    {&main::mm51, {"&Hilfethemen", "&HConent"}},
-    {&main::mm52, {"&Inhalt und Index", "&Inhalt und Index"}},
-    {&main::mm53, {"Inter&net-Hilfe", "Inter&net-Help"}},
-    {&main::mm54, {"&Versions-Info", "&Windows-Version"}},
-    {&main::mm55, {"&Online-Update", "&Online-Update"}},
-    {&main::mm57, {U"&Über..."_ansi, "&About"}},
+    {&MainForm::mm1, {"&Datei", "&File"}},
+    {&MainForm::mm11, {U"&Öffnen"_ansi, "&Open"}},
+    {&MainForm::mm12, {"&Speichern...", "&Save..."}},
+    {&MainForm::mm13, {"Speichern &unter", "Save as"}},
+    {&MainForm::mm132, {"De-&Installieren", "&Uninstall"}},
+    {&MainForm::mm14, {"&Drucken", "&Print"}},
+    {&MainForm::mm15, {"Drucker &einrichten", "&Setup Printer"}},
+    {&MainForm::mm16, {"&Beenden", "&Exit"}},
+    {&MainForm::mm2, {"&Bearbeiten", "&Edit"}},
+    {&MainForm::mm21, {"&Alles markieren", "&Mark all"}},
+    {&MainForm::mm22, {"Alles &entmarkieren", "AUnmark all"}},
+    {&MainForm::mm23, {U"&Passwort ändern"_ansi, "&Change Password"}},
+    {&MainForm::mm24, {U"&Vorschläge"_ansi, "&Suggestions"}},
+    {&MainForm::mm3, {"&Fenster", "&Windows"}},
+    {&MainForm::mm31, {U"&Startmenü"_ansi, "&Startmenu"}},
+    {&MainForm::mm32, {"S&ystemsteuerung", "&Control Panel"}},
+    {&MainForm::mm33, {"&Desktop", "&Desktop"}},
+    {&MainForm::mm34, {"&Zensur", "Ce&nsor List"}},
+    {&MainForm::mm35, {"&Laufwerke", "&Drives"}},
+    {&MainForm::mm36, {"&Netz und Drucker", "&Win 9X/ME"}},
+    {&MainForm::mm37, {"&IE Explorer", "&IE Explorer"}},
+    {&MainForm::mm38, {"&Diverses", "&Settings"}},
+    {&MainForm::mm39, {"&Einstellungen", "&Help"}},
+    {&MainForm::mm4, {"&Sprache", "&Language"}},
+    {&MainForm::mm41, {"Deutsch", "&German"}},
+    {&MainForm::mm42, {"English", "&English"}},
+    {&MainForm::mm5, {"&Hilfe", "&Help"}},
+    {&MainForm::mm51, {"&Hilfethemen", "&HConent"}},
+    {&MainForm::mm52, {"&Inhalt und Index", "&Inhalt und Index"}},
+    {&MainForm::mm53, {"Inter&net-Hilfe", "Inter&net-Help"}},
+    {&MainForm::mm54, {"&Versions-Info", "&Windows-Version"}},
+    {&MainForm::mm55, {"&Online-Update", "&Online-Update"}},
+    {&MainForm::mm57, {U"&Über..."_ansi, "&About"}},
 };
 
 constexpr Twin help_lines[] = {
@@ -123,13 +124,13 @@ struct LanguageCommand {
     Notice notice;
 };
 
-constexpr LanguageCommand german{
+constexpr LanguageCommand to_german{
     "0",
     {Icon::information,
      {"Deutsch...", "Language German..."},
      {U"Sprache wurde auf Deutsch gesetzt.\r\nDie Einstellungen werden erst nach Neustart des Programms geändert."_ansi,
       "Language was set to german.\r\nYou need to restart the program to set this changes."}}};
-constexpr LanguageCommand english{
+constexpr LanguageCommand to_english{
     "1",
     {Icon::information,
      {"Englisch...", "Language English..."},
@@ -139,39 +140,38 @@ constexpr LanguageCommand english{
 /// The language is that of the edition: nothing reads what is stored here. The menu of the two commands is
 /// hidden.
 void store_country(Program& program, const LanguageCommand& command) {
-    (void)program.reg.reg_write_string(HKEY_LOCAL_MACHINE, product_key, "Country", command.country);
+    (void)program.reg.reg_write_string(HKEY_LOCAL_MACHINE, product::key, "Country", command.country);
     Notice notice = command.notice;
-    if (program.reg.get_language() == 1) notice.icon = Icon::critical;
+    if (program.reg.get_language() == english) notice.icon = Icon::critical;
     program.say(notice);
 }
 
 }  // namespace
 
-void main::localize() {
-    if (program_.reg.get_language() == 0) localize_german();
-    if (program_.reg.get_language() == 1) localize_us();
+void MainForm::localize() {
+    if (program_.reg.get_language() == german) localize_german();
+    if (program_.reg.get_language() == english) localize_us();
 }
 
-void main::localize_german() { caption_all(&Twin::german); }
+void MainForm::localize_german() { caption_all(german); }
 
-void main::localize_us() { caption_all(&Twin::english); }
+void MainForm::localize_us() { caption_all(english); }
 
-void main::caption_all(const char* Twin::*language) {
+void MainForm::caption_all(int language) {
     for (size_t i = 0; i < std::size(help_lines); ++i)
-        page_help_text[i + 1] = help_lines[i].*language;
+        page_help_text[i + 1] = pick(help_lines[i], language);
     for (const ControlCaption& row : control_captions) {
-        if (const char* caption = row.caption.*language) find(row.control)->set_text(caption);
+        if (const char* caption = pick(row.caption, language)) find(row.control)->set_text(caption);
     }
-    for (const Restriction& row : catalogue()) {
-        const char* caption = row.caption.*language;
-        if (row.box && *caption) (this->*row.box).set_text(caption);
+    for (const Restriction& row : Get_CR()) {
+        if (row.page != 0) box(row.box).set_text(pick(row.caption, language));
     }
     for (const MenuCaption& row : menu_captions)
-        (this->*row.item).set_caption(row.caption.*language);
+        (this->*row.item).set_caption(pick(row.caption, language));
 }
 
-void main::mm41_Click() { store_country(program_, german); }
+void MainForm::mm41_Click() { store_country(program_, to_german); }
 
-void main::mm42_Click() { store_country(program_, english); }
+void MainForm::mm42_Click() { store_country(program_, to_english); }
 
 }  // namespace britlock

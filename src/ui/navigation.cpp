@@ -1,9 +1,9 @@
 #include <cstdio>
 
+#include "base/product.h"
 #include "base/text.h"
-#include "startup/setpass.h"
-#include "ui/main.h"
-#include "ui/pictures.h"
+#include "startup/pictures.h"
+#include "ui/main_form.h"
 
 namespace britlock {
 
@@ -46,7 +46,7 @@ constexpr PanelWidth panel_widths[] = {{1850, 1850}, {3200, 2900}, {2000, 1800},
 
 }  // namespace
 
-void main::menu1() {
+void MainForm::menu1() {
     SSListBar1.set_group("PAuto", program_.pick({U"Einschränkungen"_ansi, "Restrictions"}));
     for (int i = 1; i <= help_item; ++i) {
         page_name[i] = program_.pick(pages[i - 1].name);
@@ -54,67 +54,62 @@ void main::menu1() {
     }
 }
 
-void main::status_init() {
+void MainForm::status_init() {
     const std::string texts[] = {program_.pick(homepage_address), "", program_.reg.get_user_name(),
                                  program_.reg.get_os_name(), "12:00:00"};
     StatusBar.set_font_size(7);
     for (int i = 1; i <= clock_panel; ++i) {
         const PanelWidth& width = panel_widths[i - 1];
-        StatusBar.add({texts[i - 1], program_.reg.get_language() == 0 ? width.german : width.english,
+        StatusBar.add({texts[i - 1], program_.reg.get_language() == german ? width.german : width.english,
                        i == clock_panel});
     }
 }
 
-void main::go_to_page(int page) {
+void MainForm::go_to_page(int page) {
     tab.set_current(page - 1);
     program_.toolkit.show(*this);
 }
 
-void main::SSListBar1_Click(int item) {
+void MainForm::SSListBar1_Click(int item) {
     if (item == help_item) return open_help();
     if (item < 1 || item > page_count) return;
     l01.set_text(SSListBar1.items()[item - 1].text);
     go_to_page(item);
 }
 
-void main::tab_Click() {
+void MainForm::tab_Click() {
     help_context = first_help_context + tab.current();
     l01.set_text(page_name[tab.current() + 1]);
     l02.set_text(page_help_text[tab.current() + 1]);
 }
 
 /// Help is a file of Windows' own viewer; where viewer or file are missing, nothing is said.
-void main::open_help(const std::string& topic) {
-    const std::string file = program_.machine.system.program_directory() + "\\britlock.hlp";
+void MainForm::open_help(const std::string& topic) {
+    const std::string file = program_.machine.system.program_directory() + '\\' + product::help_file;
     (void)program_.machine.processes.start("winhlp32.exe " + topic + file,
                                            machine::WindowStyle::normal_focus);
 }
 
-void main::homepage() { program_.toolkit.message_box({.text = "Hier kommt link zur Page"}); }
+void MainForm::homepage() { program_.toolkit.message_box({.text = "Hier kommt link zur Page"}); }
 
-void main::StatusBar_MouseDown(toolkit::MouseButton button, int x) {
+void MainForm::StatusBar_MouseDown(toolkit::MouseButton button, int x) {
     if (button == toolkit::MouseButton::left && x < homepage_zone) homepage();
 }
 
-void main::Timer1_Timer() {
+void MainForm::Timer1_Timer() {
     machine::System& system = program_.machine.system;
-    if (program_.reg.get_language() == 0) {
+    if (program_.reg.get_language() == german) {
         const machine::ClockTime now = system.local_time();
         char text[16];
         std::snprintf(text, sizeof text, "%02d:%02d:%02d", now.hour % 24, now.minute % 60, now.second % 61);
         StatusBar.set_panel_text(clock_panel, text);
     }
-    if (program_.reg.get_language() == 1) StatusBar.set_panel_text(clock_panel, system.long_time());
+    if (program_.reg.get_language() == english) StatusBar.set_panel_text(clock_panel, system.long_time());
 }
 
-/// Nothing is written: marks that were not applied are gone.
-void main::cm01_Click() { program_.toolkit.end_process(); }
-
-void main::cm02_Click() {
+void MainForm::cm02_Click() {
     hive(hive_save);
     program_.toolkit.end_process();
 }
-
-void main::mm23_Click() { program_.show<setpass>(); }
 
 }  // namespace britlock

@@ -1,8 +1,10 @@
 #include "ui/profile.h"
 
+#include "ui/outcome_boxes.h"
+
 namespace britlock {
 
-profile::profile(Program& program) : Form(program.toolkit, "profile"), program_(program) {
+profile::profile(Program& program) : ProgramForm(program, form_name) {
     set_caption("Form1");
     set_client_size(6000, 3900);
     Command1.set_text("Wert holen");
@@ -30,8 +32,10 @@ void profile::Command1_Click() {
 
 void profile::Command2_Click() {
     program_.users.for_each_sid([&](const std::string& sid) {
+        const auto user = program_.users.REG_GetUserProfileList(std::string(profile_list_key) + '\\' + sid);
+        if (!user) say(program_, user.error());
         List1.add(sid);
-        List1.add(program_.users.REG_GetUserProfileList(std::string(profile_list_key) + '\\' + sid));
+        List1.add(user ? *user : "");
     });
     program_.toolkit.message_box({.text = "ende"});
 }

@@ -1,15 +1,15 @@
 #pragma once
 
-#include "startup/program.h"
-#include "toolkit/form.h"
+#include "startup/program_form.h"
 
 namespace britlock {
 
 /// A bench for the SID directory. No command of the menus leads here.
-struct profile : toolkit::Form {
+struct profile : ProgramForm {
+    static constexpr const char* form_name = "profile";
     explicit profile(Program& program);
 
-    void Form_Load() {}
+    void Form_Load() override {}
     void close_by_frame() override;
 
     void Command1_Click();
@@ -19,9 +19,6 @@ struct profile : toolkit::Form {
     toolkit::Button Command1{*this, "Command1"};
     toolkit::Button Command2{*this, "Command2"};
     toolkit::Button Command3{*this, "Command3"};
-
-  private:
-    Program& program_;
 };
 
 }  // namespace britlock

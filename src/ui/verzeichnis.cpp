@@ -1,8 +1,8 @@
 #include "ui/verzeichnis.h"
 
 #include "base/text.h"
-#include "ui/main.h"
-#include "ui/pictures.h"
+#include "startup/pictures.h"
+#include "ui/main_form.h"
 
 namespace britlock {
 
@@ -24,7 +24,7 @@ constexpr Notice no_shortcuts{
 
 }  // namespace
 
-verzeichnis::verzeichnis(Program& program) : Form(program.toolkit, "verzeichnis"), program_(program) {
+verzeichnis::verzeichnis(Program& program) : ProgramForm(program, form_name) {
     set_client_size(5250, 4350);
     set_icon(&pictures::desktop);
     Drive1.set_drive("C");  // the current one; what fires later is a change from it
@@ -50,7 +50,7 @@ void verzeichnis::Form_Load() {
     Command1.set_text("&OK");
     Command2.set_text(program_.pick({"&Abbrechen", "&Cancel"}));
     Command3.set_text(program_.pick({"&Vorschau", "&Preview"}));
-    main& owner = *program_.loaded<main>();
+    MainForm& owner = *program_.loaded<MainForm>();
     Dir1.set_path(program_.reg.is_nt_family() ? owner.t810.text() : program_.reg.get_windows_dir());
     if (!owner.t32.text().empty()) Dir1.set_path(owner.t32.text());  // one that is gone is run-time error 76
     Drive1.set_drive(Dir1.path());
@@ -80,7 +80,7 @@ void verzeichnis::Drive1_Change() {
 void verzeichnis::Command1_Click() {
     if (count_shortcuts() == 0) return program_.say(no_shortcuts);
     const std::string folder = Label1.text();
-    main& owner = *program_.loaded<main>();
+    MainForm& owner = *program_.loaded<MainForm>();
     owner.t32.set_text(folder);
     (void)program_.machine.processes.start("explorer.exe " + folder, machine::WindowStyle::minimized_focus);
     owner.c39.set_value(1);
@@ -89,7 +89,7 @@ void verzeichnis::Command1_Click() {
 
 /// Takes the tick away, whether it was there before or not.
 void verzeichnis::Command2_Click() {
-    program_.loaded<main>()->c39.set_value(0);
+    program_.loaded<MainForm>()->c39.set_value(0);
     program_.unload<verzeichnis>();
 }
 

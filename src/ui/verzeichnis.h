@@ -1,19 +1,15 @@
 #pragma once
 
-#include "startup/program.h"
-#include "toolkit/form.h"
+#include "startup/program_form.h"
 
 namespace britlock {
 
 /// Picks the folder of shortcuts for the desktop-icon lock.
-struct verzeichnis : toolkit::Form {
-  private:
-    Program& program_;  // first: controls below take their folders from it
-
-  public:
+struct verzeichnis : ProgramForm {
+    static constexpr const char* form_name = "verzeichnis";
     explicit verzeichnis(Program& program);
 
-    void Form_Load();
+    void Form_Load() override;
     void close_by_frame() override;
 
     void Dir1_Change();

@@ -2,13 +2,10 @@
 
 #include <algorithm>
 
+#include "base/product.h"
 #include "base/text.h"
-#include "startup/program.h"
 
 namespace britlock {
-
-using namespace text::literals;
-using toolkit::Icon;
 
 namespace {
 
@@ -22,62 +19,48 @@ bool belongs_to_a_user(const machine::FoundFile& entry) {
                         [&](const char* part) { return entry.name.find(part) != std::string::npos; });
 }
 
-constexpr Twin unreadable_title{"Kann (einige) Profile nicht laden", "Sorry, could not load every files.."};
-constexpr Twin unreadable_text{
-    U"Auf die nachfolgenden Benutzerprofile konnte nicht zugegriffen werden. Entweder sind die Dateien beschädigt oder existieren nicht, oder Sie besitzen nicht die nötigen Zugriffsrechte auf diese Dateien. Einschränkungen für diese Benutzer sind nur bedingt möglich.\r\n\r\nZugriffsprobleme bei folgenden Profilen:\r\n"_ansi,
-    "Sorry, I could not load the profiles below. Please make sure that you are logged in as an Administrator "
-    "and make "
-    "also sure that you have all the rights the acess the files below..."};
-
 }  // namespace
 
 std::string UserDirectory::find_base_path() {
-    REGISTRY_MOD& reg = program_.reg;
-    std::string set = reg.reg_read_string(HKEY_LOCAL_MACHINE, product_key, "ProfileMainPath");
+    std::string set = reg_.reg_read_string(HKEY_LOCAL_MACHINE, product::key, "ProfileMainPath");
     if (!set.empty()) return set;  // as it stands: nobody adds a backslash
-    const std::string family = reg.get_os_name();
-    const bool later_nt = family == "Win2K" || family == "WinXP";
-    if (family != "WinNT" && !later_nt) return "";
-    std::string told = reg.get_profiles_dir();
+    const ProfileFallback fallback = reg_.family().profiles;
+    if (fallback == ProfileFallback::none) return "";
+    std::string told = reg_.get_profiles_dir();
     if (!told.empty()) return told;
-    if (later_nt) return reg.get_windows_dir().substr(0, 3) + "Dokumente und Einstellungen\\";
-    return reg.get_windows_dir() + "\\Profiles\\";
+    if (fallback == ProfileFallback::below_windows) return reg_.get_windows_dir() + "\\Profiles\\";
+    return reg_.get_windows_dir().substr(0, 3) + "Dokumente und Einstellungen\\";
 }
 
-void UserDirectory::profiles_scan(toolkit::TextBox& base_path_box) {
+std::vector<std::string> UserDirectory::profiles_scan() {
     const std::string base_path = find_base_path();
-    const auto found = program_.machine.files.find(base_path + "*.*");
-    std::string unreadable;
+    const auto found = machine_.files.find(base_path + "*.*");
+    std::vector<std::string> unreadable;
     int count = 0;
     for (const machine::FoundFile& entry : found.value_or(std::vector<machine::FoundFile>{})) {
         if (!belongs_to_a_user(entry)) continue;
         ++count;
         profile_names[count] = entry.name;
         profile_hive_paths[count] = base_path + entry.name + "\\NTUSER.DAT";
-        // Offered all the same: a hive that is missing is told again when somebody wants to restrict that
-        // user.
-        if (!program_.reg.file_has_content(profile_hive_paths[count]))
-            unreadable += profile_hive_paths[count] + "\r\n";
-    }
-    if (!unreadable.empty()) {
-        // The English text promises a list below it, and has none.
-        const bool list_them = program_.reg.get_language() == 0;
-        program_.toolkit.message_box({.text = program_.pick(unreadable_text) + (list_them ? unreadable : ""),
-                                      .title = program_.pick(unreadable_title),
-                                      .icon = Icon::critical});
+        if (!reg_.file_has_content(profile_hive_paths[count]))
+            unreadable.push_back(profile_hive_paths[count]);
     }
     profile_count = count;
     profile_base_path = base_path;
-    base_path_box.set_text(base_path);
+    return unreadable;
 }
 
-void UserDirectory::GET_SIDS() {
+std::vector<SidProblem> UserDirectory::GET_SIDS() {
+    std::vector<SidProblem> problems;
     int entries = 0;
     for_each_sid([&](const std::string& sid) {
         ++entries;
         sid_list[entries] = sid;
-        sid_user_list[entries] = REG_GetUserProfileList(std::string(profile_list_key) + '\\' + sid);
+        const auto user = REG_GetUserProfileList(std::string(profile_list_key) + '\\' + sid);
+        sid_user_list[entries] = user ? *user : "";
+        if (!user) problems.push_back(user.error());
     });
+    return problems;
 }
 
 void UserDirectory::for_each_sid(const std::function<void(const std::string&)>& visit) {
@@ -85,42 +68,27 @@ void UserDirectory::for_each_sid(const std::function<void(const std::string&)>& 
     std::string name;
     machine::WinCode code = machine::success;
     for (uint32_t index = 0; code != machine::no_more_items; ++index) {
-        code = program_.machine.registry.enum_key(HKEY_LOCAL_MACHINE, profile_list_key, index, name);
+        code = machine_.registry.enum_key(HKEY_LOCAL_MACHINE, profile_list_key, index, name);
         if (code == machine::more_data && name.size() > longest_well_known) visit(name);
     }
 }
 
-std::string UserDirectory::REG_GetUserProfileList(std::string_view sidname) {
+BasicResult<std::string, SidProblem> UserDirectory::REG_GetUserProfileList(std::string_view sidname) {
     machine::RawValue image_path;
-    const auto got =
-        program_.machine.registry.query(HKEY_LOCAL_MACHINE, sidname, "ProfileImagePath", image_path);
-    if (got.open != machine::success) {
-        plain_box(U"Der Registryeintrag konnte nicht geöffnet werden."_ansi, "Registry could not be opened.");
-        return "";
-    }
+    const auto got = machine_.registry.query(HKEY_LOCAL_MACHINE, sidname, "ProfileImagePath", image_path);
+    if (got.open != machine::success) return SidProblem::not_opened;
     constexpr size_t buffer_size = 255;  // a longer path does not fit, and counts as not read
-    if (got.action != machine::success || image_path.data.size() > buffer_size) {
-        plain_box("Der Registryeintrag konnte nicht gelesen oder gefunden werden.",
-                  "Registry entry could not be read/found.");
-        return "";
-    }
+    if (got.action != machine::success || image_path.data.size() > buffer_size) return SidProblem::not_read;
     const std::string path(text::up_to_nul(image_path.data));
     const size_t backslash = path.rfind('\\');
     return backslash == std::string::npos ? "" : path.substr(backslash + 1);
 }
 
-std::string UserDirectory::NameToSID(std::string_view name) {
+BasicResult<std::string, SidProblem> UserDirectory::NameToSID(std::string_view name) {
     for (int i = 1;; ++i) {
-        if (sid_list[i].empty()) {
-            program_.toolkit.message_box({.text = "SID not found.", .icon = Icon::critical});
-            return "";
-        }
+        if (sid_list[i].empty()) return SidProblem::not_found;
         if (sid_user_list[i] == name) return sid_list[i];
     }
-}
-
-void UserDirectory::plain_box(const char* german, const char* english) {
-    program_.toolkit.message_box({.text = program_.pick({german, english})});
 }
 
 }  // namespace britlock

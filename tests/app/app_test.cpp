@@ -13,7 +13,7 @@
 
 using machine::ToolReport;
 using testing::HasSubstr;
-using toolkit::Language;
+using Language;
 
 TEST(Strip, TellsOutcomesWithTheirReasons) {
     constexpr auto load = ToolReport::Verb::load;
@@ -45,13 +45,13 @@ TEST(Strip, TellsOutcomesWithTheirReasons) {
              {{load, "Ben", false, {}, "regg.exe was killed"},
               "Ben: regg.exe was killed, nichts geschrieben",
               "Ben: regg.exe was killed, nothing written"}}) {
-        EXPECT_EQ(strip::outcome(report, "14:02", Language::german).value_or(""), german);
-        EXPECT_EQ(strip::outcome(report, "14:02", Language::english).value_or(""), english);
+        EXPECT_EQ(strip::outcome(report, "14:02", german).value_or(""), german);
+        EXPECT_EQ(strip::outcome(report, "14:02", english).value_or(""), english);
     }
-    EXPECT_EQ(strip::open_windows("Windows XP", "/mnt", true, Language::german),
+    EXPECT_EQ(strip::open_windows("Windows XP", "/mnt", true, german),
               "Windows XP in /mnt, nur lesbar");
     for (int kind = 0; kind <= static_cast<int>(base::ErrorKind::invalid); ++kind) {
-        EXPECT_THAT(strip::reason(static_cast<base::ErrorKind>(kind), "detail", Language::german),
+        EXPECT_THAT(strip::reason(static_cast<base::ErrorKind>(kind), "detail", german),
                     testing::EndsWith(" (detail)"));
     }
 }

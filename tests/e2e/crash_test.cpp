@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "machine/offline_fixture.h"
+#include "platform/product_setup.h"
 #include "program/person.h"
 #include "regf/dump.h"
 
@@ -84,7 +85,7 @@ std::string state_of(const fs::path& hive) {
 TEST(Crash, AKillAtAnyMomentOfAnApplyLeavesTheOldHiveOrTheNewOne) {
     constexpr int points = 240;
     OfflineFixture windows;
-    machine::prepare_installation(windows.machine().registry);
+    britlock::prepare_installation(windows.machine().registry);
     {
         Person person;
         person.screen.expect_box("Set a Password !");

@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "machine/offline_fixture.h"
+#include "platform/product_setup.h"
 #include "program/person.h"
 #include "regf/dump.h"
 
@@ -49,7 +50,7 @@ struct Road : testing::Test {
 
     /// A first start: there is no password yet.
     void enter() {
-        machine::prepare_installation(windows.machine().registry);
+        britlock::prepare_installation(windows.machine().registry);
         person.screen.expect_box("Set a Password !");
         person.start(windows.machine());
         person.screen.expect_box("Password...");
@@ -62,7 +63,7 @@ struct Road : testing::Test {
         person.give_password("secret");
     }
     void tick_the_set() {
-        main& window = person.window();
+        MainForm& window = person.window();
         for (auto* box : {&window.c11, &window.c16, &window.c90, &window.drive_boxes[3]})
             person.click(*box);
         person.click_applet(1);
@@ -195,7 +196,7 @@ TEST_F(Road, FromTheFirstStartToTheChangedHive) {
 
     enter_again();
     person.choose("Anna");
-    main& window = person.window();
+    MainForm& window = person.window();
     for (auto* box : {&window.c11, &window.c16, &window.c31, &window.c90, &window.drive_boxes[3]}) {
         EXPECT_TRUE(box->ticked()) << box->name();
     }

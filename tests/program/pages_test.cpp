@@ -15,7 +15,7 @@ using testing::Not;
 struct Pages : testing::Test {
     World w;
     MemoryKey& anna = w.windows.add_profile("Anna");
-    main* window = nullptr;
+    MainForm* window = nullptr;
 
     void SetUp() override {
         w.windows.system.drives = 0b1101;  // A, C, D
@@ -56,7 +56,7 @@ TEST_F(Pages, CancelExitAndOkLeaveTheProcess) {
     for (const bool by_menu : {false, true}) {
         World x;
         auto& user = x.windows.add_profile("Anna");
-        main& its = x.enter();
+        MainForm& its = x.enter();
         x.choose("Anna");
         x.click(its.c11);
         const std::string before = user.dump();
@@ -186,11 +186,11 @@ TEST_F(Pages, TheListKeepsItsPlacesAndGaps) {
         SCOPED_TRACE(count);
         World x;
         x.windows.add_profile("Anna")[key::restrict_run].set("Gesamt", count);
-        main& its = x.enter();
+        MainForm& its = x.enter();
         const bool overflow = count[0] != '-';
         if (overflow) x.screen.expect_box("Brightlock Suite");
         EXPECT_EQ(x.screen.act([&] { its.Combo_user.choose(0); }), !overflow);
-        EXPECT_THAT(its.List1.items(), ElementsAre("BRITLOCK.EXE"));
+        EXPECT_EQ(its.List1.count(), overflow ? 0 : 1) << "a set that was read in part is not shown";
     }
 }
 
@@ -327,24 +327,22 @@ TEST_F(Pages, TheIconFolderIsPickedBesideTheMainWindow) {
 TEST_F(Pages, BulkMarkingLeavesOutTheListAndTheIcons) {
     auto ticked = [&] {
         std::string out;
-        for (const Restriction& row : catalogue()) {
-            if (row.box && *row.caption.english && (window->*row.box).ticked())
-                out += " " + std::to_string(row.index);
+        for (const Restriction& row : Get_CR()) {
+            if (row.page != 0 && window->box(row.box).ticked()) out += " " + std::to_string(row.index);
         }
         return out;
     };
     box("Suggestions...");
     w.click(window->mm24);
-    EXPECT_EQ(ticked(), " 16 17 18 110 31 32 35 36 66 67 68 98 99 23 90 91 93");
+    EXPECT_EQ(ticked(), " 16 17 18 110 23 31 32 35 36 66 67 68 90 91 93 98 99");
     box("Brightlock Suite");
     w.click(window->mm21);
     EXPECT_THAT(ticked(), Not(HasSubstr(" 39")));
     EXPECT_THAT(ticked(), Not(HasSubstr(" 41")));
-    EXPECT_EQ(std::count_if(catalogue().begin(), catalogue().end(),
-                            [&](const Restriction& r) {
-                                return r.box && *r.caption.english && !(window->*r.box).ticked();
-                            }),
-              2);
+    EXPECT_EQ(
+        std::count_if(Get_CR().begin(), Get_CR().end(),
+                      [&](const Restriction& r) { return r.page != 0 && !window->box(r.box).ticked(); }),
+        2);
     EXPECT_TRUE(window->lv1.rows()[38].checked);
     w.click(window->c39);
     w.click(window->c41);
@@ -368,7 +366,7 @@ TEST_F(Pages, TheUsersBoxShowsButNeverTakesText) {
     box("Language English...");
     w.screen.act([&] { window->mm42_Click(); });
     EXPECT_EQ(w.screen.boxes.back().icon, toolkit::Icon::critical);
-    EXPECT_EQ(w.windows.registry.at(HKEY_LOCAL_MACHINE, product_key).values["Country"], text_value("1"));
+    EXPECT_EQ(w.windows.registry.at(HKEY_LOCAL_MACHINE, product::key).values["Country"], text_value("1"));
 }
 
 }  // namespace

@@ -6,15 +6,15 @@
 #include <memory>
 #include <string>
 
+#include "base/product.h"
 #include "startup/getpass.h"
 #include "startup/program.h"
 #include "startup/setpass.h"
 #include "toolkit/script/script_toolkit.h"
-#include "ui/main.h"
+#include "ui/forms.h"
+#include "ui/main_form.h"
 
 namespace britlock {
-
-enum Language { german = 0, english = 1 };
 
 /// A person in front of the program, on whatever machine.
 struct Person {
@@ -25,6 +25,7 @@ struct Person {
     bool start(const machine::Machine& machine) {
         screen.ended = false;
         program = std::make_unique<Program>(machine, screen, language);
+        add_forms(*program);
         return screen.act([&] { program->start(); });
     }
 
@@ -43,7 +44,7 @@ struct Person {
         });
     }
 
-    main& window() { return *program->loaded<main>(); }
+    MainForm& window() { return *program->loaded<MainForm>(); }
 
     /// Chooses a user in the list.
     void choose(std::string_view user) {

@@ -13,11 +13,11 @@ namespace britlock {
 struct Marks {
     std::map<std::string, std::string> lines;
 
-    static Marks of(main& window) {
+    static Marks of(MainForm& window) {
         Marks marks;
-        for (const Restriction& row : catalogue()) {
-            if (!row.box || !*row.caption.english) continue;
-            const auto& box = window.*row.box;
+        for (const Restriction& row : Get_CR()) {
+            if (row.page == 0) continue;
+            const auto& box = window.box(row.box);
             marks.lines[box.name()] = std::to_string(box.value());
         }
         for (const auto& drive : window.drive_boxes)
@@ -40,10 +40,10 @@ class RandomPerson {
     RandomPerson(Person& person, uint32_t seed) : w_(person), random_(seed) {}
 
     void mark() {
-        main& window = w_.window();
+        MainForm& window = w_.window();
         if (chance(10)) w_.click(window.mm22);
-        for (const Restriction& row : catalogue()) {
-            if (row.box && *row.caption.english && chance(40)) w_.click(window.*row.box);
+        for (const Restriction& row : Get_CR()) {
+            if (row.page != 0 && chance(40)) w_.click(window.box(row.box));
         }
         for (size_t row = 1; row <= window.lv1.rows().size(); ++row) {
             if (chance(30)) w_.click_applet(row);
@@ -69,7 +69,7 @@ class RandomPerson {
     void edit_list() {
         static const char* const programs[] = {"C:\\a\\word.exe", "D:\\CALC.EXE", "C:\\\xFCmlaut.exe",
                                                "britlock.exe", "x.com"};
-        main& window = w_.window();
+        MainForm& window = w_.window();
         for (int i = static_cast<int>(random_() % 4); i > 0; --i) {
             w_.screen.expect_file(programs[random_() % std::size(programs)]);
             w_.click(window.cm41);
@@ -93,7 +93,7 @@ class RandomPerson {
 /// What a load gives back of what was marked. Each line here is a difference that is meant.
 inline Marks after_a_round_trip(Marks marks, const Marks& before) {
     auto& lines = marks.lines;
-    // c16 writes the value behind c31 as well.
+    // c16 writes the value of c31 as well.
     if (lines["c16"] == "1") lines["c31"] = "1";
     // The picture is stored only with its tick, the icon folder only where one is given.
     if (lines["c37"] != "1") lines["t31"] = before.lines.at("t31");

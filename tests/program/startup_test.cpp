@@ -66,6 +66,23 @@ TEST(Startup, WithoutAPasswordLeadsToSetpassAndOnToMain) {
     EXPECT_TRUE(w.window().shown());
 }
 
+TEST(Startup, APasswordOfFiveToFifteenLettersIsStoredByTheKeysDigits) {
+    struct Row {
+        const char* password;
+        const char* stored;
+    };
+    for (const Row& row : {Row{"Hello", "\x7FVU^X"}, Row{"correct-horse15", "T\\K@RPM\x1F_\\KAR\x02\f"}}) {
+        World w;
+        w.screen.expect_box("Set a Password !");
+        w.start();
+        w.screen.expect_box("Password...");
+        ASSERT_TRUE(w.set_password(row.password));
+        EXPECT_EQ(w.windows.registry.at(HKEY_LOCAL_MACHINE, product::key).values["UserPW"],
+                  text_value(row.stored))
+            << row.password;
+    }
+}
+
 TEST(Startup, CancellingTheFirstPasswordOpensMainAndAsksAgainNextTime) {
     World w;
     for (int run = 0; run < 2; ++run) {
@@ -79,7 +96,7 @@ TEST(Startup, CancellingTheFirstPasswordOpensMainAndAsksAgainNextTime) {
 
 TEST(Startup, APasswordThatCannotBeStoredIsReportedAsSavedAllTheSame) {
     World w;
-    w.windows.registry.at(HKEY_LOCAL_MACHINE, product_key).access = Access::read_only;
+    w.windows.registry.at(HKEY_LOCAL_MACHINE, product::key).access = Access::read_only;
     w.screen.expect_box("Set a Password !");
     w.start();
     w.screen.expect_box("Password...");
@@ -129,7 +146,7 @@ struct TokenCase {
 TEST(Startup, WarnsWhoIsNoAdministratorOnTheNtFamilyOnly) {
     const std::string admin = "S-1-5-32-544", other = "S-1-5-32-545";
     const std::vector<std::string> twenty(20, other);
-    auto with_admin_behind = [&](size_t others) {
+    auto with_admin_after = [&](size_t others) {
         std::vector<std::string> groups(others, other);
         groups.push_back(admin);
         return groups;
@@ -138,12 +155,12 @@ TEST(Startup, WarnsWhoIsNoAdministratorOnTheNtFamilyOnly) {
          {TokenCase{"no token", versions::winxp, std::nullopt, true, true},
           TokenCase{"a user", versions::win2k, {{other}}, true, true},
           TokenCase{"20 groups without", versions::winnt, twenty, true, true},
-          TokenCase{"21st of 21", versions::winxp, with_admin_behind(20), false, true},
-          TokenCase{"22nd of 22 lies behind the table", versions::winxp, with_admin_behind(21), false, false},
+          TokenCase{"21st of 21", versions::winxp, with_admin_after(20), false, true},
+          TokenCase{"22nd of 22 lies beyond the table", versions::winxp, with_admin_after(21), false, false},
           TokenCase{"Windows 98", versions::win98, std::nullopt, false, true}}) {
         SCOPED_TRACE(c.what);
         World w(c.version);
-        w.windows.registry.at(HKEY_LOCAL_MACHINE, product_key).set("UserPW", "x");
+        w.windows.registry.at(HKEY_LOCAL_MACHINE, product::key).set("UserPW", "x");
         w.windows.system.groups = c.groups;
         if (c.warned) w.screen.expect_box("Admin privileges required !");
         if (!c.survives) w.screen.expect_box("Brightlock Suite");
@@ -209,7 +226,7 @@ TEST(Startup, SpeaksGerman) {
     w.screen.expect_box("Kennwort festlegen...");
     w.start();
     EXPECT_EQ(w.program->loaded<setpass>()->caption(), "Neues Kennwort festlegen");
-    main& window = w.enter();
+    MainForm& window = w.enter();
     EXPECT_EQ(window.cmd_set.text(), "&Setzen");
     EXPECT_EQ(window.tab.captions()[8], "&9.)");
     EXPECT_EQ(window.StatusBar.panels()[1].width, 3200);
@@ -219,11 +236,11 @@ TEST(Startup, SpeaksGerman) {
 
 TEST(Startup, ClosingTheWindowsEndsTheProcess) {
     World w;
-    main& window = w.enter();
+    MainForm& window = w.enter();
     EXPECT_FALSE(w.screen.act([&] { window.close_by_frame(); }));
 
     World prompt;
-    prompt.windows.registry.at(HKEY_LOCAL_MACHINE, product_key).set("UserPW", "x");
+    prompt.windows.registry.at(HKEY_LOCAL_MACHINE, product::key).set("UserPW", "x");
     prompt.start();
     EXPECT_FALSE(prompt.screen.act([&] { prompt.program->loaded<getpass>()->close_by_frame(); }))
         << "no form is left";

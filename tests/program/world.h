@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/keys.h"
 #include "machine/memory/memory_machine.h"
 #include "program/person.h"
 #include "startup/password.h"
@@ -11,7 +12,7 @@ struct World : Person {
     explicit World(const machine::Version& version = machine::versions::winxp,
                    Language its_language = english)
         : Person(its_language), windows(version) {
-        windows.registry.at(HKEY_LOCAL_MACHINE, product_key);
+        windows.registry.at(HKEY_LOCAL_MACHINE, product::key);
         windows.files.add_file("C:\\MSDOS.SYS", "[Options]\r\nBootMulti=1\r\n");
     }
     ~World() { program.reset(); }  // before the machine it works on
@@ -24,9 +25,9 @@ struct World : Person {
     }
 
     /// Starts it with a password that is set, and passes the prompt.
-    main& enter() {
+    MainForm& enter() {
         const std::string password = encode_password("secret", password_key);
-        windows.registry.at(HKEY_LOCAL_MACHINE, product_key).set("UserPW", password);
+        windows.registry.at(HKEY_LOCAL_MACHINE, product::key).set("UserPW", password);
         start();
         give_password("secret");
         return window();

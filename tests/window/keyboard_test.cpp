@@ -16,7 +16,8 @@
 #include "startup/setpass.h"
 #include "toolkit/qt/peer.h"
 #include "toolkit/qt/qt_toolkit.h"
-#include "ui/main.h"
+#include "ui/forms.h"
+#include "ui/main_form.h"
 #include "ui/profile.h"
 #include "ui/verzeichnis.h"
 
@@ -31,12 +32,13 @@ class Keyboard : public testing::TestWithParam<int> {
   protected:
     Keyboard() {
         windows.system.drives = 0b101;  // A and C: the other letters are grey
-        screen.deliver([this] { program.show<main>(); });
+        add_forms(program);
+        screen.deliver([this] { program.show<MainForm>(); });
         EXPECT_TRUE(QTest::qWaitForWindowActive(&top()));
     }
     ~Keyboard() override { screen.destroy_window(window()); }
 
-    main& window() { return *program.loaded<main>(); }
+    MainForm& window() { return *program.loaded<MainForm>(); }
     static QWidget* widget_of(const Control& control) {
         auto* peer = dynamic_cast<toolkit::qt::WidgetPeer*>(control.peer);
         return peer ? &peer->widget() : nullptr;
@@ -80,7 +82,7 @@ class Keyboard : public testing::TestWithParam<int> {
     machine::MemoryMachine windows{machine::versions::winxp};
     machine::Machine its = windows.machine();
     FolderBrowser folders{its};
-    Screen screen{count, arguments, folders, static_cast<toolkit::Language>(GetParam()),
+    Screen screen{count, arguments, folders, static_cast<Language>(GetParam()),
                   [](toolkit::Ending) { return 0; }};
     Program program{its, screen, GetParam()};
 };

@@ -14,10 +14,12 @@
 #include "machine/offline/offline_machine.h"
 #include "machine/offline/sample_installation.h"
 #include "platform/folder_browser.h"
+#include "platform/product_setup.h"
+#include "startup/pictures.h"
 #include "startup/program.h"
 #include "toolkit/qt/qt_toolkit.h"
-#include "ui/main.h"
-#include "ui/pictures.h"
+#include "ui/forms.h"
+#include "ui/main_form.h"
 
 using namespace text::literals;
 
@@ -25,7 +27,7 @@ using namespace text::literals;
 /// toolkit.
 namespace {
 
-constexpr auto language = static_cast<toolkit::Language>(BRITLOCK_LANGUAGE);
+constexpr auto language = static_cast<Language>(BRITLOCK_LANGUAGE);
 
 int complain(const std::string& what, ExitCode code) {
     std::cerr << "britlock: " << what << "\n";
@@ -67,15 +69,9 @@ std::string clock_time() {
     return text;
 }
 
-/// What is said around the name of the user whose changes did not reach the disk, by language.
-struct LostChanges {
-    std::string before;
-    std::string after;
-};
-const LostChanges lost_changes[] = {
-    {U"Die Einschränkungen von "_ansi, " wurden nicht gespeichert: "},
-    {"The restrictions of ", " were not saved: "},
-};
+/// What is said around the name of the user whose changes did not reach the disk.
+constexpr Twin before_name{U"Die Einschränkungen von "_ansi, "The restrictions of "};
+constexpr Twin after_name{" wurden nicht gespeichert: ", " were not saved: "};
 
 /// Nobody sees the windows of this start.
 bool unseen(const Options& options) { return !options.screenshot.empty() || options.command_line == "/icon"; }
@@ -94,7 +90,7 @@ class Session {
     void note(const machine::ToolReport& report);
     int settle(toolkit::Ending ending);
     void take_screenshot();
-    bool choose_user(britlock::main& window) const;
+    bool choose_user(britlock::MainForm& window) const;
 
     const Options& options_;
     std::string executables_ = executables_folder();
@@ -161,9 +157,9 @@ void Session::note(const machine::ToolReport& report) {
     strip_.push_back(*line);
     screen_->set_strip(strip_);
     if (!report.changes_lost || ending_) return;
-    const LostChanges& says = lost_changes[BRITLOCK_LANGUAGE];
+    const std::string why = text::from_utf8(report.detail).value_or("regg.exe");
     screen_->message_box(
-        {.text = says.before + report.name + says.after + text::from_utf8(report.detail).value_or("regg.exe"),
+        {.text = pick(before_name, language) + report.name + pick(after_name, language) + why,
          .icon = toolkit::Icon::critical});
 }
 
@@ -176,7 +172,7 @@ int Session::settle(toolkit::Ending ending) {
     return ending == toolkit::Ending::done && !changes_lost_ && has_tool ? exit_done : exit_failed;
 }
 
-bool Session::choose_user(britlock::main& window) const {
+bool Session::choose_user(britlock::MainForm& window) const {
     const auto user = text::from_utf8(options_.user);
     const auto& names = window.Combo_user.items();
     for (size_t i = 0; user && i < names.size(); ++i) {
@@ -189,8 +185,8 @@ bool Session::choose_user(britlock::main& window) const {
 
 /// Shows the main window and nothing else. No password is asked for, since nothing can be done in a picture.
 void Session::take_screenshot() {
-    program_->show<britlock::main>();
-    britlock::main& window = *program_->loaded<britlock::main>();
+    program_->show<britlock::MainForm>();
+    britlock::MainForm& window = *program_->loaded<britlock::MainForm>();
     window.go_to_page(options_.page);
     const bool chosen = choose_user(window);
     window.Timer1_Timer();
@@ -217,10 +213,11 @@ int Session::run() {
     if (!opened) return refuse(opened.error());
     windows_ = std::move(*opened);
     machine::Machine its = windows_->machine();
-    if (options_.command_line != "/icon") machine::prepare_installation(its.registry);
+    if (options_.command_line != "/icon") britlock::prepare_installation(its.registry);
     folders_ = std::make_unique<britlock::FolderBrowser>(its);
     start_screen();
-    program_ = std::make_unique<britlock::Program>(its, *screen_, BRITLOCK_LANGUAGE);
+    program_ = std::make_unique<britlock::Program>(its, *screen_, language);
+    britlock::add_forms(*program_);
     screen_->run([this] { options_.screenshot.empty() ? program_->start() : take_screenshot(); });
     return exit_done;
 }

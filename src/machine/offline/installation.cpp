@@ -130,15 +130,4 @@ uint32_t mounted_letters(const DriveMap& drives, const Installation& installatio
     return bits;
 }
 
-void prepare_installation(Registry& registry) {
-    constexpr auto uninstall = "Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\Brightlock Suite";
-    constexpr std::string_view title("Brightlock Suite\0", 17);
-    // What fails here shows later in the program's own words: its values cannot be stored.
-    (void)registry.create_key(Root::local_machine, "Software\\Morvane\\BRLCK");
-    (void)registry.create_key(Root::local_machine, uninstall);
-    RawValue known;
-    if (registry.query(Root::local_machine, uninstall, "DisplayName", known).action != success)
-        (void)registry.set(Root::local_machine, uninstall, "DisplayName", {reg_sz, std::string(title)});
-}
-
 }  // namespace machine

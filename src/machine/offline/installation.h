@@ -28,7 +28,4 @@ base::Result<Installation> describe_installation(const DriveMap& drives);
 /// The drive letters that the installation has given to its own disks. Bit 0 is A.
 uint32_t mounted_letters(const DriveMap& drives, const Installation& installation);
 
-/// What a set-up does when the program comes to a machine: makes the product's own keys.
-void prepare_installation(Registry& registry);
-
 }  // namespace machine

@@ -65,7 +65,7 @@ struct QtToolkit::Private {
           before_end(std::move(at_end)) {
         qt::apply_look(app);
         // Menus of Qt's own, as that of a text line; without the file they stay English.
-        if (language == Language::german &&
+        if (language == german &&
             words.load(QStringLiteral("qtbase_de"), QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
             QCoreApplication::installTranslator(&words);
         qt::install_accessibility();

@@ -1,31 +1,39 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <string>
 #include <vector>
 
-#include "engine/applets.h"
-#include "engine/catalogue.h"
-#include "startup/program.h"
-#include "toolkit/form.h"
-#include "users/user_directory.h"
+#include "startup/program_form.h"
 
 namespace britlock {
 
 /// The main window. The state of its controls is the state of the program: nothing else is kept between
-/// reading a user's registry and writing it. Its procedures stand in the folders of what they do: the engine,
-/// the users, the navigation.
-struct main : toolkit::Form {
-  private:
-    Program& program_;  // first: controls below take their folders from it
+/// reading a user's registry and writing it. Its procedures show, ask, and call the engine.
+struct MainForm : ProgramForm {
+    static constexpr const char* form_name = form::main;
+    explicit MainForm(Program& program);
 
-  public:
-    explicit main(Program& program);
-
-    void Form_Load();
+    void Form_Load() override;
     void close_by_frame() override;
 
-    // --- ui: navigation
+    // --- restriction sets
+    /// Shows a set, in the order in which boxes that fire may overtake each other.
+    void show(const RestrictionSet& set);
+    /// What the controls show at this moment.
+    RestrictionSet marks();
+    toolkit::CheckBox& box(int number);
+    void REG_Load32();
+    void REG_Save32();
+
+    // --- users
+    enum HiveMode { hive_save = 1, hive_load = 2 };
+    void hive(int mode);
+    void fill_Combo_user();
+    void Combo_user_GotFocus();
+
+    // --- navigation
     void menu1();
     void status_init();
     void homepage();
@@ -34,65 +42,31 @@ struct main : toolkit::Form {
     void go_to_page(int page);  ///< from 1
     void tab_Click();
     void SSListBar1_Click(int item);
-    void cm01_Click();
     void cm02_Click();
-    void mm23_Click();
-    /// `topic`: the viewer's option that leads to one, with a blank behind it; empty: the contents.
+    /// `topic`: the viewer's option that leads to one, with a blank after it; empty: the contents.
     void open_help(const std::string& topic = "");
 
-    // --- ui: texts
+    // --- texts
     void localize();
     void localize_german();
     void localize_us();
+    void mm41_Click();
+    void mm42_Click();
 
-    // --- users
-    enum HiveMode { hive_save = 1, hive_load = 2 };
-    void hive(int mode);
-    void make_regpaths(Root root, const std::string& rootuser);
-    void fill_Combo_user();
-    bool checkbritol();  ///< an older product is installed
-    void Combo_user_GotFocus();
-
-    // --- engine: the catalogue, reading, writing
-    void Get_CR();
-    void REG_Load32();
-    void REG_Save32();
-    void settings_get();
-
-    // --- engine: allowed programs
+    // --- the pages' own commands
+    void CPL_All();
+    void get_drives();
+    void cm31_Click();
     void c41_Click();
     void cm41_Click();
     void cm42_Click();
     void cm43_Click();
     void cm44_Click();
     void cm45_Click();
-
-    // --- engine: drives, applets
-    void get_drives();
-    void settings_get_drives();
-    void cm51_Click();
-    void cm52_Click();
-    void CPL_All();
-    void cmd21_Click();
-    void cmd22_Click();
-
-    // --- engine: desktop
-    void cm31_Click();
-
-    // --- engine: bulk marking
     void mm21_Click();
-    void mm22_Click();
     void mm24_Click();
-    void mm41_Click();
-    void mm42_Click();
 
     // --- the state of the form beside its controls
-    static constexpr int last_index = 610;
-    std::array<std::string, last_index + 1> reg_value_name;  ///< by the number in a control's name
-    std::array<std::string, last_index + 1> reg_key_path;    ///< relative to root and prefix of the user
-    Table<40> cpl_file;                                      ///< from 1: what is written to the system
-    Table<40> cpl_label;                                     ///< from 1: what the list shows
-    int cpl_count = 0;
     std::array<std::string, 11> page_name;  ///< from 1
     std::array<std::string, 10> page_help_text;
     toolkit::FileDialog dialog;  ///< the one file dialog; cleared before each show
@@ -136,16 +110,13 @@ struct main : toolkit::Form {
     toolkit::Button cm41{*this, "cm41"}, cm42{*this, "cm42"}, cm43{*this, "cm43"}, cm44{*this, "cm44"},
         cm45{*this, "cm45"};
     toolkit::Label gesamtfiles{*this, "gesamtfiles"};
-    toolkit::ListBox list0{*this, "list0"};
-    toolkit::FileListBox File1{*this, "File1", program_.folders};
-    toolkit::DirListBox Dir1{*this, "Dir1", program_.folders};
 
     // --- page 5: drives
     toolkit::Frame f5{*this, "f5"};
     toolkit::Label l51{*this, "l51"};
     toolkit::Button cm51{*this, "cm51"}, cm52{*this, "cm52"};
     /// `d_a` to `d_z`.
-    std::array<toolkit::CheckBox, 26> drive_boxes;
+    std::array<toolkit::CheckBox, drive_count> drive_boxes;
 
     // --- page 6: network and printers
     toolkit::Frame f6{*this, "f6"};
@@ -185,48 +156,17 @@ struct main : toolkit::Form {
         mm57{mm5, "mm57"};
 
   private:
-    /// Where a user's values lie.
-    struct Target {
-        Root root;
-        std::string prefix;  ///< put before every key path
-    };
-    Target target_of_reading();
-    Target target_of_writing();
-    bool with_mounted_hive(int mode);
-
-    // Pieces of REG_Load32.
-    void read_rows(const Target& from, std::span<const int> rows);
-    void read_applets(const Target& from);
-    void read_wallpaper(const Target& from);
-    void read_allowed_programs(const Target& from);
-    void read_drives(Root root, const std::string& key);
-    void read_boot_options();
-    void make_boot_file_writable();
-    void read_boot_file();
-
-    // Pieces of REG_Save32.
-    void clear_rows(const Target& to);
-    void reset_command_line(const Target& to);
-    void write_rows(const Target& to, std::span<const int> rows);
-    void write_applets(const Target& to);
-    void write_desktop(const Target& to);
-    void write_allowed_programs(const Target& to);
-    void write_drives(const Target& to);
-    void write_boot_options();
-    void write_own_values(const Target& to);
-    void write_command_line(const Target& to);
-
-    toolkit::CheckBox& box_of(int index);
-    void load_picture(const std::string& path);
-    bool is_xp();
-    void set_boxes(std::span<const int> rows, int value);
-    void append_if_missing(std::string_view entry);
+    void show_boxes(const RestrictionSet& set);
+    /// Changes boxes, applets and drives by a rule of the engine.
+    void change(const std::function<void(RestrictionSet&)>& rule);
+    void show_picture();
+    uint32_t drives_to_choose() const;
+    void add_programs(const std::vector<std::string>& wanted);
     void show_count();
-    void scan_for_programs(const std::string& start);
 
     void connect_events();
     void place_controls();
-    void caption_all(const char* Twin::*language);
+    void caption_all(int language);
 };
 
 }  // namespace britlock

@@ -1,10 +1,15 @@
-#include "ui/main.h"
+#include "ui/main_form.h"
 
 #include <utility>
 
+#include "base/product.h"
 #include "base/text.h"
-#include "ui/pictures.h"
+#include "engine/marking.h"
+#include "startup/pictures.h"
+#include "startup/setpass.h"
+#include "ui/outcome_boxes.h"
 #include "ui/verzeichnis.h"
+#include "uninstall/older_product.h"
 
 namespace britlock {
 
@@ -38,10 +43,9 @@ std::array<toolkit::CheckBox, sizeof...(k)> make_drive_boxes(toolkit::Form& form
 
 }  // namespace
 
-main::main(Program& program)
-    : Form(program.toolkit, "main"),
-      program_(program),
-      drive_boxes(make_drive_boxes(*this, std::make_index_sequence<26>())) {
+MainForm::MainForm(Program& program)
+    : ProgramForm(program, form_name),
+      drive_boxes(make_drive_boxes(*this, std::make_index_sequence<drive_count>())) {
     set_client_size(8730, 6120);
     set_icon(&pictures::lock);
     help_context = 10;
@@ -60,26 +64,22 @@ main::main(Program& program)
     }
     for (toolkit::MenuItem* line : {&m1x1, &mm1x2, &m1x9, &m2X1, &mm2X2, &mmx51, &mm5X1, &mm5x2})
         line->set_caption("-");
-    for (toolkit::Control* hidden :
-         std::initializer_list<toolkit::Control*>{&txttooltip, &list0, &File1, &Dir1}) {
-        hidden->set_visible(false);
-    }
+    txttooltip.set_visible(false);
     place_controls();
     connect_events();
 }
 
-void main::Form_Load() {
-    Get_CR();
+void MainForm::Form_Load() {
     menu1();
     status_init();
-    settings_get();
-    get_drives();
-    settings_get_drives();
     CPL_All();
+    show(program_.engine.at_start());
+    ignoring_errors([&] { show_picture(); });
+    get_drives();
     localize();
     fill_Combo_user();
-    if (checkbritol()) program_.say(older_product);
-    set_caption(toolkit::Toolkit::product_title);
+    if (checkbritol(program_.reg)) program_.say(older_product);
+    set_caption(product::title);
     l02.set_text(page_help_text[1]);
     const bool nt = program_.reg.is_nt_family();
     if (!nt) {
@@ -92,52 +92,47 @@ void main::Form_Load() {
     if (!nt) REG_Load32();
 }
 
-bool main::checkbritol() {
-    return !program_.reg
-                .reg_read_string(HKEY_LOCAL_MACHINE, R"(SOFTWARE\Microsoft\Windows\CurrentVersion\Run)",
-                                 "Brightlock Classic")
-                .empty();
-}
-
-void main::fill_Combo_user() {
+void MainForm::fill_Combo_user() {
     const std::string logged_on = program_.reg.get_user_name();
     if (program_.reg.is_nt_family()) {
-        program_.users.profiles_scan(t810);
-        for (int i = 1; i <= program_.users.profile_count; ++i)
-            Combo_user.add(program_.users.profile_names[i]);
+        UserDirectory& users = program_.users;
+        say_unreadable(program_, users.profiles_scan());
+        t810.set_text(users.profile_base_path);
+        for (int i = 1; i <= users.profile_count; ++i)
+            Combo_user.add(users.profile_names[i]);
     } else {
         Combo_user.add(logged_on);
     }
     Combo_user.set_text(logged_on);
 }
 
-void main::Combo_user_GotFocus() {
+void MainForm::Combo_user_GotFocus() {
     if (program_.reg.is_nt_family()) return;
     program_.say(users_on_nt_only);
     Combo_user.set_text(REGISTRY_MOD::clean_reg_string(program_.reg.get_user_name()));
 }
 
-void main::close_by_frame() { program_.toolkit.end_process(); }
+void MainForm::close_by_frame() { program_.toolkit.end_process(); }
 
 /// One line for each event that a person can cause.
-void main::connect_events() {
+void MainForm::connect_events() {
     SSListBar1.on_item_click = [this](int item) { SSListBar1_Click(item); };
     tab.on_click = [this] { tab_Click(); };
     on_help = [this] { open_help("-n " + std::to_string(help_context) + " "); };
     Combo_user.on_click = [this] { hive(hive_load); };
     Combo_user.on_got_focus = [this] { Combo_user_GotFocus(); };
     cmd_set.on_click = [this] { hive(hive_save); };
-    cm01.on_click = [this] { cm01_Click(); };
+    cm01.on_click = [this] { program_.toolkit.end_process(); };
     cm02.on_click = [this] { cm02_Click(); };
     StatusBar.on_mouse_down = [this](toolkit::MouseButton button, int x) { StatusBar_MouseDown(button, x); };
     Timer1.on_timer = [this] { Timer1_Timer(); };
 
-    // c16 also writes NoSetTaskbar, the value behind c31: show what will be set. Unticking leaves c31 alone.
+    // c16 also writes NoSetTaskbar, the value of c31: show what will be set. Unticking leaves c31 alone.
     c16.on_click = [this] {
         if (c16.ticked()) c31.set_value(1);
     };
-    cmd21.on_click = [this] { cmd21_Click(); };
-    cmd22.on_click = [this] { cmd22_Click(); };
+    cmd21.on_click = [this] { change([](RestrictionSet& set) { set.hidden_applets.fill(true); }); };
+    cmd22.on_click = [this] { change([](RestrictionSet& set) { set.hidden_applets.fill(false); }); };
     cm31.on_click = [this] { cm31_Click(); };
     t31.on_click = [this] { c37.set_value(1); };
     cm32.on_click = [this] { program_.show<verzeichnis>(); };
@@ -147,13 +142,13 @@ void main::connect_events() {
     cm43.on_click = [this] { cm43_Click(); };
     cm44.on_click = [this] { cm44_Click(); };
     cm45.on_click = [this] { cm45_Click(); };
-    cm51.on_click = [this] { cm51_Click(); };
-    cm52.on_click = [this] { cm52_Click(); };
+    cm51.on_click = [this] { change([this](RestrictionSet& set) { hide_drives(set, drives_to_choose()); }); };
+    cm52.on_click = [this] { change(show_all_drives); };
 
     mm16.on_click = [this] { program_.toolkit.end_process(); };
     mm21.on_click = [this] { mm21_Click(); };
-    mm22.on_click = [this] { mm22_Click(); };
-    mm23.on_click = [this] { mm23_Click(); };
+    mm22.on_click = [this] { change(unmark_all); };
+    mm23.on_click = [this] { program_.show<setpass>(); };
     mm24.on_click = [this] { mm24_Click(); };
     mm41.on_click = [this] { mm41_Click(); };
     mm42.on_click = [this] { mm42_Click(); };

@@ -1,4 +1,4 @@
-#include "ui/pictures.h"
+#include "startup/pictures.h"
 
 namespace britlock::pictures {
 
