@@ -212,17 +212,6 @@ TEST_P(Keyboard, OpensEveryMenu) {
     EXPECT_EQ(menus, 4) << "the menu of the languages is hidden";
 }
 
-TEST_P(Keyboard, TurnsPagesByListBarAndArrows) {
-    widget(window().SSListBar1).setFocus(Qt::TabFocusReason);
-    for (int i = 0; i < 3; ++i)  // from the page on show
-        key(Qt::Key_Down);
-    key(Qt::Key_Return);
-    EXPECT_EQ(window().tab.current(), 3);
-    key(Qt::Key_Up);
-    key(Qt::Key_Space);
-    EXPECT_EQ(window().tab.current(), 2);
-}
-
 }  // namespace
 }  // namespace britlock
 
