@@ -5,6 +5,14 @@
 namespace product {
 
 constexpr const char* title = "Brightlock Suite";
+/// Major, minor and revision, joined by points.
+extern const char* const version;
+
+constexpr const char* maker = "Morvane Computer";
+constexpr const char* years = "1998-2003";
+/// Without "http://".
+constexpr const char* german_homepage = "www.brightlock.invalid/de";
+constexpr const char* homepage = "www.brightlock.invalid";
 
 /// The folder in which a set-up puts the program, as Windows names it.
 constexpr const char* default_folder = R"(C:\Program Files\Brightlock Suite)";
