@@ -10,6 +10,9 @@ extern const char* const version;
 
 constexpr const char* maker = "Morvane Computer";
 constexpr const char* years = "1998-2003";
+/// Settings of the build: hosts of plain HTTP, with a port if need be.
+extern const char* const german_update_host;
+extern const char* const update_host;
 /// Without "http://".
 constexpr const char* german_homepage = "www.brightlock.invalid/de";
 constexpr const char* homepage = "www.brightlock.invalid";

@@ -8,6 +8,7 @@
 #include "startup/pictures.h"
 #include "startup/setpass.h"
 #include "ui/outcome_boxes.h"
+#include "ui/update_form.h"
 #include "ui/verzeichnis.h"
 #include "uninstall/older_product.h"
 
@@ -164,6 +165,7 @@ void MainForm::connect_events() {
     mm52.on_click = [this] { open_help(); };
     mm53.on_click = [this] { mm53_Click(); };
     mm54.on_click = [this] { mm54_Click(); };
+    mm55.on_click = [this] { program_.show<Update>(); };
     mm57.on_click = [this] { mm57_Click(); };
 }
 
