@@ -1,6 +1,6 @@
 # What ./run and ./check share. Sourced from the project's root.
 
-build_packages=(g++ cmake ninja-build qt6-base-dev fonts-liberation)
+build_packages=(g++ cmake ninja-build qt6-base-dev halibut fonts-liberation)
 test_packages=(git libgtest-dev libgmock-dev libbenchmark-dev python3 python3-hivex libhivex-bin reglookup xvfb xdotool openbox imagemagick
     clang-format clang-tidy)
 

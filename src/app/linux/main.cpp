@@ -4,10 +4,13 @@
 #include <iostream>
 #include <memory>
 
+#include "app/help/help_processes.h"
+#include "app/help/help_window.h"
 #include "app/linux/options.h"
 #include "base/text.h"
 #include "machine/offline/offline_machine.h"
 #include "machine/offline/sample_installation.h"
+#include "machine/qt_internet/qt_internet.h"
 #include "platform/folder_browser.h"
 #include "platform/product_setup.h"
 #include "startup/program.h"
@@ -114,7 +117,11 @@ int run(const Options& options) {
     auto windows = machine::OfflineMachine::open(wanted);
     if (!windows) return complain(windows.error().message);
 
-    machine::Machine its = (*windows)->machine();
+    const machine::Machine offline = (*windows)->machine();
+    britlock::HelpProcesses processes(offline.processes,
+                                      [](int topic) { britlock::show_help(topic, BRITLOCK_LANGUAGE); });
+    machine::QtInternet internet;
+    machine::Machine its{offline.registry, offline.files, processes, offline.system, internet};
     if (options.command_line != "/icon") britlock::prepare_installation(its.registry);
     britlock::FolderBrowser folders(its);
     static char name[] = "britlock";
