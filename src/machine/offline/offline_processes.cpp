@@ -55,7 +55,7 @@ bool is_explorer(const std::string& program, System& system) {
 
 Processes::Started OfflineProcesses::start(std::string_view command_line, WindowStyle) {
     const CommandLine parsed = parse_command_line(command_line);
-    if (is_explorer(parsed.program, system_)) return open_folder_window(parsed.rest);
+    if (is_explorer(parsed.program, system_) && !parsed.rest.empty()) return open_folder_window(parsed.rest);
     const auto path = parse_path(parsed.program);
     const auto tool = parse_path(system_.program_directory() + "\\regg.exe");
     if (!path || !tool || !(*path == *tool)) return {no_such_file, 0};
