@@ -39,10 +39,10 @@ void define(const std::string& name, const std::string& text) {
 }
 
 template <class List, class Format>
-std::string joined(const List& list, Format format) {
+std::string joined(const List& list, Format format, const char* between = ", ") {
     std::string out;
     for (const auto& item : list)
-        out += (out.empty() ? "" : ", ") + format(item);
+        out += (out.empty() ? "" : between) + format(item);
     return out;
 }
 
@@ -87,10 +87,14 @@ void print_keys(int language) {
         }
         if (all.empty()) continue;
         const Twin root{"der Wurzel des Benutzers", "the user's root"};
-        define("keys" + std::to_string(page), joined(all, [&](const auto& entry) {
-                   const std::string key = entry.first.empty() ? pick(root, language) : code(entry.first);
-                   return key + ": " + joined(entry.second, code);
-               }));
+        define("keys" + std::to_string(page),
+               joined(
+                   all,
+                   [&](const auto& entry) {
+                       const std::string key = entry.first.empty() ? pick(root, language) : code(entry.first);
+                       return key + ": " + joined(entry.second, code);
+                   },
+                   "; "));
     }
 }
 
@@ -105,11 +109,12 @@ void print_lists(int language) {
         {"dontloadkey", key::dont_load},
         {"disallowkey", key::disallow_cpl},
         {"productkey", product::key},
-        {"version", product::version},
-        {"homepage", language == german ? product::german_homepage : product::homepage},
+
     };
     for (const auto& [name, place] : places)
         define(name, code(place));
+    define("version", product::version);
+    define("homepage", language == german ? product::german_homepage : product::homepage);
 }
 
 bool explains_every_box(const std::string& source) {
