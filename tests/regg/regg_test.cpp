@@ -265,7 +265,7 @@ TEST(HiveTool, TwoInstancesOnOneUserLoseNothing) {
                 return 2;
             fixture.reports.clear();
             (void)fixture.unload("Anna");  // fails where the other's unload came first
-            if (fixture.troubles() != "") return 4;
+            if (!fixture.troubles().empty()) return 4;
             std::optional<regf::Value> value;  // the other may be at it this moment
             for (int look = 0; !value && look < 100; ++look) {
                 const auto file = regf::Hive::open(bytes_as_vector(fixture.hive_of("Anna")));
