@@ -7,7 +7,7 @@
 #include <QSettings>
 #include <QStandardPaths>
 
-#include "platform/texts.h"
+#include "base/twin.h"
 
 /// What a desktop starts: asks which Windows is meant, and gives way to the program. A restriction file that
 /// was opened by a double click goes along.

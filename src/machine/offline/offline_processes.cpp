@@ -140,15 +140,15 @@ void OfflineProcesses::report(Child& child, const std::string& end) {
         told.succeeded = end.empty();
         told.detail = end;
     }
-    // To be on the safe side the program unmounts what is not mounted: no news.
-    if (told.verb == ToolReport::Verb::unload && told.why == base::ErrorKind::missing && !told.changes_lost)
-        return;
-    if (child.sealed != success) {
+    if (told.verb == ToolReport::Verb::unload && child.sealed != success) {
         told.succeeded = false;
         told.changes_lost = true;
         told.why = child.sealed == disk_full ? base::ErrorKind::no_space : base::ErrorKind::io;
         told.detail = "the changes could not be noted down: the disk is full or broken";
     }
+    // To be on the safe side the program unmounts what is not mounted: no news.
+    if (told.verb == ToolReport::Verb::unload && told.why == base::ErrorKind::missing && !told.changes_lost)
+        return;
     // Another instance clears away what a crashed run may have left, and takes a mount that nobody holds for
     // it.
     if (told.verb == ToolReport::Verb::load && told.succeeded && !registry_.hold(told.name)) {
