@@ -13,8 +13,6 @@
 /// was opened by a double click goes along.
 namespace {
 
-using namespace britlock;
-
 constexpr Twin question{"Auf welcher Windows-Installation soll gearbeitet werden?",
                         "Which Windows installation do you want to work on?"};
 constexpr Twin explanation{

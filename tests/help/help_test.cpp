@@ -53,7 +53,8 @@ TEST(HelpViewer, ExplainsEachBoxOnItsPageByItsCaption) {
             const std::string text = page(9 + row.page, language);
             EXPECT_NE(text.find(text::to_utf8(pick(row.caption, language)) + "\n"), std::string::npos)
                 << row.index;
-            if (row.value_name) EXPECT_NE(text.find(row.value_name), std::string::npos) << row.index;
+            if (!row.value_name) continue;
+            EXPECT_NE(text.find(row.value_name), std::string::npos) << row.index;
         }
     }
 }
