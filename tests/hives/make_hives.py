@@ -123,6 +123,7 @@ TOLERATED = {
     "adjacent-free-cells": Small.adjacent_free_cells,
     "root-without-its-flag": lambda h: (h.put_key("", 2, 0x28, 2), setattr(h.root, "flags", 0x28)),
     "wrong-hint": lambda h: h.put(h.list_of(""), 8, 0x58585858),
+    "wrong-hash": lambda h: h.put(h.list_of(""), 8, 0x58585858),
     "largest-name-too-small": lambda h: h.put_key("Alpha", 60, 2),
 }
 READ_ONLY = {
@@ -151,7 +152,7 @@ REFUSED = {
 def faults():
     for kind, table in (("tolerated", TOLERATED), ("read-only", READ_ONLY), ("refused", REFUSED)):
         for name, damage in table.items():
-            hive = Small()
+            hive = Small(5 if "hash" in name else 3)
             damage(hive)
             write("%s/%s" % (kind, name), hive.image(), hive.dump() if kind == "tolerated" else None)
     for name, first, second in (("wrong-order", 0, 1), ("wrong-order-at-the-end", 2, 3)):
