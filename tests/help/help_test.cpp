@@ -40,6 +40,7 @@ std::string page(int topic, int language) {
 }
 
 TEST(HelpViewer, ExplainsEachBoxOnItsPageByItsCaption) {
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     static char name[] = "test";
     char* arguments[] = {name, nullptr};
     int count = 1;
