@@ -9,8 +9,8 @@
 /// How the product takes itself off a machine. Its own key is left to the set-up program.
 namespace britlock {
 
-/// Sets everything that a box of the window can restrict to 0, for this user: the mounted hive of that name on
-/// Windows NT, the running account elsewhere.
+/// Sets everything that a box of the window can restrict to 0, for this user: the mounted hive of that name
+/// on Windows NT, the running account elsewhere.
 Engine::Written Deinstall_Registry(REGISTRY_MOD& reg, const std::string& user);
 
 /// Takes the product's entry off what Windows starts at logon.

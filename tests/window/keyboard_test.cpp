@@ -81,7 +81,8 @@ class Keyboard : public testing::TestWithParam<int> {
 INSTANTIATE_TEST_SUITE_P(Languages, Keyboard, testing::Values(0, 1), testing::PrintToStringParamName());
 
 TEST_P(Keyboard, ReachesAndTicksEverythingOnEveryPage) {
-    // Whoever enters and leaves this field is asked twice, and the program ends: here it is a field like others.
+    // Whoever enters and leaves this field is asked twice, and the program ends: here it is a field like
+    // others.
     window().t810.on_got_focus = window().t810.on_lost_focus = nullptr;
     widget(window().cmd_set).setFocus(Qt::TabFocusReason);
     for (int page = 1; page <= 9; ++page) {
