@@ -3,6 +3,7 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QDialogButtonBox>
+#include <QFile>
 #include <QFileDialog>
 #include <QFontMetricsF>
 #include <QFormLayout>
@@ -29,9 +30,7 @@ constexpr double bottom = 15480;
 class PagePrinter : public Printer {
   public:
     explicit PagePrinter(const PrinterChoice& choice);
-    ~PagePrinter() override {
-        if (painter_.isActive()) printer_.abort();
-    }
+    ~PagePrinter() override;
 
     void set_font(const Font& font) override;
     void set_left(int twips) override;
@@ -67,6 +66,12 @@ PagePrinter::PagePrinter(const PrinterChoice& choice) {
     printer_.setPageSize(QPageSize(QPageSize::A4));
     printer_.setFullPage(true);
     if (!printer_.isValid() || !painter_.begin(&printer_)) throw RuntimeError(482);
+}
+
+PagePrinter::~PagePrinter() {
+    if (!painter_.isActive()) return;
+    printer_.abort();
+    if (!printer_.outputFileName().isEmpty()) (void)QFile::remove(printer_.outputFileName());
 }
 
 void PagePrinter::set_font(const Font& font) {
