@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """Restricts 300 users of an installation made for it, two times over: how long, with how much memory, and
 whether the second run changes a byte. One hive is damaged, one is locked.
 
@@ -85,6 +85,7 @@ try:
     print(f"hives changed by the first run: {changed(fresh, first)}, by the second: {changed(first, second)}, "
           f"by show: {changed(second, digests())}; of the damaged and the locked one: "
           f"{changed({u: fresh[u] for u in ('pupil100', 'pupil200')}, second)}")
-    print(f"users shown with box 11 ticked: {shown.stdout.count('c11')}")
+    ticked = shown.stdout.count('"c11"')
+    print(f"users shown with box 11 ticked: {ticked}")
 finally:
     shutil.rmtree(folder)

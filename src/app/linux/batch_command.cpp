@@ -163,7 +163,7 @@ int BatchRun::for_each_user(const Work& work) {
         if (!failure.empty()) code = some_failed;
         if (failure.empty() && shows) continue;
         const std::string what = failure.empty() ? say(done) : say(failed) + text::to_utf8(failure);
-        (shows ? std::cerr : std::cout) << name + ": " + what << std::endl;
+        (shows ? std::cerr : std::cout) << name << ": " << what << std::endl;
     }
     return code;
 }
