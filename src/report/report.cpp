@@ -47,7 +47,7 @@ class Report {
     void print();
 
   private:
-    const char* pick(const Twin& twin) const { return britlock::pick(twin, language_); }
+    const char* pick(const Twin& twin) const { return ::pick(twin, language_); }
     void style(int points, bool bold) { printer_.set_font({typeface, points, bold}); }
     void body() { style(10, false); }
     void empty_line() { printer_.end_line(); }

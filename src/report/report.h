@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/twin.h"
 #include "engine/restriction_set.h"
-#include "platform/texts.h"
 #include "toolkit/printer.h"
 
 namespace britlock {

@@ -73,7 +73,7 @@ struct BatchCommand : testing::Test {
         }
         testing::internal::CaptureStdout();
         testing::internal::CaptureStderr();
-        const int code = run_batch(words, PROGRAM_FOLDER, britlock::english);
+        const int code = run_batch(words, PROGRAM_FOLDER, english);
         close(ends[0]);
         const std::string out = testing::internal::GetCapturedStdout();
         return {code, out, testing::internal::GetCapturedStderr()};
@@ -122,7 +122,7 @@ TEST_F(BatchCommand, RestrictsAllUsersButThoseItCannot) {
     const auto after = hives();
     EXPECT_EQ(run({"apply", file.string(), "--all-users"}).out, first.out);
     EXPECT_THAT(changed_since(after), IsEmpty()) << "by a second run";
-    EXPECT_TRUE(windows.offline().mounts().mounts().empty());
+    EXPECT_TRUE(windows.offline().mounts().mounts()->empty());
 
     const Answer shown = run({"show", "--user", "pupil9", "--user=nobody", "--user", "ANNA"});
     EXPECT_EQ(shown.code, 1);

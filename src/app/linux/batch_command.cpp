@@ -9,6 +9,7 @@
 #include <optional>
 
 #include "app/linux/batch_options.h"
+#include "app/linux/exit_code.h"
 #include "app/linux/password_line.h"
 #include "base/product.h"
 #include "base/text.h"
@@ -24,11 +25,8 @@ using britlock::Batch;
 using britlock::Failure;
 using britlock::REGISTRY_MOD;
 using britlock::RestrictionSet;
-using britlock::Twin;
 
 namespace {
-
-constexpr int all_done = 0, some_failed = 1, wrong_call = 2, not_opened = 3;
 
 constexpr Twin done{"fertig", "done"};
 constexpr Twin failed{"fehlgeschlagen: ", "failed: "};
@@ -70,7 +68,7 @@ class BatchRun {
   private:
     using Work = std::function<Failure(const std::string& user)>;
 
-    std::string say(const Twin& twin) const { return text::to_utf8(britlock::pick(twin, language_)); }
+    std::string say(const Twin& twin) const { return text::to_utf8(pick(twin, language_)); }
     void open();
     void check_password();
     std::string password() const;
@@ -156,11 +154,11 @@ int BatchRun::for_each_user(const Work& work) {
             names.push_back(text::to_utf8(name));
     }
     const bool shows = options_.verb == BatchOptions::Verb::show;
-    int code = all_done;
+    ExitCode code = exit_done;
     for (const std::string& name : names) {
         // No user has a name that the code page cannot spell.
         const Failure failure = work(text::from_utf8(name).value_or(""));
-        if (!failure.empty()) code = some_failed;
+        if (!failure.empty()) code = exit_failed;
         if (failure.empty() && shows) continue;
         const std::string what = failure.empty() ? say(done) : say(failed) + text::to_utf8(failure);
         (shows ? std::cerr : std::cout) << name << ": " << what << std::endl;
@@ -212,7 +210,7 @@ int run_batch(const std::vector<std::string>& words, const std::string& executab
     if (const auto* wrong = std::get_if<std::string>(&parsed)) {
         complain(*wrong);
         std::cerr << "\n" << batch_usage;
-        return wrong_call;
+        return exit_wrong_call;
     }
     try {
         return BatchRun(std::get<BatchOptions>(parsed), executables, language).run();
@@ -221,5 +219,5 @@ int run_batch(const std::vector<std::string>& words, const std::string& executab
     } catch (const RuntimeError& error) {
         complain(error.text());
     }
-    return not_opened;
+    return exit_could_not_open;
 }
