@@ -210,6 +210,7 @@ TEST_F(BatchCommand, TellsAWrongCall) {
         EXPECT_THAT(answer.err, StartsWith(std::string("britlock: ") + text));
         EXPECT_THAT(answer.err, HasSubstr("Usage:"));
     }
+    EXPECT_THAT(run({"show", "--help"}).out, StartsWith("Usage:"));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <functional>
 #include <iostream>
 #include <memory>
@@ -206,6 +207,10 @@ Failure BatchRun::write_file(const RestrictionSet& set) const {
 
 int run_batch(const std::vector<std::string>& words, const std::string& executables, int language) {
     const auto complain = [](const std::string& why) { std::cerr << "britlock: " << why << "\n"; };
+    if (std::find(words.begin(), words.end(), "--help") != words.end()) {
+        std::cout << batch_usage;
+        return exit_done;
+    }
     const auto parsed = parse_batch_options(words);
     if (const auto* wrong = std::get_if<std::string>(&parsed)) {
         complain(*wrong);
