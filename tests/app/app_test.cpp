@@ -11,7 +11,7 @@
 #include "app/linux/strip.h"
 #include "temporary_folder.h"
 
-using Language;
+
 using machine::ToolReport;
 using testing::HasSubstr;
 
@@ -21,10 +21,10 @@ TEST(Strip, TellsOutcomesWithTheirReasons) {
     const std::string damage = "the hive is damaged at 0x1000";
     struct Row {
         ToolReport report;
-        const char* german;
-        const char* english;
+        const char* in_german;
+        const char* in_english;
     };
-    for (const auto& [report, german, english] : std::initializer_list<Row>{
+    for (const auto& [report, in_german, in_english] : std::initializer_list<Row>{
              {{load, "Anna", true, {}, ""}, "", ""},
              {{unload, "Anna", true, {}, "", 5},
               "Anna: 5 Werte geändert, gespeichert 14:02",
@@ -45,8 +45,8 @@ TEST(Strip, TellsOutcomesWithTheirReasons) {
              {{load, "Ben", false, {}, "regg.exe was killed"},
               "Ben: regg.exe was killed, nichts geschrieben",
               "Ben: regg.exe was killed, nothing written"}}) {
-        EXPECT_EQ(strip::outcome(report, "14:02", german).value_or(""), german);
-        EXPECT_EQ(strip::outcome(report, "14:02", english).value_or(""), english);
+        EXPECT_EQ(strip::outcome(report, "14:02", german).value_or(""), in_german);
+        EXPECT_EQ(strip::outcome(report, "14:02", english).value_or(""), in_english);
     }
     EXPECT_EQ(strip::open_windows("Windows XP", "/mnt", true, german), "Windows XP in /mnt, nur lesbar");
     for (int kind = 0; kind <= static_cast<int>(base::ErrorKind::invalid); ++kind) {
