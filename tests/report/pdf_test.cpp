@@ -35,7 +35,7 @@ struct Pdf : testing::Test {
     static inline char name[] = "pdf_test";
     static inline char* arguments[] = {name, nullptr};
     NoFolders folders;
-    toolkit::QtToolkit screen{count, arguments, folders, [] {}};
+    toolkit::QtToolkit screen{count, arguments, folders, english, [](toolkit::Ending) { return 0; }};
     TemporaryFolder folder;
 
     /// What a person does in the set-up.
@@ -51,7 +51,7 @@ struct Pdf : testing::Test {
         set_up([&](QDialog& window) {
             auto* printers = window.findChild<QComboBox*>();
             printers->setCurrentIndex(printers->findText("PDF file"));
-            auto* ok = window.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok);
+            auto* ok = window.findChild<QDialogButtonBox*>()->buttons().first();
             window.findChild<QLineEdit*>()->clear();
             EXPECT_FALSE(ok->isEnabled()) << "a file without a name";
             window.findChild<QLineEdit*>()->setText(QString::fromStdString(file));
