@@ -1,6 +1,6 @@
 # What ./run and ./check share. Sourced from the project's root.
 
-build_packages=(g++ cmake ninja-build qt6-base-dev fonts-liberation)
+build_packages=(g++ cmake ninja-build qt6-base-dev halibut fonts-liberation)
 # What the program itself asks for: the opener of folders and web addresses, and Qt's own words in German.
 run_packages=(xdg-utils qt6-translations-l10n)
 test_packages=(git libgtest-dev libgmock-dev libbenchmark-dev python3 python3-hivex libhivex-bin reglookup xvfb xdotool openbox imagemagick

@@ -244,5 +244,29 @@ TEST_F(Road, ASecondInstanceFindsTheHiveInUse) {
     other.program.reset();
 }
 
+TEST_F(Road, TheUninstallLeavesHivesMountedAndNothingLost) {
+    enter();
+    person.choose("Anna");
+    person.click(person.window().c11);
+    person.apply();
+    const std::string restricted = bytes_of(windows.hive_of("Anna"));
+
+    person.screen.expect_box("Uninstall ?", toolkit::Answer::yes);
+    person.screen.expect_box("Uninstall not found");
+    EXPECT_FALSE(person.click(person.window().mm132)) << "the process ends";
+    EXPECT_EQ(bytes_of(windows.hive_of("Anna")), restricted);
+    EXPECT_TRUE(windows.offline().mounts().find("Anna"));
+    windows.offline().write_pending();
+
+    enter_again();
+    person.choose("Anna");
+    EXPECT_TRUE(person.window().c11.ticked());
+    EXPECT_FALSE(windows.offline().mounts().find("Anna")) << "the next load cleans up";
+    person.click(person.window().c11);
+    person.apply();
+    person.choose("Anna");
+    EXPECT_FALSE(person.window().c11.ticked());
+}
+
 }  // namespace
 }  // namespace britlock

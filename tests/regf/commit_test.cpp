@@ -219,24 +219,5 @@ TEST_F(HiveFiles, KeepModeOwnerAndAttributes) {
     EXPECT_STREQ(value, "kept");
 }
 
-TEST_F(HiveFiles, ThatMayNotBeWrittenStay) {
-    if (geteuid() != 0) GTEST_SKIP() << "needs to become another user";
-    auto as_nobody = [&] {
-        return in_child([&] {
-            if (setgid(65534) != 0 || setuid(65534) != 0) return 99;
-            const auto result = change_file();
-            return result ? 1 : result.error().kind == ErrorKind::refused ? 0 : 2;
-        });
-    };
-    ASSERT_EQ(chmod(folder.path().c_str(), 0755), 0);
-    ASSERT_EQ(chmod(place.path().c_str(), 0666), 0);
-    EXPECT_EQ(as_nobody(), 0) << "no file can be made in the folder";
-    ASSERT_EQ(chmod(folder.path().c_str(), 0777), 0);
-    ASSERT_EQ(chmod(place.path().c_str(), 0444), 0);
-    EXPECT_EQ(as_nobody(), 0) << "the file itself is read-only";
-    EXPECT_TRUE(read_file(place.path()) == old_image);
-    EXPECT_EQ(files(), "user.dat ");
-}
-
 }  // namespace
 }  // namespace regf
