@@ -7,13 +7,11 @@
 #include <QSettings>
 #include <QStandardPaths>
 
-#include "platform/texts.h"
+#include "base/twin.h"
 
 /// What a desktop starts: asks which Windows is meant, and gives way to the program. A restriction file that
 /// was opened by a double click goes along.
 namespace {
-
-using namespace britlock;
 
 constexpr Twin question{"Auf welcher Windows-Installation soll gearbeitet werden?",
                         "Which Windows installation do you want to work on?"};

@@ -15,8 +15,9 @@ class [[nodiscard]] BasicResult {
     bool ok() const { return state_.index() == 0; }
     explicit operator bool() const { return ok(); }
 
-    T& operator*() { return value(); }
-    const T& operator*() const { return value(); }
+    T& operator*() & { return value(); }
+    T&& operator*() && { return std::move(value()); }
+    const T& operator*() const& { return value(); }
     T* operator->() { return &value(); }
     const T* operator->() const { return &value(); }
 

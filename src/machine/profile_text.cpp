@@ -52,32 +52,32 @@ bool is_entry(std::string_view line, std::string_view key) {
     return equals != std::string_view::npos && !name.starts_with(';') && text::equal_ignoring_case(name, key);
 }
 
-struct Place {
+struct Found {
     bool section_found = false;
     std::optional<Line> entry;
     size_t insert_at = 0;  ///< behind the last line of the section that is not blank
 };
 
-Place find_entry(std::string_view text, std::string_view section, std::string_view key) {
-    Place place;
+Found find_entry(std::string_view text, std::string_view section, std::string_view key) {
+    Found found;
     section = trimmed(section);
     key = trimmed(key);
     for (size_t at = 0; at < text.size();) {
         const Line line = line_at(text, at);
         at = line.end;
         if (const auto name = section_name(line.content)) {
-            if (place.section_found) return place;
-            place.section_found = text::equal_ignoring_case(*name, section);
-            place.insert_at = line.end;
-        } else if (place.section_found) {
+            if (found.section_found) return found;
+            found.section_found = text::equal_ignoring_case(*name, section);
+            found.insert_at = line.end;
+        } else if (found.section_found) {
             if (is_entry(line.content, key)) {
-                place.entry = line;
-                return place;
+                found.entry = line;
+                return found;
             }
-            if (!trimmed(line.content).empty()) place.insert_at = line.end;
+            if (!trimmed(line.content).empty()) found.insert_at = line.end;
         }
     }
-    return place;
+    return found;
 }
 
 /// A name without a folder lies in the Windows directory.
@@ -90,9 +90,9 @@ std::string profile_path(std::string_view windows_directory, std::string_view fi
 }  // namespace
 
 std::string profile_value(std::string_view text, std::string_view section, std::string_view key) {
-    const Place place = find_entry(text, section, key);
-    if (!place.entry) return {};
-    const std::string_view line = place.entry->content;
+    const Found found = find_entry(text, section, key);
+    if (!found.entry) return {};
+    const std::string_view line = found.entry->content;
     std::string_view value = trimmed(line.substr(line.find('=') + 1));
     const bool quoted =
         value.size() >= 2 && value.front() == value.back() && (value.front() == '"' || value.front() == '\'');
@@ -102,10 +102,10 @@ std::string profile_value(std::string_view text, std::string_view section, std::
 
 std::string with_profile_value(std::string_view text, std::string_view section, std::string_view key,
                                std::optional<std::string_view> value) {
-    const Place place = find_entry(text, section, key);
+    const Found found = find_entry(text, section, key);
     std::string out(text);
-    if (place.entry) {
-        const Line& line = *place.entry;
+    if (found.entry) {
+        const Line& line = *found.entry;
         if (value) {
             const size_t behind_equals = line.begin + line.content.find('=') + 1;
             const size_t content_end = line.begin + line.content.size();
@@ -118,8 +118,8 @@ std::string with_profile_value(std::string_view text, std::string_view section, 
     if (!value) return out;
 
     std::string added = std::string(trimmed(key)) + "=" + std::string(text::up_to_nul(*value)) + "\r\n";
-    if (!place.section_found) added = "[" + std::string(trimmed(section)) + "]\r\n" + added;
-    const size_t at = place.section_found ? place.insert_at : out.size();
+    if (!found.section_found) added = "[" + std::string(trimmed(section)) + "]\r\n" + added;
+    const size_t at = found.section_found ? found.insert_at : out.size();
     const bool line_open = at > 0 && out[at - 1] != '\n' && out[at - 1] != '\r';
     return out.insert(at, (line_open ? "\r\n" : "") + added);
 }

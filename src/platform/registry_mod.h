@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/twin.h"
 #include "machine/machine.h"
-#include "platform/texts.h"
 #include "platform/windows_family.h"
 
 // Windows' header makes macros of these; a source that has included it must get the names below all the same.
@@ -35,7 +35,7 @@ class REGISTRY_MOD {
 
     /// A text without surrounding blanks and its closing NUL; a number as its digits.
     std::string reg_read_string(Root root, std::string_view subkey, std::string_view name);
-    /// As stored: behind a text still stand its closing NUL and one blank.
+    /// As stored: after a text still stand its closing NUL and one blank.
     std::string reg_read_value(Root root, std::string_view subkey, std::string_view name);
     /// Writers never create a key: they give the error of opening it (2 where it is missing, 5 without the
     /// right), and 0 also when the write itself failed.
@@ -56,7 +56,7 @@ class REGISTRY_MOD {
 
     /// A constant of the edition.
     int get_language() const { return language_; }
-    const char* pick(const Twin& twin) const { return britlock::pick(twin, get_language()); }
+    const char* pick(const Twin& twin) const { return ::pick(twin, get_language()); }
 
     const WindowsFamily& family() { return family_of(machine_.system.version()); }
 

@@ -3,7 +3,8 @@
 #include <cstdint>
 #include <cstring>
 #include <span>
-#include <string_view>
+
+#include "regf/cell_offset.h"
 
 namespace regf {
 
@@ -36,17 +37,15 @@ inline void put64(std::span<uint8_t> bytes, size_t at, uint64_t value) {
     put32(bytes, at + 4, static_cast<uint32_t>(value >> 32));
 }
 
+inline CellOffset get_cell(std::span<const uint8_t> bytes, size_t at) { return CellOffset{get32(bytes, at)}; }
+
+inline void put_cell(std::span<uint8_t> bytes, size_t at, CellOffset cell) {
+    put32(bytes, at, number_of(cell));
+}
+
 inline bool has_signature(std::span<const uint8_t> bytes, const char* letters) {
     const size_t length = std::strlen(letters);
     return bytes.size() >= length && std::memcmp(bytes.data(), letters, length) == 0;
-}
-
-/// FNV-1a: the same for one text at every run, for file names made from others.
-inline uint64_t name_digest(std::string_view text) {
-    uint64_t hash = 0xCBF29CE484222325;
-    for (char c : text)
-        hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3;
-    return hash;
 }
 
 }  // namespace regf

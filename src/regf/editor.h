@@ -11,39 +11,46 @@ namespace regf {
 
 /// Changes to the records of a healthy image. Callers have made sure that there is room; old cells are given
 /// back before new ones are taken, so that repeated edits find their own space again.
+///
+/// Where a cell is missing that must be there, std::bad_optional_access is thrown and the image is of no use
+/// any more: never is an offset followed that leads to no cell in use.
 class Editor {
   public:
     explicit Editor(Image& image) : image_(image) {}
 
     /// A new key in the list of its parent.
-    uint32_t add_key(uint32_t parent, std::u16string_view name, FileTime now);
+    CellOffset add_key(CellOffset parent, std::u16string_view name, FileTime now);
     /// A key with all that belongs to it and all that lies below it.
-    void remove_key(uint32_t offset, FileTime now);
+    void remove_key(CellOffset offset, FileTime now);
 
-    void set_value(uint32_t owner_offset, std::u16string_view name, const Value& value, FileTime now);
-    void remove_value(uint32_t owner_offset, uint32_t value, FileTime now);
+    void set_value(CellOffset owner_offset, std::u16string_view name, const Value& value, FileTime now);
+    void remove_value(CellOffset owner_offset, CellOffset value, FileTime now);
 
   private:
-    std::span<uint8_t> record(uint32_t offset) { return *image_.cell(offset); }
-    CellView key(uint32_t offset) const { return *key_record(image_, offset); }
-    void release_key(uint32_t offset);
+    std::span<uint8_t> record(CellOffset offset) { return image_.cell_at(offset).value(); }
+    CellView key(CellOffset offset) const { return key_record(image_, offset).value(); }
+    void release_key(CellOffset offset);
 
     // Lists of subkeys.
-    void insert_subkey(uint32_t parent, uint32_t child);
-    void take_from_list(uint32_t parent, uint32_t child);
-    void split_leaf(uint32_t parent, const std::vector<Leaf>& leaves, size_t which, const char* kind);
+    void insert_subkey(CellOffset parent, CellOffset child);
+    void take_from_list(CellOffset parent, CellOffset child);
+    void split_leaf(CellOffset parent, const std::vector<Leaf>& leaves, size_t which, const char* kind);
     const char* leaf_kind(const Leaf* old, size_t count) const;
-    uint32_t store_list(std::optional<uint32_t> old, const char* kind, const std::vector<uint32_t>& offsets);
+    uint32_t hash_for(const char* kind, CellOffset child) const;
+    CellOffset cell_for_list(std::optional<CellOffset> old, size_t step, size_t count, size_t most);
+    CellOffset store_leaf(std::optional<CellOffset> old, const char* kind,
+                          std::span<const LeafEntry> entries);
+    CellOffset store_index(std::optional<CellOffset> old, const std::vector<CellOffset>& leaves);
 
     // Values.
-    void store_data(uint32_t value, const Bytes& data);
-    uint32_t store_segments(const Bytes& data);
-    void release_data(uint32_t value);
-    uint32_t append_value(uint32_t owner_offset, std::u16string_view name);
+    void store_data(CellOffset value, const Bytes& data);
+    CellOffset store_segments(const Bytes& data);
+    void release_data(CellOffset value);
+    CellOffset append_value(CellOffset owner_offset, std::u16string_view name);
 
     // Security records.
-    uint32_t security_for_child(uint32_t parent) const;
-    void drop_security(uint32_t offset);
+    CellOffset security_for_child(CellOffset parent) const;
+    void drop_security(CellOffset offset);
 
     Image& image_;
 };

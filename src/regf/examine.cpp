@@ -21,7 +21,7 @@ class Examiner {
     Examination run() {
         check_base_block();
         if (image_.problem()) error(image_.problem()->file_offset, image_.problem()->text);
-        for (uint32_t at : image_.unmerged_cells())
+        for (CellOffset at : image_.unmerged_cells())
             warn(in_file(at), "free cells side by side");
         claimed_.assign(image_.bins_size() / 8, false);
         walk_keys();
@@ -34,12 +34,12 @@ class Examiner {
 
   private:
     struct Visit {
-        uint32_t offset;
-        uint32_t parent;  // nil: the root
+        CellOffset offset;
+        CellOffset parent;  // nil: the root
         uint32_t depth;
     };
 
-    static uint64_t in_file(uint32_t offset) { return base_block_size + uint64_t{offset}; }
+    static uint64_t in_file(CellOffset offset) { return base_block_size + uint64_t{number_of(offset)}; }
 
     void add(Level level, uint64_t at, std::string text) {
         if (out_.findings.size() < limit_ || (level == Level::error && !out_.first_error())) {
@@ -49,14 +49,14 @@ class Examiner {
     void error(uint64_t at, std::string text) { add(Level::error, at, std::move(text)); }
     void warn(uint64_t at, std::string text) { add(Level::warning, at, std::move(text)); }
     bool is_full() const { return out_.findings.size() >= limit_ && out_.first_error(); }
-    void key_error(uint32_t key, const std::string& text) {
+    void key_error(CellOffset key, const std::string& text) {
         if (!is_full()) error(in_file(key), text + " (key " + path_of(key) + ")");
     }
-    void key_warning(uint32_t key, const std::string& text) {
+    void key_warning(CellOffset key, const std::string& text) {
         if (out_.findings.size() < limit_) warn(in_file(key), text + " (key " + path_of(key) + ")");
     }
 
-    std::string path_of(uint32_t offset) const {
+    std::string path_of(CellOffset offset) const {
         std::string path;
         for (int level = 0; level < 64; ++level) {
             const auto parent = parents_.find(offset);
@@ -70,22 +70,22 @@ class Examiner {
 
     /// For whatever belongs to a key. A cell that is claimed twice ends the walk: what shares cells can take
     /// for ever to read, and fill any memory.
-    void claim(uint32_t cell, uint32_t key, const char* what) {
-        if (claimed_[cell / 8]) {
+    void claim(CellOffset cell, CellOffset key, const char* what) {
+        if (claimed_[number_of(cell) / 8]) {
             out_.walkable = false;
             key_error(key, std::string(what) + " is reached twice");
         }
-        claimed_[cell / 8] = true;
+        claimed_[number_of(cell) / 8] = true;
     }
 
     void check_base_block();
     void walk_keys();
     void check_key(const Visit& visit, CellView key);
-    void check_class(uint32_t offset, CellView key);
-    void check_values(uint32_t offset, CellView key);
-    void check_value_data(uint32_t offset, CellView value, uint32_t& largest_data);
+    void check_class(CellOffset offset, CellView key);
+    void check_values(CellOffset offset, CellView key);
+    void check_value_data(CellOffset offset, CellView value, uint32_t& largest_data);
     void check_subkeys(const Visit& visit, CellView key);
-    void check_leaf(uint32_t key_offset, const Leaf& leaf);
+    void check_leaf(CellOffset key_offset, const Leaf& leaf);
     void check_security_ring();
     void check_orphans();
 
@@ -93,8 +93,7 @@ class Examiner {
     size_t limit_;
     Examination out_;
     std::vector<bool> claimed_;
-    std::unordered_map<uint32_t, uint32_t> parents_;         // of each key reached
-    std::unordered_map<uint32_t, uint32_t> security_users_;  // how many keys name each security record
+    std::unordered_map<CellOffset, CellOffset> parents_;  // of each key reached
     std::vector<Visit> open_;
 };
 
@@ -118,7 +117,7 @@ void Examiner::check_base_block() {
 }
 
 void Examiner::walk_keys() {
-    const uint32_t root = image_.root();
+    const CellOffset root = image_.root();
     if (!key_record(image_, root)) {
         out_.walkable = false;
         return error(base_block::root, "the root key cannot be read");
@@ -147,15 +146,15 @@ void Examiner::check_key(const Visit& visit, CellView key) {
     }
     if (!is_root && name.find(u'\\') != std::u16string::npos)
         key_error(visit.offset, "a backslash in a name");
-    if (!is_root && get32(key, nk::parent) != visit.parent)
+    if (!is_root && get_cell(key, nk::parent) != visit.parent)
         key_error(visit.offset, "a key tells another parent");
     if (bool(flags & nk::is_root) != is_root)
         warn(in_file(visit.offset), "the root flag is on the wrong key");
     if (flags & (nk::is_volatile | nk::is_mount_point))
         key_error(visit.offset, "a key that may not lie on disk");
-    const uint32_t security = get32(key, nk::security);
+    const CellOffset security = get_cell(key, nk::security);
     if (security_descriptor(image_, security)) {
-        ++security_users_[security];
+        ++out_.security_users[security];
     } else {
         key_error(visit.offset, "a key without a security descriptor");
     }
@@ -164,25 +163,25 @@ void Examiner::check_key(const Visit& visit, CellView key) {
     check_subkeys(visit, key);
 }
 
-void Examiner::check_class(uint32_t offset, CellView key) {
+void Examiner::check_class(CellOffset offset, CellView key) {
     if (get16(key, nk::class_length) == 0) return;
-    const uint32_t cell = get32(key, nk::class_name);
+    const CellOffset cell = get_cell(key, nk::class_name);
     if (!class_name_of(image_, key)) return key_error(offset, "the class name cannot be read");
     claim(cell, offset, "the cell of the class name");
 }
 
-void Examiner::check_values(uint32_t offset, CellView key) {
+void Examiner::check_values(CellOffset offset, CellView key) {
     const uint32_t count = get32(key, nk::value_count);
     if (count == 0) return;
-    const uint32_t list_offset = get32(key, nk::value_list);
-    const auto list = image_.cell(list_offset);
+    const CellOffset list_offset = get_cell(key, nk::value_list);
+    const auto list = image_.cell_at(list_offset);
     if (!list) return key_error(offset, "the value list cannot be read");
     if (count > list->size() / 4) key_error(offset, "the value list is shorter than its count");
     claim(list_offset, offset, "the value list");
     std::vector<std::u16string> names;
     uint32_t largest_name = 0;
     uint32_t largest_data = 0;
-    for (uint32_t at : value_offsets(image_, key)) {
+    for (CellOffset at : value_offsets(image_, key)) {
         const auto value = value_record(image_, at);
         if (!value) {
             key_error(offset, "a value cannot be read");
@@ -205,7 +204,7 @@ void Examiner::check_values(uint32_t offset, CellView key) {
     }
 }
 
-void Examiner::check_value_data(uint32_t offset, CellView value, uint32_t& largest_data) {
+void Examiner::check_value_data(CellOffset offset, CellView value, uint32_t& largest_data) {
     const auto place = value_data_place(image_, value);
     if (!place)
         return key_error(offset, "the data of the value " + printable(value_name(value)) + " cannot be read");
@@ -213,7 +212,7 @@ void Examiner::check_value_data(uint32_t offset, CellView value, uint32_t& large
     if (place->resident || place->size == 0) return;
     claim(place->cell, offset, "a cell with data");
     if (place->segment_list) claim(*place->segment_list, offset, "a list of segments");
-    for (uint32_t segment : place->segments)
+    for (CellOffset segment : place->segments)
         claim(segment, offset, "a segment of data");
 }
 
@@ -233,8 +232,8 @@ void Examiner::check_subkeys(const Visit& visit, CellView key) {
     std::optional<std::u16string> before;
     for (const Leaf& leaf : lists.leaves) {
         check_leaf(visit.offset, leaf);
-        found += static_cast<uint32_t>(leaf.keys.size());
-        for (uint32_t child : leaf.keys) {
+        found += static_cast<uint32_t>(leaf.entries.size());
+        for (const auto& [child, hash] : leaf.entries) {
             const auto record = key_record(image_, child);
             if (!record) {
                 key_error(visit.offset, "a subkey cannot be read");
@@ -256,17 +255,18 @@ void Examiner::check_subkeys(const Visit& visit, CellView key) {
     }
 }
 
-void Examiner::check_leaf(uint32_t key_offset, const Leaf& leaf) {
-    const auto list = *image_.cell(leaf.offset);
+void Examiner::check_leaf(CellOffset key_offset, const Leaf& leaf) {
+    const auto list = *image_.cell_at(leaf.offset);
     const bool hashes = has_signature(list, "lh");
     const bool hints = has_signature(list, "lf");
     if (hashes && image_.minor_version() < 5) key_error(key_offset, "a list of a later version");
-    for (size_t i = 0; (hashes || hints) && i < leaf.keys.size(); ++i) {
-        const auto record = key_record(image_, leaf.keys[i]);
+    if (!hashes && !hints) return;
+    for (const LeafEntry& entry : leaf.entries) {
+        const auto record = key_record(image_, entry.key);
         if (!record) continue;
-        const uint32_t stored = get32(list, 4 + i * 8 + 4);
         const std::u16string name = key_name(*record);
-        const bool right = hashes ? stored == name_hash(name) : stored == name_hint(name) || stored == 0;
+        const bool right =
+            hashes ? entry.hash == name_hash(name) : entry.hash == name_hint(name) || entry.hash == 0;
         if (!right) key_warning(key_offset, "a wrong hash in the list of subkeys");
     }
 }
@@ -274,36 +274,37 @@ void Examiner::check_leaf(uint32_t key_offset, const Leaf& leaf) {
 void Examiner::check_security_ring() {
     const auto root = key_record(image_, image_.root());
     if (!root) return;
-    const uint32_t first = get32(*root, nk::security);
+    const CellOffset first = get_cell(*root, nk::security);
     if (!security_descriptor(image_, first)) return;  // told with the root
-    uint32_t at = first;
+    CellOffset at = first;
     size_t in_ring = 0;
     do {
-        const auto record = image_.cell(at, sk::descriptor);
+        const auto record = image_.cell_at(at, sk::descriptor);
         const auto descriptor = security_descriptor(image_, at);
-        if (!descriptor || claimed_[at / 8])
+        if (!descriptor || claimed_[number_of(at) / 8])
             return error(in_file(at), "the ring of security records is broken");
-        claimed_[at / 8] = true;
+        claimed_[number_of(at) / 8] = true;
         if (!is_valid_descriptor(*descriptor)) error(in_file(at), "an invalid security descriptor");
-        const uint32_t users = security_users_.contains(at) ? security_users_[at] : 0;
+        const uint32_t users = out_.security_users.contains(at) ? out_.security_users[at] : 0;
         const uint32_t told = get32(*record, sk::reference_count);
         if (told < users) error(in_file(at), "a security record counts too few keys");
         if (told > users) warn(in_file(at), "a security record counts too many keys");
         in_ring += users > 0;
-        const uint32_t next = get32(*record, sk::next);
-        const auto next_record = image_.cell(next, sk::descriptor);
-        if (!next_record || get32(*next_record, sk::previous) != at) {
+        const CellOffset next = get_cell(*record, sk::next);
+        const auto next_record = image_.cell_at(next, sk::descriptor);
+        if (!next_record || get_cell(*next_record, sk::previous) != at) {
             return error(in_file(at), "the ring of security records is broken");
         }
         at = next;
     } while (at != first);
-    if (in_ring != security_users_.size()) error(in_file(first), "a security record lies outside the ring");
+    if (in_ring != out_.security_users.size())
+        error(in_file(first), "a security record lies outside the ring");
 }
 
 void Examiner::check_orphans() {
     size_t orphans = 0;
-    for (uint32_t at : image_.used_cells())
-        orphans += !claimed_[at / 8];
+    for (CellOffset at : image_.used_cells())
+        orphans += !claimed_[number_of(at) / 8];
     if (orphans > 0) warn(0, std::to_string(orphans) + " cells in use that nothing leads to");
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <unordered_map>
 #include <vector>
 
 #include "regf/hive.h"
@@ -11,6 +12,7 @@ struct Examination {
     std::vector<Finding> findings;
     /// The tree of keys can be walked: it has a root, no cell is claimed twice, no key lies too deep.
     bool walkable = true;
+    std::unordered_map<CellOffset, uint32_t> security_users;  ///< how many keys name each security record
 
     const Finding* first_error() const;
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <ctime>
+#include <functional>
 
 #include "regf/bytes.h"
 #include "regf/editor.h"
@@ -52,6 +53,13 @@ std::string why_read_only(const Image& image, const Examination& examination) {
     return "";
 }
 
+/// What a file says of how many keys share a security record is not believed: too high a number would wrap
+/// when a key is added, and a record in use be given back with the next key that goes.
+void count_security_users(Image& image, const Examination& examination) {
+    for (const auto& [cell, users] : examination.security_users)
+        put32(image.cell_at(cell).value(), sk::reference_count, users);
+}
+
 }  // namespace
 
 Hive::Hive(std::unique_ptr<State> state) : state_(std::move(state)) {}
@@ -78,6 +86,7 @@ Result<Hive> Hive::open(Bytes bytes, const std::vector<Log>& logs) {
         return Error{ErrorKind::damaged, "the hive is damaged " + describe(*examination.first_error())};
     }
     state->read_only_reason = why_read_only(state->image, examination);
+    if (state->read_only_reason.empty()) count_security_users(state->image, examination);
     return Hive(std::move(state));
 }
 
@@ -118,7 +127,7 @@ std::optional<Key> Hive::find(std::u16string_view path) const {
 std::vector<Key> Hive::subkeys(Key key) const {
     std::vector<Key> out;
     if (const auto record = state_->key(key)) {
-        for (uint32_t offset : subkey_offsets(state_->image, *record))
+        for (CellOffset offset : subkey_offsets(state_->image, *record))
             out.push_back({offset});
     }
     return out;
@@ -147,14 +156,14 @@ uint16_t Hive::flags(Key key) const {
 ByteView Hive::security(Key key) const {
     const auto record = state_->key(key);
     if (!record) return {};
-    return security_descriptor(state_->image, get32(*record, nk::security)).value_or(ByteView());
+    return security_descriptor(state_->image, get_cell(*record, nk::security)).value_or(ByteView());
 }
 
 std::vector<Hive::NamedValue> Hive::values(Key key) const {
     std::vector<NamedValue> out;
     const auto record = state_->key(key);
     if (!record) return out;
-    for (uint32_t at : value_offsets(state_->image, *record)) {
+    for (CellOffset at : value_offsets(state_->image, *record)) {
         const auto value = value_record(state_->image, at);
         if (!value) continue;
         auto data = value_data(state_->image, *value);
@@ -190,19 +199,19 @@ bool is_key_name(std::u16string_view name) {
 
 std::u16string Hive::path_of(Key key) const {
     std::u16string path;
-    for (uint32_t at = key.cell; at != state_->image.root();) {
-        const CellView record = *key_record(state_->image, at);
+    for (CellOffset at = key.cell; at != state_->image.root();) {
+        const CellView record = key_record(state_->image, at).value();
         if (!path.empty()) path.insert(0, 1, u'\\');
         path.insert(0, key_name(record));
-        at = get32(record, nk::parent);
+        at = get_cell(record, nk::parent);
     }
     return path;
 }
 
 uint32_t Hive::depth_of(Key key) const {
     uint32_t depth = 1;
-    for (uint32_t at = key.cell; at != state_->image.root();
-         at = get32(*key_record(state_->image, at), nk::parent))
+    for (CellOffset at = key.cell; at != state_->image.root();
+         at = get_cell(key_record(state_->image, at).value(), nk::parent))
         ++depth;
     return depth;
 }
@@ -219,6 +228,18 @@ std::optional<Error> Hive::refuse_edit(Key key, uint64_t size, uint64_t cells) c
     if (!state_->image.has_room_for(size, cells))
         return Error{ErrorKind::no_space, "a hive cannot grow beyond 2 GiB"};
     return std::nullopt;
+}
+
+/// An edit that meets a cell where there is none closes the hive: nothing of it is ever written.
+std::optional<Error> Hive::edit(const std::function<void(Editor&)>& work) {
+    try {
+        Editor editor(state_->image);
+        work(editor);
+        return std::nullopt;
+    } catch (const std::bad_optional_access&) {
+        state_->read_only_reason = "the hive is damaged where it was to be changed";
+        return Error{ErrorKind::damaged, state_->read_only_reason};
+    }
 }
 
 Result<Key> Hive::create_subkey(Key parent, std::u16string_view name, FileTime now) {
@@ -248,7 +269,8 @@ Result<Key> Hive::create_below(Key key, std::vector<std::u16string_view> names, 
     if (depth_of(key) + names.size() > deepest_level)
         return Error{ErrorKind::invalid, "no key can lie below 512 levels"};
     for (const std::u16string_view name : names) {
-        key = {Editor(state_->image).add_key(key.cell, name, now)};
+        const auto add = [&](Editor& editor) { key = {editor.add_key(key.cell, name, now)}; };
+        if (auto error = edit(add)) return *error;
         state_->changes.push_back({Change::Kind::create_key, path_of(key), {}, {}, now});
     }
     if (created) *created = true;
@@ -265,7 +287,8 @@ Result<Done> Hive::set_value(Key key, std::u16string_view name, const Value& val
     const uint64_t segments = value.data.size() / db::segment_data + 1;
     if (auto error = refuse_edit(key, list_bytes + value.data.size() + name.size() * 2, segments + 5))
         return *error;
-    Editor(state_->image).set_value(key.cell, name, value, now);
+    if (auto error = edit([&](Editor& editor) { editor.set_value(key.cell, name, value, now); }))
+        return *error;
     state_->changes.push_back({Change::Kind::set_value, path_of(key), std::u16string(name), value, now});
     return Done{};
 }
@@ -274,7 +297,7 @@ Result<Done> Hive::delete_value(Key key, std::u16string_view name, FileTime now)
     if (auto error = refuse_edit(key, 0, 0)) return *error;
     const auto at = find_value(state_->image, *state_->key(key), name);
     if (!at) return missing("no value " + printable(name));
-    Editor(state_->image).remove_value(key.cell, *at, now);
+    if (auto error = edit([&](Editor& editor) { editor.remove_value(key.cell, *at, now); })) return *error;
     state_->changes.push_back({Change::Kind::delete_value, path_of(key), std::u16string(name), {}, now});
     return Done{};
 }
@@ -291,8 +314,9 @@ Result<Done> Hive::delete_key(Key key, FileTime now) {
         const auto below = subkeys(doomed[i]);
         doomed.insert(doomed.end(), below.begin(), below.end());
     }
-    state_->changes.push_back({Change::Kind::delete_key, path_of(key), {}, {}, now});
-    Editor(state_->image).remove_key(key.cell, now);
+    Change change{Change::Kind::delete_key, path_of(key), {}, {}, now};
+    if (auto error = edit([&](Editor& editor) { editor.remove_key(key.cell, now); })) return *error;
+    state_->changes.push_back(std::move(change));
     return Done{};
 }
 

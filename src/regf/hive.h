@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -8,7 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "regf/error.h"
+#include "base/error.h"
+#include "regf/cell_offset.h"
 
 /// Registry hive files ("regf"). A hive is held in memory as the image of its file and edited in place;
 /// nothing here touches a disk (see file.h). Whatever the bytes say, no read leaves the image and no loop
@@ -17,6 +19,10 @@
 /// Names are UTF-16 code units, counted, with any content (NUL, lone surrogates); they compare without case,
 /// unit by unit. Time stamps are FILETIMEs: steps of 100 ns since 1601-01-01 UTC.
 namespace regf {
+
+using base::Error;
+using base::ErrorKind;
+using base::Result;
 
 using Bytes = std::vector<uint8_t>;
 using ByteView = std::span<const uint8_t>;
@@ -49,7 +55,7 @@ Bytes bytes_of(std::u16string_view units);
 
 /// Names a key of one hive: the offset of its cell. Good until that key is deleted.
 struct Key {
-    uint32_t cell = 0;
+    CellOffset cell{};
     bool operator==(const Key&) const = default;
 };
 
@@ -81,6 +87,8 @@ struct Finding {
 /// Everything that Windows checks when it loads a hive, and what keeps a hive healthy. At most `limit`
 /// findings.
 std::vector<Finding> validate(ByteView image, size_t limit = 100);
+
+class Editor;
 
 class Hive {
   public:
@@ -168,6 +176,7 @@ class Hive {
     Result<Key> create_below(Key key, std::vector<std::u16string_view> names, FileTime now, bool* created);
     std::u16string path_of(Key key) const;
     uint32_t depth_of(Key key) const;
+    std::optional<Error> edit(const std::function<void(Editor&)>& work);
     std::optional<Error> refuse_edit(Key key, uint64_t size, uint64_t cells) const;
     std::unique_ptr<State> state_;
 };

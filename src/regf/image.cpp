@@ -22,7 +22,9 @@ Image::Image(Bytes bytes) : bytes_(std::move(bytes)), base_size_(std::min(bytes_
     walk_bins();
 }
 
-uint32_t Image::root() const { return base_size_ < base_block_size ? nil : get32(bytes_, base_block::root); }
+CellOffset Image::root() const {
+    return base_size_ < base_block_size ? nil : get_cell(bytes_, base_block::root);
+}
 
 uint32_t Image::minor_version() const {
     return base_size_ < base_block_size ? 0 : get32(bytes_, base_block::minor);
@@ -65,7 +67,7 @@ bool Image::walk_cells(uint32_t at, uint32_t bin_end) {
             return false;
         }
         const bool free = field > 0;
-        if (free && free_before) unmerged_.push_back(at);
+        if (free && free_before) unmerged_.push_back(CellOffset{at});
         if (free) {
             note_free(at, static_cast<uint32_t>(size));
         } else {
@@ -96,23 +98,24 @@ Image::FreeCells::iterator Image::forget_free(FreeCells::iterator cell) {
     return free_.erase(cell);
 }
 
-std::optional<std::span<const uint8_t>> Image::cell(uint32_t offset, size_t least) const {
+std::optional<std::span<const uint8_t>> Image::cell_at(CellOffset cell, size_t least) const {
+    const uint32_t offset = number_of(cell);
     if (offset % 8 != 0 || offset / 8 >= used_.size() || !used_[offset / 8]) return std::nullopt;
     const auto size = static_cast<size_t>(-int64_t{size_field(offset)}) - 4;
     if (size < least) return std::nullopt;
     return std::span<const uint8_t>(bytes_).subspan(in_file(offset) + 4, size);
 }
 
-std::optional<std::span<uint8_t>> Image::cell(uint32_t offset, size_t least) {
-    const auto found = std::as_const(*this).cell(offset, least);
+std::optional<std::span<uint8_t>> Image::cell_at(CellOffset cell, size_t least) {
+    const auto found = std::as_const(*this).cell_at(cell, least);
     if (!found) return std::nullopt;
-    return std::span(bytes_).subspan(in_file(offset) + 4, found->size());
+    return std::span(bytes_).subspan(in_file(number_of(cell)) + 4, found->size());
 }
 
-std::vector<uint32_t> Image::used_cells() const {
-    std::vector<uint32_t> out;
+std::vector<CellOffset> Image::used_cells() const {
+    std::vector<CellOffset> out;
     for (size_t i = 0; i < used_.size(); ++i) {
-        if (used_[i]) out.push_back(static_cast<uint32_t>(i * 8));
+        if (used_[i]) out.push_back(CellOffset{static_cast<uint32_t>(i * 8)});
     }
     return out;
 }
@@ -122,12 +125,12 @@ bool Image::has_room_for(uint64_t size, uint64_t cells) const {
     return worst <= largest_bins_size - bins_size_;
 }
 
-bool Image::same_cell_size(uint32_t offset, size_t size) const {
-    const auto content = cell(offset);
+bool Image::same_cell_size(CellOffset cell, size_t size) const {
+    const auto content = cell_at(cell);
     return content && content->size() + 4 == cell_size_for(size);
 }
 
-uint32_t Image::allocate(size_t size) {
+CellOffset Image::allocate(size_t size) {
     const auto wanted = static_cast<uint32_t>(cell_size_for(size));
     auto fit = free_by_size_.lower_bound({wanted, 0});
     if (fit == free_by_size_.end()) {
@@ -140,14 +143,14 @@ uint32_t Image::allocate(size_t size) {
     used_[offset / 8] = true;
     set_size_field(offset, -static_cast<int32_t>(wanted));
     std::fill_n(bytes_.begin() + static_cast<ptrdiff_t>(in_file(offset) + 4), wanted - 4, uint8_t{0});
-    return offset;
+    return CellOffset{offset};
 }
 
 /// A bin's header lies between its cells and those before: neighbours are always of one bin.
-void Image::release(uint32_t offset) {
-    assert(used_[offset / 8]);
+void Image::release(CellOffset cell) {
+    const uint32_t offset = number_of(cell);
     uint32_t begin = offset;
-    auto size = static_cast<uint32_t>(-size_field(offset));
+    auto size = static_cast<uint32_t>(cell_at(cell).value().size()) + 4;
     std::fill_n(bytes_.begin() + static_cast<ptrdiff_t>(in_file(offset) + 4), size - 4, uint8_t{0});
     used_[offset / 8] = false;
     auto behind = free_.lower_bound(offset);

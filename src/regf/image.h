@@ -13,9 +13,9 @@
 
 namespace regf {
 
-/// The bytes of a hive file, taken apart into bins and cells. The one way to the content of a cell is cell():
-/// it answers only for offsets at which a cell in use begins, so that no number from the file is ever
-/// followed anywhere else.
+/// The bytes of a hive file, taken apart into bins and cells. The one way to the content of a cell is
+/// cell_at(): it answers only for offsets at which a cell in use begins, so that no number from the file is
+/// ever followed anywhere else.
 class Image {
   public:
     /// Walks the bins. What cannot be walked is told by problem(); the cells before it can be read.
@@ -27,33 +27,35 @@ class Image {
     };
     const std::optional<Problem>& problem() const { return problem_; }
     /// Free cells side by side: Windows merges them.
-    const std::vector<uint32_t>& unmerged_cells() const { return unmerged_; }
+    const std::vector<CellOffset>& unmerged_cells() const { return unmerged_; }
 
     const Bytes& bytes() const { return bytes_; }
     std::span<uint8_t> base_block() { return std::span(bytes_).first(base_size_); }
     std::span<const uint8_t> base_block() const { return std::span(bytes_).first(base_size_); }
     uint32_t bins_size() const { return bins_size_; }
-    uint32_t root() const;
+    CellOffset root() const;
     uint32_t minor_version() const;
 
     /// The content of the cell in use at `offset`, without its size field; none where no such cell begins
     /// there, or it has less than `least` bytes.
-    std::optional<std::span<const uint8_t>> cell(uint32_t offset, size_t least = 0) const;
-    std::optional<std::span<uint8_t>> cell(uint32_t offset, size_t least = 0);
+    std::optional<std::span<const uint8_t>> cell_at(CellOffset offset, size_t least = 0) const;
+    std::optional<std::span<uint8_t>> cell_at(CellOffset offset, size_t least = 0);
     /// Every cell in use, in the order of the file.
-    std::vector<uint32_t> used_cells() const;
+    std::vector<CellOffset> used_cells() const;
 
     /// Takes a cell for `size` bytes, zeroed: the smallest free one that fits, the first among equals; else
     /// from a new bin.
-    uint32_t allocate(size_t size);
-    /// Gives a cell back, zeroed and merged with its free neighbours.
-    void release(uint32_t offset);
+    CellOffset allocate(size_t size);
+    /// Gives a cell in use back, zeroed and merged with its free neighbours; throws std::bad_optional_access
+    /// where there is none.
+    void release(CellOffset offset);
     /// A cell of this many bytes would be the same size as the one at `offset`.
-    bool same_cell_size(uint32_t offset, size_t size) const;
+    bool same_cell_size(CellOffset offset, size_t size) const;
     /// Can so many bytes more be allocated, spread over up to `cells` cells?
     bool has_room_for(uint64_t size, uint64_t cells) const;
 
   private:
+    // In here offsets are numbers to reckon with.
     using FreeCells = std::map<uint32_t, uint32_t>;  // offset, size
 
     void walk_bins();
@@ -71,7 +73,7 @@ class Image {
     std::vector<bool> used_;  // a cell in use begins at offset 8 * index
     FreeCells free_;
     std::set<std::pair<uint32_t, uint32_t>> free_by_size_;  // size, offset
-    std::vector<uint32_t> unmerged_;
+    std::vector<CellOffset> unmerged_;
     std::optional<Problem> problem_;
 };
 

@@ -6,8 +6,6 @@
 /// Where things lie in a hive file. Positions of a record count from behind the size field of its cell.
 namespace regf {
 
-constexpr uint32_t nil = 0xFFFFFFFF;  ///< an offset that points nowhere
-
 constexpr size_t base_block_size = 4096;
 constexpr size_t bin_unit = 4096;
 constexpr size_t bin_header_size = 32;

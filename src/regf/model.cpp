@@ -11,21 +11,21 @@ namespace regf {
 namespace {
 
 // Recursion goes as deep as a hive may be: 512 levels.
-std::unique_ptr<ModelKey> read_key(const Image& image, uint32_t offset) {
-    const CellView record = *key_record(image, offset);
+std::unique_ptr<ModelKey> read_key(const Image& image, CellOffset offset) {
+    const CellView record = key_record(image, offset).value();
     auto key = std::make_unique<ModelKey>();
     key->name = key_name(record);
     key->class_name = class_name_of(image, record).value_or(u"");
-    key->security = security_descriptor(image, get32(record, nk::security));
+    key->security = security_descriptor(image, get_cell(record, nk::security));
     key->flags = get16(record, nk::flags);
     key->last_written = get64(record, nk::last_written);
-    for (uint32_t at : value_offsets(image, record)) {
+    for (CellOffset at : value_offsets(image, record)) {
         const auto value = value_record(image, at);
         if (!value) continue;
         key->values.push_back(
             {value_name(*value), {value_type(*value), value_data(image, *value).value_or(Bytes{})}});
     }
-    for (uint32_t child : subkey_offsets(image, record))
+    for (CellOffset child : subkey_offsets(image, record))
         key->subkeys.push_back(read_key(image, child));
     return key;
 }

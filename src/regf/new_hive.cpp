@@ -62,7 +62,7 @@ Hive Hive::create(const NewHive& what) {
     put16(root, nk::flags, nk::is_root | nk::no_delete | (name.compressed ? nk::compressed_name : 0));
     put64(root, nk::last_written, what.now);
     for (const size_t list : {nk::subkey_list, nk::volatile_list, nk::value_list, nk::class_name})
-        put32(root, list, nil);
+        put_cell(root, list, nil);
     put32(root, nk::security, security_at);
     put16(root, nk::name_length, static_cast<uint16_t>(name.bytes.size()));
     std::copy(name.bytes.begin(), name.bytes.end(), root.begin() + nk::name);

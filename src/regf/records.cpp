@@ -8,8 +8,8 @@
 
 namespace regf {
 
-std::optional<CellView> key_record(const Image& image, uint32_t offset) {
-    const auto key = image.cell(offset, nk::name);
+std::optional<CellView> key_record(const Image& image, CellOffset offset) {
+    const auto key = image.cell_at(offset, nk::name);
     if (!key || !has_signature(*key, "nk")) return std::nullopt;
     const size_t length = get16(*key, nk::name_length);
     if (length == 0 || length > key->size() - nk::name) return std::nullopt;
@@ -47,12 +47,15 @@ size_t count_of(CellView list) {
     return count * step_of(list) <= list.size() - 4 ? count : 0;
 }
 
-std::optional<Leaf> read_leaf(const Image& image, uint32_t offset, uint32_t index_offset) {
-    const auto list = image.cell(offset, 4);
+std::optional<Leaf> read_leaf(const Image& image, CellOffset offset, CellOffset index_offset) {
+    const auto list = image.cell_at(offset, 4);
     if (!list || !is_leaf(*list) || count_of(*list) == 0) return std::nullopt;
-    Leaf leaf{offset, index_offset, std::vector<uint32_t>(count_of(*list))};
-    for (size_t i = 0; i < leaf.keys.size(); ++i)
-        leaf.keys[i] = get32(*list, 4 + i * step_of(*list));
+    Leaf leaf{offset, index_offset, std::vector<LeafEntry>(count_of(*list))};
+    const size_t step = step_of(*list);
+    for (size_t i = 0; i < leaf.entries.size(); ++i) {
+        const size_t at = 4 + i * step;
+        leaf.entries[i] = {get_cell(*list, at), step == 8 ? get32(*list, at + 4) : 0};
+    }
     return leaf;
 }
 
@@ -60,17 +63,17 @@ std::optional<Leaf> read_leaf(const Image& image, uint32_t offset, uint32_t inde
 
 SubkeyLists subkey_lists(const Image& image, CellView key) {
     SubkeyLists out;
-    const uint32_t offset = get32(key, nk::subkey_list);
-    const auto list = image.cell(offset, 4);
+    const CellOffset offset = get_cell(key, nk::subkey_list);
+    const auto list = image.cell_at(offset, 4);
     if (get32(key, nk::subkey_count) == 0) {
         out.whole = true;
     } else if (list && has_signature(*list, "ri")) {
         // A leaf named again and again must not make a small file large in memory.
         size_t room = image.bins_size() / 8;
         for (size_t i = 0; i < count_of(*list); ++i) {
-            auto leaf = read_leaf(image, get32(*list, 4 + 4 * i), offset);
-            if (!leaf || leaf->keys.size() > room) return out;
-            room -= leaf->keys.size();
+            auto leaf = read_leaf(image, get_cell(*list, 4 + 4 * i), offset);
+            if (!leaf || leaf->entries.size() > room) return out;
+            room -= leaf->entries.size();
             out.leaves.push_back(std::move(*leaf));
         }
         out.whole = !out.leaves.empty();
@@ -81,33 +84,35 @@ SubkeyLists subkey_lists(const Image& image, CellView key) {
     return out;
 }
 
-std::vector<uint32_t> subkey_offsets(const Image& image, CellView key) {
-    std::vector<uint32_t> out;
+std::vector<CellOffset> subkey_offsets(const Image& image, CellView key) {
+    std::vector<CellOffset> out;
     for (const Leaf& leaf : subkey_lists(image, key).leaves) {
-        std::copy_if(leaf.keys.begin(), leaf.keys.end(), std::back_inserter(out),
-                     [&](uint32_t offset) { return key_record(image, offset).has_value(); });
+        for (const LeafEntry& entry : leaf.entries) {
+            if (key_record(image, entry.key)) out.push_back(entry.key);
+        }
     }
     return out;
 }
 
-std::optional<uint32_t> find_subkey(const Image& image, CellView key, std::u16string_view name,
-                                    bool in_order) {
-    auto compare = [&](uint32_t offset) {
-        const auto record = key_record(image, offset);
+std::optional<CellOffset> find_subkey(const Image& image, CellView key, std::u16string_view name,
+                                      bool in_order) {
+    auto compare = [&](const LeafEntry& entry) {
+        const auto record = key_record(image, entry.key);
         return record ? compare_key_name(*record, name) : 1;
     };
+    auto before = [&](const LeafEntry& entry) { return compare(entry) < 0; };
+    auto same = [&](const LeafEntry& entry) { return compare(entry) == 0; };
     for (const Leaf& leaf : subkey_lists(image, key).leaves) {
-        const auto at = in_order ? std::partition_point(leaf.keys.begin(), leaf.keys.end(),
-                                                        [&](uint32_t offset) { return compare(offset) < 0; })
-                                 : std::find_if(leaf.keys.begin(), leaf.keys.end(),
-                                                [&](uint32_t offset) { return compare(offset) == 0; });
-        if (at != leaf.keys.end() && compare(*at) == 0) return *at;
+        const auto& all = leaf.entries;
+        const auto at = in_order ? std::partition_point(all.begin(), all.end(), before)
+                                 : std::find_if(all.begin(), all.end(), same);
+        if (at != all.end() && same(*at)) return at->key;
     }
     return std::nullopt;
 }
 
-std::optional<CellView> value_record(const Image& image, uint32_t offset) {
-    const auto value = image.cell(offset, vk::name);
+std::optional<CellView> value_record(const Image& image, CellOffset offset) {
+    const auto value = image.cell_at(offset, vk::name);
     if (!value || !has_signature(*value, "vk")) return std::nullopt;
     if (get16(*value, vk::name_length) > value->size() - vk::name) return std::nullopt;
     return value;
@@ -118,19 +123,19 @@ std::u16string value_name(CellView value) {
                      get16(value, vk::flags) & vk::compressed_name);
 }
 
-std::vector<uint32_t> value_offsets(const Image& image, CellView key) {
+std::vector<CellOffset> value_offsets(const Image& image, CellView key) {
     const size_t count = get32(key, nk::value_count);
     if (count == 0 || (get16(key, nk::flags) & nk::predefined_handle)) return {};
-    const auto list = image.cell(get32(key, nk::value_list));
-    std::vector<uint32_t> out;
+    const auto list = image.cell_at(get_cell(key, nk::value_list));
+    std::vector<CellOffset> out;
     if (!list) return out;
     for (size_t i = 0; i < std::min(count, list->size() / 4); ++i)
-        out.push_back(get32(*list, i * 4));
+        out.push_back(get_cell(*list, i * 4));
     return out;
 }
 
-std::optional<uint32_t> find_value(const Image& image, CellView key, std::u16string_view name) {
-    for (uint32_t offset : value_offsets(image, key)) {
+std::optional<CellOffset> find_value(const Image& image, CellView key, std::u16string_view name) {
+    for (CellOffset offset : value_offsets(image, key)) {
         const auto value = value_record(image, offset);
         if (value && same_name(value_name(*value), name)) return offset;
     }
@@ -149,23 +154,23 @@ std::optional<DataPlace> value_data_place(const Image& image, CellView value) {
         return place;
     }
     if (place.size == 0) return place;
-    place.cell = get32(value, vk::data);
+    place.cell = get_cell(value, vk::data);
     if (place.size <= db::segment_data || image.minor_version() < db::first_minor_version) {
-        if (!image.cell(place.cell, place.size)) return std::nullopt;
+        if (!image.cell_at(place.cell, place.size)) return std::nullopt;
         return place;
     }
-    const auto record = image.cell(place.cell, 8);
+    const auto record = image.cell_at(place.cell, 8);
     if (!record || !has_signature(*record, "db")) return std::nullopt;
     const uint32_t count = get16(*record, db::segment_count);
     if (count < 2 || count != (uint64_t{place.size} + db::segment_data - 1) / db::segment_data)
         return std::nullopt;
-    place.segment_list = get32(*record, db::segment_list);
-    const auto list = image.cell(*place.segment_list, size_t{count} * 4);
+    place.segment_list = get_cell(*record, db::segment_list);
+    const auto list = image.cell_at(*place.segment_list, size_t{count} * 4);
     if (!list) return std::nullopt;
     for (uint32_t i = 0, left = place.size; i < count; ++i) {
         const uint32_t here = std::min(left, db::segment_data);
-        place.segments.push_back(get32(*list, size_t{i} * 4));
-        if (!image.cell(place.segments.back(), here)) return std::nullopt;
+        place.segments.push_back(get_cell(*list, size_t{i} * 4));
+        if (!image.cell_at(place.segments.back(), here)) return std::nullopt;
         left -= here;
     }
     return place;
@@ -179,18 +184,18 @@ std::optional<Bytes> value_data(const Image& image, CellView value) {
     };
     if (place->resident) return copy(value.subspan(vk::data), place->size);
     if (place->size == 0) return Bytes{};
-    if (place->segments.empty()) return copy(*image.cell(place->cell), place->size);
+    if (place->segments.empty()) return copy(*image.cell_at(place->cell), place->size);
     Bytes out;
-    for (uint32_t segment : place->segments) {
-        const auto cell = *image.cell(segment);
+    for (CellOffset segment : place->segments) {
+        const auto cell = *image.cell_at(segment);
         const size_t here = std::min<size_t>(place->size - out.size(), db::segment_data);
         out.insert(out.end(), cell.begin(), cell.begin() + static_cast<ptrdiff_t>(here));
     }
     return out;
 }
 
-std::optional<CellView> security_descriptor(const Image& image, uint32_t offset) {
-    const auto record = image.cell(offset, sk::descriptor);
+std::optional<CellView> security_descriptor(const Image& image, CellOffset offset) {
+    const auto record = image.cell_at(offset, sk::descriptor);
     if (!record || !has_signature(*record, "sk")) return std::nullopt;
     const size_t size = get32(*record, sk::descriptor_size);
     if (size == 0 || size > record->size() - sk::descriptor) return std::nullopt;
@@ -230,7 +235,7 @@ bool is_valid_descriptor(CellView descriptor) {
 std::optional<std::u16string> class_name_of(const Image& image, CellView key) {
     const size_t length = get16(key, nk::class_length);
     if (length == 0) return std::u16string();
-    const auto cell = image.cell(get32(key, nk::class_name), length);
+    const auto cell = image.cell_at(get_cell(key, nk::class_name), length);
     if (!cell) return std::nullopt;
     return load_name(cell->first(length), false);
 }

@@ -11,20 +11,20 @@ namespace {
 
 using machine::ToolReport;
 
-ToolReport failed(regf::ErrorKind why, const std::string& detail) {
+ToolReport failed(base::ErrorKind why, const std::string& detail) {
     ToolReport report;
     report.why = why;
     report.detail = detail;
     return report;
 }
 
-regf::Result<regg::Setting> setting_of_environment() {
+base::Result<regg::Setting> setting_of_environment() {
     const char* drives = std::getenv("BRIGHTLOCK_DRIVES");
     const char* mounts = std::getenv("BRIGHTLOCK_MOUNTS");
     auto map = machine::DriveMap::parse(drives ? drives : "");
     if (!map) return map.error();
     const std::string folder = mounts ? mounts : machine::default_state_folder() + "/mounts/host";
-    return regg::Setting{std::move(*map), drives != nullptr, machine::MountTable(folder)};
+    return regg::Setting{std::move(*map), machine::MountTable(folder)};
 }
 
 ToolReport work(const std::vector<std::string>& words) {
@@ -32,7 +32,7 @@ ToolReport work(const std::vector<std::string>& words) {
         const auto setting = setting_of_environment();
         return setting ? regg::run(*setting, words) : failed(setting.error().kind, setting.error().message);
     } catch (const std::exception&) {
-        return failed(regf::ErrorKind::no_space, "there is not enough memory for this hive");
+        return failed(base::ErrorKind::no_space, "there is not enough memory for this hive");
     }
 }
 

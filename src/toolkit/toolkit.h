@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -8,12 +9,16 @@
 #include "base/runtime_error.h"
 #include "toolkit/controls.h"
 #include "toolkit/form.h"
+#include "toolkit/printer.h"
 
 namespace toolkit {
 
 enum class Icon { none, critical, question, exclamation, information };
 enum class Buttons { ok, yes_no, abort_retry_ignore };
 enum class Answer { ok = 1, abort = 3, retry = 4, ignore = 5, yes = 6, no = 7 };
+
+/// How a process ends: as it was meant to, or by a run-time error.
+enum class Ending { done, failed };
 
 struct Box {
     std::string text = {};
@@ -46,6 +51,11 @@ class Toolkit {
     std::string input_box(std::string_view title, std::string_view prompt);
     /// The chosen file as a Windows path of the machine being worked on; "" where the person cancels.
     virtual std::string ask_file(const FileDialog& dialog) = 0;
+    /// Begins a document for the printer chosen in this run, else the default one. RuntimeError 482 where
+    /// there is none.
+    virtual std::unique_ptr<Printer> open_printer() = 0;
+    /// Lets the person choose the printer.
+    virtual void set_up_printer() = 0;
     virtual void beep() = 0;
     /// Lets waiting events run: handlers may be called meanwhile.
     virtual void process_events() = 0;
@@ -54,7 +64,7 @@ class Toolkit {
 
     /// Stops the process at once: no further event, nothing saved. The editions never return from here; in
     /// tests it throws.
-    [[noreturn]] virtual void end_process() = 0;
+    [[noreturn]] virtual void end_process(Ending ending = Ending::done) = 0;
 
     /// Shows a form, or brings it up; not modal.
     void show(Form& form);
@@ -72,6 +82,8 @@ class Toolkit {
     /// process. Renderers pass every event through here; events nest while a box is open or process_events()
     /// runs.
     void deliver(const std::function<void()>& event);
+    /// An event is being delivered: what a person does now comes while the program waits for something.
+    bool busy() const { return depth_ > 0; }
 
     const std::vector<Form*>& forms() const { return forms_; }
 

@@ -129,7 +129,7 @@ void MainForm::connect_events() {
     StatusBar.on_mouse_down = [this](toolkit::MouseButton button, int x) { StatusBar_MouseDown(button, x); };
     Timer1.on_timer = [this] { Timer1_Timer(); };
 
-    // c16 also writes NoSetTaskbar, the value behind c31: show what will be set. Unticking leaves c31 alone.
+    // c16 also writes NoSetTaskbar, the value of c31: show what will be set. Unticking leaves c31 alone.
     c16.on_click = [this] {
         if (c16.ticked()) c31.set_value(1);
     };
@@ -150,6 +150,11 @@ void MainForm::connect_events() {
     t810.on_got_focus = [this] { t810_GotFocus(); };
     t810.on_lost_focus = [this] { t810_LostFocus(); };
 
+    mm11.on_click = [this] { mm11_Click(); };
+    mm12.on_click = [this] { mm12_Click(); };
+    mm13.on_click = [this] { mm13_Click(); };
+    mm14.on_click = [this] { mm14_Click(); };
+    mm15.on_click = [this] { program_.toolkit.set_up_printer(); };
     mm132.on_click = [this] { mm132_Click(); };
     mm16.on_click = [this] { program_.toolkit.end_process(); };
     mm21.on_click = [this] { mm21_Click(); };

@@ -4,7 +4,7 @@
 
 #include "base/product.h"
 #include "base/runtime_error.h"
-#include "platform/texts.h"
+#include "base/twin.h"
 
 namespace britlock {
 

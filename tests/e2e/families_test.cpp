@@ -16,7 +16,7 @@
 #include "program/person.h"
 #include "program/random_marks.h"
 #include "regf/dump.h"
-#include "regf/file.h"
+#include "regf_file/hive_file.h"
 
 namespace britlock {
 namespace {
@@ -185,7 +185,7 @@ TEST(RealHives, ARunTimeErrorAmidTheWritesLeavesThoseBeforeItOnTheDisk) {
     w.windows.offline().write_pending();
     EXPECT_TRUE(regf::validate(regf::read_file(w.hive())).empty());
     EXPECT_THAT(w.dump(), HasSubstr("NoClose 4 01000000"));
-    EXPECT_TRUE(w.windows.offline().mounts().mounts().empty());
+    EXPECT_TRUE(w.windows.offline().mounts().mounts()->empty());
     EXPECT_EQ(w.windows.troubles(), "");
 }
 
@@ -219,7 +219,8 @@ TEST(RealHives, WhatWasMarkedComesBack) {
 /// for a user of it.
 TEST(RealHives, LookingAtAFileIsNotUsingIt) {
     Installed w;
-    const auto look = regf::FileLock::acquire({-100, w.hive().string()}, regf::FileLock::Purpose::look);
+    const auto look =
+        hostfile::FileLock::acquire(*hostfile::place_of(w.hive()), hostfile::FileLock::Purpose::look);
     ASSERT_TRUE(look);
     EXPECT_EQ(w.person.program->hiver.hive_file_status(w.windows.windows_hive_of("Anna")), HIVER_MOD::usable);
     const OtherProgram other(w.hive("Ben"));

@@ -8,13 +8,13 @@
 #include <optional>
 #include <string>
 
-#include "regf/file.h"
+#include "regf_file/hive_file.h"
 
 /// Looks into hive files and changes them, past every machine.
 
 inline regf::HiveFile read_hive_file(const std::filesystem::path& path) {
-    const regf::FilePlace place{AT_FDCWD, path.string()};
-    const auto lock = regf::FileLock::acquire(place);
+    const auto place = *hostfile::place_of(path);
+    const auto lock = hostfile::FileLock::acquire(place);
     EXPECT_TRUE(lock) << lock.error().message;
     auto file = regf::read_hive(place, *lock);
     EXPECT_TRUE(file) << file.error().message;
@@ -43,7 +43,7 @@ inline void set_text(const std::filesystem::path& path, std::u16string_view key,
     ASSERT_TRUE(made) << made.error().message;
     const auto set = file.hive.set_value(*made, name, value, now);
     ASSERT_TRUE(set) << set.error().message;
-    const auto written = regf::commit({AT_FDCWD, path.string()}, file.hive, file.identity, now);
+    const auto written = regf::commit(*hostfile::place_of(path), file.hive, file.identity, now);
     ASSERT_TRUE(written) << written.error().message;
 }
 

@@ -88,11 +88,15 @@ struct Victim {
     uint32_t get(uint32_t cell, size_t field) const {
         return get32(bytes, base_block_size + cell + 4 + field);
     }
-    uint32_t get(std::u16string_view path, size_t field) const { return get(key(path).cell, field); }
+    uint32_t get(std::u16string_view path, size_t field) const {
+        return get(number_of(key(path).cell), field);
+    }
     void put(uint32_t cell, size_t field, uint32_t value) {
         put32(bytes, base_block_size + cell + 4 + field, value);
     }
-    void put(std::u16string_view path, size_t field, uint32_t value) { put(key(path).cell, field, value); }
+    void put(std::u16string_view path, size_t field, uint32_t value) {
+        put(number_of(key(path).cell), field, value);
+    }
     /// Of the n-th value of a key.
     uint32_t value(std::u16string_view path, size_t n) const { return get(get(path, nk::value_list), 4 * n); }
     uint32_t root_list() const { return get(u"", nk::subkey_list); }
@@ -110,7 +114,8 @@ TEST(DamagedHives, OfEveryKnownShapeAreFoundOut) {
     };
     const Shape shapes[] = {
         {"a subkey is reached twice",  // a ring: Deep has the root below it
-         [](Victim& v) { v.put(v.get(u"Alpha\\Inner", nk::subkey_list), 4, v.hive.root().cell); }, false},
+         [](Victim& v) { v.put(v.get(u"Alpha\\Inner", nk::subkey_list), 4, number_of(v.hive.root().cell)); },
+         false},
         {"a list of subkeys is reached twice",
          [](Victim& v) { v.put(u"Gamma", nk::subkey_list, v.get(u"Alpha", nk::subkey_list)); }, false},
         {"the value list is reached twice",
@@ -151,9 +156,11 @@ TEST(DamagedHives, OfEveryKnownShapeAreFoundOut) {
         {"the class name cannot be read",
          [](Victim& v) { v.put(u"Beta", nk::name_length, v.get(u"Beta", nk::name_length) | 0x00080000); },
          true},
-        {"without a security descriptor", [](Victim& v) { v.put(u"Beta", nk::security, nil); }, true},
+        {"without a security descriptor", [](Victim& v) { v.put(u"Beta", nk::security, number_of(nil)); },
+         true},
         {"counts too few keys", [](Victim& v) { v.put(v.security(), sk::reference_count, 1); }, true},
-        {"the ring of security records", [](Victim& v) { v.put(v.security(), sk::next, nil); }, true},
+        {"the ring of security records", [](Victim& v) { v.put(v.security(), sk::next, number_of(nil)); },
+         true},
         {"an invalid security descriptor", [](Victim& v) { v.put(v.security(), sk::descriptor, 2); }, true},
         {"subkeys out of order",
          [](Victim& v) {
@@ -163,7 +170,8 @@ TEST(DamagedHives, OfEveryKnownShapeAreFoundOut) {
          },
          true},
         {"a cell of impossible size",
-         [](Victim& v) { put32(v.bytes, base_block_size + v.key(u"Gamma").cell, 0x80000000); }, true},
+         [](Victim& v) { put32(v.bytes, base_block_size + number_of(v.key(u"Gamma").cell), 0x80000000); },
+         true},
         {"the root key cannot be read", [](Victim& v) { put32(v.bytes, base_block::root, 0x28); }, false},
         {"no multiple of 4096", [](Victim& v) { put32(v.bytes, base_block::bins_size, 0x1FFF); }, true},
         {"the file ends before", [](Victim& v) { put32(v.bytes, base_block::bins_size, 0xFFFFF000); }, true},
@@ -185,6 +193,28 @@ TEST(DamagedHives, OfEveryKnownShapeAreFoundOut) {
             EXPECT_NE(opened->read_only_reason(), "");
         }
         exercise(victim.bytes);
+    }
+}
+
+TEST(DamagedHives, WithAWrongCountOfSharedDescriptorsAreEditedSafely) {
+    for (const uint32_t count : {0x7FFFFFFFu, 0xFFFFFFECu, 0xFFFFFFFEu, 0xFFFFFFFFu}) {
+        SCOPED_TRACE(count);
+        Victim victim(small_hive(3));
+        victim.put(victim.security(), sk::reference_count, count);
+        repair_checksum(victim.bytes);
+        auto hive = Hive::open(victim.bytes);
+        ASSERT_TRUE(hive);
+        ASSERT_EQ(hive->read_only_reason(), "");
+        for (char16_t letter = u'a'; letter <= u'z'; ++letter) {  // the count wraps on the way
+            const auto key = hive->create_subkey(hive->root(), {&letter, 1}, 5);
+            ASSERT_TRUE(key && hive->set_value(*key, u"v", {REG_BINARY, Bytes(9)}, 5));
+        }
+        for (const Key key : hive->subkeys(hive->root()))
+            ASSERT_TRUE(hive->delete_key(key, 5));
+        ASSERT_TRUE(hive->create(u"a\\b", 5));
+        const auto sealed = hive->sealed_image(6);
+        ASSERT_TRUE(sealed) << sealed.error().message;
+        EXPECT_TRUE(validate(*sealed).empty());
     }
 }
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <random>
 
@@ -241,15 +242,37 @@ TEST_P(OfVersion, StaysAsItIsWhereAnEditAsksForWhatIsThereOrIsRefused) {
     EXPECT_EQ(kind(hive.create_subkey(bottom, u"x", 9)), invalid);
     EXPECT_EQ(kind(hive.create(u"e" + deepest + u"\\x", 9)), invalid);
     EXPECT_EQ(kind(hive.set_value(key, std::u16string(16384, u'x'), {}, 9)), invalid);
-    EXPECT_EQ(kind(hive.set_value({0x28}, u"x", {}, 9)), missing);
+    EXPECT_EQ(kind(hive.set_value({CellOffset{0x28}}, u"x", {}, 9)), missing);
     EXPECT_EQ(kind(hive.delete_value(key, u"none", 9)), missing);
-    EXPECT_EQ(kind(hive.delete_key({0x28}, 9)), missing);
+    EXPECT_EQ(kind(hive.delete_key({CellOffset{0x28}}, 9)), missing);
     EXPECT_EQ(kind(hive.apply({Change::Kind::delete_key, u"A\\None", {}, {}, 9})), missing);
     EXPECT_EQ(kind(hive.delete_key(hive.root(), 9)), refused);
 
     EXPECT_EQ(hive.changes().size(), changes);
     EXPECT_EQ(full_dump(hive), dump_before);
     EXPECT_TRUE(sealed(hive) == before);
+}
+
+/// Windows finds a key by the hash it stored, and its capitals are not ours in every version.
+TEST(Edits, LeaveTheHashesOfOtherKeysAsTheyWere) {
+    Hive made = Hive::create({.minor_version = 5, .file_name = u"h", .now = 1});
+    for (const char16_t* name : {u"a", u"c"})
+        ASSERT_TRUE(made.create(name, 2));
+    Bytes image = sealed(made);
+    const std::array<uint8_t, 4> stored{'C', 0, 0, 0}, other{1, 2, 3, 4};
+    const auto list = std::search(image.begin(), image.end(), std::begin("lh\2"), std::end("lh\2"));
+    const auto entry = std::search(list, image.end(), stored.begin(), stored.end());
+    ASSERT_TRUE(entry != image.end());
+    std::copy(other.begin(), other.end(), entry);
+    auto hive = Hive::open(image);
+    ASSERT_TRUE(hive);
+    for (const char16_t* name : {u"b", u"d", u"e", u"f"})
+        ASSERT_TRUE(hive->create(name, 3));
+    ASSERT_TRUE(hive->delete_key(*hive->find(u"b"), 4));
+    const auto again = hive->sealed_image(5);
+    ASSERT_TRUE(again) << again.error().message;
+    const auto kept = std::search(again->begin(), again->end(), other.begin(), other.end());
+    EXPECT_TRUE(kept != again->end());
 }
 
 }  // namespace

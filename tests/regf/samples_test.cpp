@@ -6,7 +6,7 @@
 #include <map>
 
 #include "regf/dump.h"
-#include "regf/file.h"
+#include "regf_file/hive_file.h"
 
 namespace regf {
 namespace {
@@ -23,7 +23,7 @@ struct Samples : testing::Test {
 };
 
 Result<HiveFile> open_file(const fs::path& file) {
-    const FilePlace place{AT_FDCWD, file.string()};
+    const HostPlace place = *hostfile::place_of(file);
     auto lock = FileLock::acquire(place);
     if (!lock) return lock.error();
     return read_hive(place, *lock);

@@ -9,7 +9,7 @@
 #include <QToolBar>
 #include <array>
 
-#include "platform/texts.h"
+#include "base/twin.h"
 
 static void load_pages() { Q_INIT_RESOURCE(help); }
 

@@ -29,31 +29,22 @@ std::string unescaped(std::string_view folder) {
     return out;
 }
 
-regf::Result<HostPlace> locate_on_host(const std::string& file) {
-    const size_t slash = file.find_last_of('/');
-    const std::string folder = slash == 0 ? "/" : file.substr(0, slash);
-    Descriptor opened(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!opened.is_open())
-        return regf::Error{regf::ErrorKind::io, "cannot open the folder " + folder + ": " + strerror(errno)};
-    return HostPlace{std::move(opened), file.substr(slash + 1), true};
-}
-
 }  // namespace
 
-regf::Result<Done> DriveMap::add(const WindowsPath& at, const std::string& host_folder) {
+base::Result<Done> DriveMap::add(const WindowsPath& at, const std::string& host_folder) {
     Descriptor folder(open(host_folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!folder.is_open()) {
-        const auto kind = errno == ENOENT ? regf::ErrorKind::missing : regf::ErrorKind::refused;
-        return regf::Error{kind, "cannot open the folder " + host_folder + ": " + strerror(errno)};
+        const auto kind = errno == ENOENT ? base::ErrorKind::missing : base::ErrorKind::refused;
+        return base::Error{kind, "cannot open the folder " + host_folder + ": " + strerror(errno)};
     }
     entries_.push_back({at, host_folder, std::move(folder)});
     return Done{};
 }
 
-regf::Result<Done> DriveMap::add_drive(char letter, const std::string& host_folder) {
+base::Result<Done> DriveMap::add_drive(char letter, const std::string& host_folder) {
     const char drive = text::upper(letter);
     if (drive < 'A' || drive > 'Z')
-        return regf::Error{regf::ErrorKind::invalid, "a drive's letter is one from A to Z"};
+        return base::Error{base::ErrorKind::invalid, "a drive's letter is one from A to Z"};
     return add({drive, {}}, host_folder);
 }
 
@@ -67,13 +58,13 @@ std::string DriveMap::text() const {
     return out;
 }
 
-regf::Result<DriveMap> DriveMap::parse(std::string_view text) {
+base::Result<DriveMap> DriveMap::parse(std::string_view text) {
     DriveMap map;
     while (!text.empty()) {
         const std::string_view drive = text.substr(0, text.find(';'));
         text.remove_prefix(std::min(drive.size() + 1, text.size()));
         if (drive.size() < 3 || drive[1] != '=')
-            return regf::Error{regf::ErrorKind::invalid, "the list of drives cannot be read"};
+            return base::Error{base::ErrorKind::invalid, "the list of drives cannot be read"};
         const auto added = map.add_drive(drive[0], unescaped(drive.substr(2)));
         if (!added) return added.error();
     }
@@ -126,15 +117,22 @@ std::string file_for_people(const std::string& file) {
     return file.starts_with('/') ? file : text::to_utf8(file);
 }
 
-regf::Result<HostPlace> locate_hive(const DriveMap& drives, const std::string& file) {
-    if (file.starts_with('/')) return locate_on_host(file);
+base::Result<HostPlace> locate_hive(const DriveMap& drives, const std::string& file) {
+    if (file.starts_with('/')) {
+        if (!drives.is_empty())
+            return base::Error{base::ErrorKind::refused, file + " is on no drive of this installation"};
+        auto place = hostfile::place_of(file);
+        if (place) return place;
+        return base::Error{base::ErrorKind::io,
+                           place.error().message};  // not `missing`: a disk may come back
+    }
     auto place = drives.resolve(file);
     if (place && place->exists) return std::move(*place);
     const std::string name = file_for_people(file);
-    if (place) return regf::Error{regf::ErrorKind::missing, name + " is not there"};
+    if (place) return base::Error{base::ErrorKind::missing, name + " is not there"};
     if (place.error() == permission_denied)
-        return regf::Error{regf::ErrorKind::refused, name + " may not be opened"};
-    return regf::Error{regf::ErrorKind::io, name + " cannot be reached: its folder is not there"};
+        return base::Error{base::ErrorKind::refused, name + " may not be opened"};
+    return base::Error{base::ErrorKind::io, name + " cannot be reached: its folder is not there"};
 }
 
 }  // namespace machine

@@ -5,7 +5,7 @@
 
 #include <cerrno>
 
-#include "regf/replacement.h"
+#include "hostfile/replacement.h"
 
 namespace machine {
 
@@ -31,7 +31,7 @@ uint32_t attributes_of(const HostPlace& place) {
     uint32_t attributes = attribute_normal;
     if ((status.st_mode & write_bits) == 0) attributes = attribute_read_only;
     if (const Descriptor file = open_either(place); file.is_open()) {
-        const auto kept = regf::dos_attributes(file.number());
+        const auto kept = hostfile::dos_attributes(file.number());
         attributes = (kept ? kept->bits : attributes) & settable;
         if (is_link(file, status)) attributes |= attribute_reparse_point;
     }
@@ -46,9 +46,9 @@ FileError set_attributes_of(const HostPlace& place, uint32_t attributes) {
     const Descriptor file = open_either(place);
     if (!file.is_open()) return file_error(errno);
 
-    if (auto kept = regf::dos_attributes(file.number())) {
+    if (auto kept = hostfile::dos_attributes(file.number())) {
         kept->bits = (kept->bits & ~settable) | (attributes & settable);
-        return regf::set_dos_attributes(file.number(), *kept) ? no_error : file_error(errno);
+        return hostfile::set_dos_attributes(file.number(), *kept) ? no_error : file_error(errno);
     }
     struct stat status {};
     if (fstat(file.number(), &status) != 0) return file_error(errno);

@@ -69,7 +69,7 @@ FileError copy_below(const Descriptor& from, const Descriptor& to, const struct 
         if (!folder) return folder.error();
         struct stat status {};
         if (fstat(folder->number(), &status) != 0) return file_error(errno);
-        if (status.st_dev != from_status.st_dev || regf::is_same_file(status, root_of_copy)) continue;
+        if (status.st_dev != from_status.st_dev || hostfile::is_same_file(status, root_of_copy)) continue;
         if (!target->exists && mkdirat(to.number(), target->name.c_str(), 0777) != 0)
             return file_error(errno);
         const auto copy = open_folder(to.number(), target->name);
@@ -109,7 +109,7 @@ FileError copy_content(const Descriptor& from, const Descriptor& to) {
     struct stat source {};
     struct stat target {};
     if (fstat(from.number(), &source) != 0 || fstat(to.number(), &target) != 0) return file_error(errno);
-    if (regf::is_same_file(source, target)) return permission_denied;
+    if (hostfile::is_same_file(source, target)) return permission_denied;
     return copy_below(from, to, target);
 }
 

@@ -7,32 +7,32 @@
 
 namespace machine {
 
-WinCode win_code(regf::ErrorKind kind) {
+WinCode win_code(base::ErrorKind kind) {
     switch (kind) {
-        case regf::ErrorKind::missing:
+        case base::ErrorKind::missing:
             return file_not_found;
-        case regf::ErrorKind::no_space:
+        case base::ErrorKind::no_space:
             return disk_full;
-        case regf::ErrorKind::not_a_hive:
-        case regf::ErrorKind::damaged:
-        case regf::ErrorKind::dirty:
+        case base::ErrorKind::not_a_hive:
+        case base::ErrorKind::damaged:
+        case base::ErrorKind::dirty:
             return registry_corrupt;
-        case regf::ErrorKind::io:
+        case base::ErrorKind::io:
             return registry_io_failed;
-        case regf::ErrorKind::invalid:
+        case base::ErrorKind::invalid:
             return invalid_parameter;
-        case regf::ErrorKind::refused:
-        case regf::ErrorKind::in_use:
-        case regf::ErrorKind::unsupported:
-        case regf::ErrorKind::changed:
+        case base::ErrorKind::refused:
+        case base::ErrorKind::in_use:
+        case base::ErrorKind::unsupported:
+        case base::ErrorKind::changed:
             return access_denied;
     }
     return access_denied;
 }
 
 HiveStore::View FileHive::read() {
-    const auto now = regf::identify(place_.hive());
-    const bool absent = !now && now.error().kind == regf::ErrorKind::missing;
+    const auto now = regf::identify(place_);
+    const bool absent = !now && now.error().kind == base::ErrorKind::missing;
     if (!now && !(absent && missing_ == Missing::is_empty)) return {win_code(now.error().kind), nullptr};
     const regf::FileIdentity identity = now ? *now : regf::FileIdentity{};
     if (held_ && held_->identity == identity) return {success, &held_->hive};
@@ -44,13 +44,13 @@ HiveStore::View FileHive::read() {
         held_.emplace(regf::HiveFile{regf::Hive::create(empty), identity});
         return {success, &held_->hive};
     }
-    const auto lock = lock_with_patience(place_.hive(), regf::FileLock::Purpose::look);
+    const auto lock = hostfile::lock_with_patience(place_, hostfile::FileLock::Purpose::look);
     return lock ? read_again(*lock) : View{win_code(lock.error().kind), nullptr};
 }
 
-HiveStore::View FileHive::read_again(const regf::FileLock& lock) {
+HiveStore::View FileHive::read_again(const hostfile::FileLock& lock) {
     held_.reset();
-    auto file = regf::read_hive(place_.hive(), lock);
+    auto file = regf::read_hive(place_, lock);
     if (!file) return {win_code(file.error().kind), nullptr};
     held_.emplace(std::move(*file));
     return {success, &held_->hive};
@@ -67,13 +67,13 @@ WinCode FileHive::check_writing() {
 WinCode FileHive::apply(const regf::Change& change) {
     if (const View view = read(); !view.hive) return view.code;
     const bool absent = held_->identity == regf::FileIdentity{};
-    std::optional<regf::FileLock> lock;
+    std::optional<hostfile::FileLock> lock;
     if (!absent) {
-        auto acquired = lock_with_patience(place_.hive(), regf::FileLock::Purpose::work);
+        auto acquired = hostfile::lock_with_patience(place_, hostfile::FileLock::Purpose::work);
         if (!acquired) return win_code(acquired.error().kind);
         lock.emplace(std::move(*acquired));
         // While the lock was waited for, another instance may have put its own changes there.
-        const auto now = regf::identify(place_.hive());
+        const auto now = regf::identify(place_);
         if (!now) return win_code(now.error().kind);
         const View view = *now == held_->identity ? View{success, &held_->hive} : read_again(*lock);
         if (!view.hive) return view.code;
@@ -85,8 +85,8 @@ WinCode FileHive::apply(const regf::Change& change) {
     const regf::HiveFile changed = std::move(*held_);
     held_.reset();
     const regf::FileTime now = regf::current_file_time();
-    const auto written = absent ? regf::write_new(place_.hive(), changed.hive, now)
-                                : regf::commit(place_.hive(), changed.hive, changed.identity, now);
+    const auto written = absent ? regf::write_new(place_, changed.hive, now)
+                                : regf::commit(place_, changed.hive, changed.identity, now);
     return written ? success : win_code(written.error().kind);
 }
 

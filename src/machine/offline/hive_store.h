@@ -10,7 +10,7 @@
 namespace machine {
 
 /// The Windows code for a failure of the hive library.
-WinCode win_code(regf::ErrorKind kind);
+WinCode win_code(base::ErrorKind kind);
 
 /// A hive behind a part of the registry.
 class HiveStore {
@@ -40,7 +40,7 @@ class FileHive : public HiveStore {
     WinCode apply(const regf::Change& change) override;
 
   private:
-    View read_again(const regf::FileLock& lock);
+    View read_again(const hostfile::FileLock& lock);
 
     HostPlace place_;
     Missing missing_;

@@ -6,34 +6,22 @@
 
 #include <array>
 #include <cerrno>
-#include <cstring>
-#include <thread>
 
 #include "base/text.h"
-#include "regf/replacement.h"
+#include "hostfile/replacement.h"
 
 namespace machine {
 
-std::string HostPlace::path() const {
-    std::array<char, 4096> target{};
-    const std::string link = "/proc/self/fd/" + std::to_string(folder.number());
-    const ssize_t size = readlink(link.c_str(), target.data(), target.size());
-    if (size <= 0) return name;
-    std::string above(target.data(), static_cast<size_t>(size));
-    if (name == ".") return above;
-    return above + (above.ends_with('/') ? "" : "/") + name;
-}
-
-FileError file_error(regf::ErrorKind kind) {
+FileError file_error(base::ErrorKind kind) {
     switch (kind) {
-        case regf::ErrorKind::missing:
+        case base::ErrorKind::missing:
             return no_such_file;
-        case regf::ErrorKind::refused:
-        case regf::ErrorKind::in_use:
+        case base::ErrorKind::refused:
+        case base::ErrorKind::in_use:
             return permission_denied;
-        case regf::ErrorKind::no_space:
+        case base::ErrorKind::no_space:
             return device_full;
-        case regf::ErrorKind::invalid:
+        case base::ErrorKind::invalid:
             return bad_file_name;
         default:
             return device_error;
@@ -42,11 +30,11 @@ FileError file_error(regf::ErrorKind kind) {
 
 FileError file_error(int number) {
     if (number == ENOTDIR) return no_such_path;
-    return number == EISDIR ? path_access : file_error(regf::kind_of(number));
+    return number == EISDIR ? path_access : file_error(hostfile::kind_of(number));
 }
 
 FileResult<std::vector<std::string>> names_in(int folder) {
-    auto names = regf::names_in(folder);
+    auto names = hostfile::names_in(folder);
     if (!names) return file_error(names.error().kind);
     return std::move(*names);
 }
@@ -91,7 +79,7 @@ FileResult<Descriptor> open_file(const HostPlace& place, int flags) {
     struct stat status {};
     const bool there = fstatat(place.folder.number(), place.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
     if (there && S_ISDIR(status.st_mode)) return path_access;
-    auto opened = regf::open_regular(place.hive(), flags);
+    auto opened = hostfile::open_regular(place, flags);
     if (!opened) return file_error(opened.error().kind);
     return std::move(opened->file);
 }
@@ -124,35 +112,13 @@ FileError replace_file(const HostPlace& place, const std::function<FileError(int
     if (place.exists) old = open_file(place, O_RDONLY);
     if (!old) return old.error();
     if (old->is_open() && fstat(old->number(), &status) != 0) return file_error(errno);
-    auto beside = regf::Replacement::begin(place.hive(), old->is_open() ? status.st_mode : for_all);
+    auto beside = hostfile::Replacement::begin(place, old->is_open() ? status.st_mode : for_all);
     if (!beside) return file_error(beside.error().kind);
     if (const FileError error = fill(beside->descriptor())) return error;
     if (old->is_open()) (void)beside->take_over(old->number());  // what cannot be kept is passed over
     if (const auto flushed = beside->flush(); !flushed) return file_error(flushed.error().kind);
-    const auto done = beside->put_in_place(regf::Replacement::Target::may_exist);
+    const auto done = beside->put_in_place(hostfile::Replacement::Old::may_exist);
     return done ? no_error : file_error(done.error().kind);
-}
-
-regf::Result<regf::FileLock> lock_with_patience(const regf::FilePlace& place, regf::FileLock::Purpose purpose,
-                                                std::chrono::milliseconds patience) {
-    constexpr auto pause = std::chrono::milliseconds(10);
-    const auto end = std::chrono::steady_clock::now() + patience;
-    for (;;) {
-        auto lock = regf::FileLock::acquire(place, purpose);
-        if (lock || lock.error().kind != regf::ErrorKind::in_use || std::chrono::steady_clock::now() > end)
-            return lock;
-        std::this_thread::sleep_for(pause);
-    }
-}
-
-regf::Result<Done> make_folders(const std::string& path) {
-    for (size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
-        const std::string part = path.substr(0, end);
-        if (mkdir(part.c_str(), 0700) != 0 && errno != EEXIST)
-            return regf::Error{regf::ErrorKind::io,
-                               "cannot make the folder " + part + ": " + strerror(errno)};
-        if (end == std::string::npos) return Done{};
-    }
 }
 
 }  // namespace machine

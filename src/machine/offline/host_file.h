@@ -1,38 +1,27 @@
 #pragma once
 
-#include <chrono>
 #include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "base/result.h"
+#include "hostfile/place.h"
 #include "machine/codes.h"
-#include "regf/file.h"
 
-/// Files of the Linux system underneath, by open folders and names: no path is walked twice, no link is
-/// followed, nothing but regular files and folders is opened.
+/// Files of the Linux system underneath, as the program's calls need them: names without regard to case,
+/// errors as its run-time errors.
 namespace machine {
 
-using regf::Descriptor;
+using hostfile::Descriptor;
+using hostfile::HostPlace;
 
 template <class T>
 using FileResult = BasicResult<T, FileError>;
 
-/// A name in an open folder; "." is the folder itself.
-struct HostPlace {
-    Descriptor folder;
-    std::string name;  ///< as on disk, or as it would be made; UTF-8
-    bool exists = false;
-
-    regf::FilePlace hive() const { return {folder.number(), name}; }
-    /// The full path at this moment, for other programs and for people.
-    std::string path() const;
-};
-
-/// The run-time error for a number of errno, or for a failure of the hive library.
+/// The run-time error for a number of errno, or for an error of the libraries below.
 FileError file_error(int number);
-FileError file_error(regf::ErrorKind kind);
+FileError file_error(base::ErrorKind kind);
 
 /// Names of a folder, in the order of the disk, without "." and "..".
 FileResult<std::vector<std::string>> names_in(int folder);
@@ -56,17 +45,5 @@ FileError write_all(int file, std::string_view bytes);
 /// the old one as far as they can be kept (the content matters more than, say, an index flag), and its name.
 /// The old file or the new one, whole.
 FileError replace_file(const HostPlace& place, const std::function<FileError(int)>& fill);
-
-/// How long a person's hive is waited for.
-constexpr std::chrono::milliseconds a_moment(300);
-
-/// Another instance of the program holds the lock on a hive for some milliseconds, while it reads or commits:
-/// that is waited for, since a refusal would read as if nothing were stored there.
-regf::Result<regf::FileLock> lock_with_patience(
-    const regf::FilePlace& place, regf::FileLock::Purpose purpose,
-    std::chrono::milliseconds patience = std::chrono::milliseconds(2000));
-
-/// Makes a folder and all above it, for this user alone.
-regf::Result<Done> make_folders(const std::string& path);
 
 }  // namespace machine

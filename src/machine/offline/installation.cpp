@@ -9,6 +9,7 @@
 
 #include "base/text.h"
 #include "machine/offline/hive_store.h"
+#include "machine/offline/windows_family.h"
 
 namespace machine {
 
@@ -16,7 +17,7 @@ namespace {
 
 const WindowsPath drive_c{'C', {}};
 
-regf::Error not_served(const std::string& why) { return {regf::ErrorKind::unsupported, why}; }
+base::Error not_served(const std::string& why) { return {base::ErrorKind::unsupported, why}; }
 
 bool is_there(const DriveMap& drives, const std::string& path) {
     const auto place = drives.resolve(path);
@@ -40,12 +41,12 @@ std::optional<std::string> find_windows(const DriveMap& drives) {
     return std::nullopt;
 }
 
-regf::Result<regf::HiveFile> read_hive(const DriveMap& drives, const std::string& path) {
+base::Result<regf::HiveFile> read_hive(const DriveMap& drives, const std::string& path) {
     const auto place = locate_hive(drives, path);
     if (!place) return place.error();
-    const auto lock = lock_with_patience(place->hive(), regf::FileLock::Purpose::look);
+    const auto lock = hostfile::lock_with_patience(*place, hostfile::FileLock::Purpose::look);
     if (!lock) return lock.error();
-    return regf::read_hive(place->hive(), *lock);
+    return regf::read_hive(*place, *lock);
 }
 
 /// A text value; empty where it is missing, of another type, or beyond the code page.
@@ -59,13 +60,6 @@ std::string text_of(const regf::Hive& hive, std::u16string_view key, std::u16str
 
 constexpr std::u16string_view windows_nt_key = u"Microsoft\\Windows NT\\CurrentVersion";
 constexpr std::u16string_view profiles_key = u"Microsoft\\Windows NT\\CurrentVersion\\ProfileList";
-
-struct Family {
-    std::string_view version;
-    const char* name;
-};
-constexpr std::array families = {Family{"4.0", "Windows NT 4"}, Family{"5.0", "Windows 2000"},
-                                 Family{"5.1", "Windows XP"}};
 
 std::string expanded(std::string path, const std::string& windows_directory) {
     for (const auto& [variable, value] : {std::pair<std::string, std::string>("%systemdrive%", "C:"),
@@ -89,7 +83,7 @@ bool hibernates(const DriveMap& drives) {
     return size < 0 || std::any_of(header.begin(), header.end(), [](char c) { return c != '\0'; });
 }
 
-regf::Result<Installation> describe_installation(const DriveMap& drives) {
+base::Result<Installation> describe_installation(const DriveMap& drives) {
     const auto windows = find_windows(drives);
     if (!windows) {
         const bool older =
@@ -102,9 +96,9 @@ regf::Result<Installation> describe_installation(const DriveMap& drives) {
     const auto software = read_hive(drives, *windows + "\\system32\\config\\software");
     if (!software) return software.error();
     const std::string version = text_of(software->hive, windows_nt_key, u"CurrentVersion");
-    const auto* family = std::find_if(families.begin(), families.end(),
-                                      [&](const Family& known) { return known.version == version; });
-    if (family == families.end())
+    const auto* family = std::find_if(windows_families.begin(), windows_families.end(),
+                                      [&](const WindowsFamily& known) { return known.version == version; });
+    if (family == windows_families.end())
         return not_served("only Windows NT 4, 2000 and XP are served, and this is version " +
                           (version.empty() ? "unknown" : text::to_utf8(version)));
 

@@ -23,7 +23,7 @@ bool hibernates(const DriveMap& drives);
 /// Looks at what lies on drive C of the map. The error tells in one line why that folder is not served: no
 /// Windows there, one whose users' settings lie elsewhere (Windows 95, 98, ME, or newer than XP), hibernated,
 /// or a software hive that cannot be read.
-regf::Result<Installation> describe_installation(const DriveMap& drives);
+base::Result<Installation> describe_installation(const DriveMap& drives);
 
 /// The drive letters that the installation has given to its own disks. Bit 0 is A.
 uint32_t mounted_letters(const DriveMap& drives, const Installation& installation);

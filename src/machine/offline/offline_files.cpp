@@ -23,8 +23,10 @@ bool is_boot_options_file(std::string_view path) { return text::equal_ignoring_c
 }  // namespace
 
 bool OfflineFiles::is_in_use(const HostPlace& place) const {
-    const auto lock = regf::FileLock::acquire(place.hive(), regf::FileLock::Purpose::look);
-    return (!lock && lock.error().kind == regf::ErrorKind::in_use) || is_mounted(drives_, mounts_, place);
+    const auto lock = hostfile::FileLock::acquire(place, hostfile::FileLock::Purpose::look);
+    if (!lock && lock.error().kind == base::ErrorKind::in_use) return true;
+    const auto mounted = is_mounted(drives_, mounts_, place);
+    return !mounted || *mounted;  // where that cannot be told it may be
 }
 
 FileError OfflineFiles::check_change(const HostPlace& place) const {
@@ -61,6 +63,7 @@ FileError OfflineFiles::read(std::string_view path, std::string& bytes) {
     }
     const auto file = open_file(*place, O_RDONLY);
     if (!file) return file.error();
+    if (is_in_use(*place)) return permission_denied;
     auto content = read_all(file->number());
     if (!content) return content.error();
     bytes = std::move(*content);
@@ -129,13 +132,13 @@ bool OfflineFiles::is_kept(const Descriptor& folder, char drive) const {
          at = Descriptor(openat(at.number(), "..", O_PATH | O_DIRECTORY | O_CLOEXEC))) {
         struct stat status {};
         if (!at.is_open() || fstat(at.number(), &status) != 0) return true;  // nobody knows what it is
-        if (!upwards.empty() && regf::is_same_file(upwards.back(), status)) break;
+        if (!upwards.empty() && hostfile::is_same_file(upwards.back(), status)) break;
         upwards.push_back(status);
     }
     const auto is = [&](const struct stat& status, const WindowsPath& path) {
         const auto opened = drives_.open_folder(path);
         struct stat other {};
-        return opened && fstat(opened->number(), &other) == 0 && regf::is_same_file(status, other);
+        return opened && fstat(opened->number(), &other) == 0 && hostfile::is_same_file(status, other);
     };
     const auto system = parse_path(system_.system_directory());
     const auto profiles = parse_path(system_.profiles_directory().value_or(""));

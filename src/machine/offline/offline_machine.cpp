@@ -9,33 +9,24 @@ namespace machine {
 
 namespace {
 
-regf::Result<DriveMap> map_drives(const OfflineOptions& options) {
+base::Result<DriveMap> map_drives(const OfflineOptions& options) {
     DriveMap drives;
     for (const auto& [letter, folder] : options.drives) {
         if (const auto added = drives.add_drive(letter, folder); !added) return added.error();
     }
     const auto program = parse_path(options.program_directory);
     if (!program || program->parts.empty())
-        return regf::Error{
-            regf::ErrorKind::invalid,
+        return base::Error{
+            base::ErrorKind::invalid,
             "the program's folder must be a Windows path such as C:\\Program Files\\Brightlock "
             "Suite"};
     if (const auto added = drives.add(*program, options.executables); !added) return added.error();
     return drives;
 }
 
-regf::Result<HostPlace> place_in_folder(const std::string& folder, const std::string& name) {
-    if (const auto made = make_folders(folder); !made) return made.error();
-    Descriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!opened.is_open())
-        return regf::Error{regf::ErrorKind::refused, "the folder " + folder + " cannot be opened"};
-    const bool exists = faccessat(opened.number(), name.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0;
-    return HostPlace{std::move(opened), name, exists};
-}
-
 }  // namespace
 
-regf::Result<std::unique_ptr<OfflineMachine>> OfflineMachine::open(const OfflineOptions& options) {
+base::Result<std::unique_ptr<OfflineMachine>> OfflineMachine::open(const OfflineOptions& options) {
     auto drives = map_drives(options);
     if (!drives) return drives.error();
     auto installation = describe_installation(*drives);
@@ -43,7 +34,8 @@ regf::Result<std::unique_ptr<OfflineMachine>> OfflineMachine::open(const Offline
     auto software = locate_hive(*drives, installation->system_directory + "\\config\\software");
     if (!software) return software.error();
     const std::string state = options.state_folder.empty() ? default_state_folder() : options.state_folder;
-    auto user = place_in_folder(state, "user.hive");
+    if (const auto made = make_state_folder(state); !made) return made.error();
+    auto user = hostfile::place_of(state + "/user.hive");
     if (!user) return user.error();
     return std::unique_ptr<OfflineMachine>(
         new OfflineMachine(std::move(*drives), std::move(*installation), std::move(*software),

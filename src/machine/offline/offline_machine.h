@@ -26,7 +26,7 @@ struct OfflineOptions {
 class OfflineMachine {
   public:
     /// The error is one line for people (UTF-8).
-    static regf::Result<std::unique_ptr<OfflineMachine>> open(const OfflineOptions& options);
+    static base::Result<std::unique_ptr<OfflineMachine>> open(const OfflineOptions& options);
     OfflineMachine(const OfflineMachine&) = delete;
     OfflineMachine& operator=(const OfflineMachine&) = delete;
     ~OfflineMachine() { (void)release(); }  // a failure drops the changes

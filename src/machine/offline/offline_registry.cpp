@@ -31,7 +31,7 @@ HiveStore* OfflineRegistry::mounted(std::string_view name, WinCode& code) {
     const std::string folded = text::lower(name);
     if (const auto open = open_mounts_.find(folded); open != open_mounts_.end()) return open->second.get();
     auto hive = open_mounted(drives_, mounts_, name);
-    auto record = hive ? mounts_.open_sealed(hive->record) : regf::Result<Descriptor>(hive.error());
+    auto record = hive ? mounts_.open_sealed(hive->record) : base::Result<Descriptor>(hive.error());
     if (!record) {
         code = win_code(record.error().kind);
         return nullptr;
@@ -40,101 +40,117 @@ HiveStore* OfflineRegistry::mounted(std::string_view name, WinCode& code) {
     return open_mounts_.emplace(folded, std::move(store)).first->second.get();
 }
 
-OfflineRegistry::Target OfflineRegistry::locate(Root root, std::string_view subkey) {
+OfflineRegistry::Location OfflineRegistry::locate(Root root, std::string_view subkey) {
     const auto split = split_subkey(subkey);
-    Target target;
+    Location location;
     if (!split) {
-        target.code = split.error();
-        return target;
+        location.code = split.error();
+        return location;
     }
     std::span<const std::string_view> levels = *split;
+    location.key = std::to_string(static_cast<uint32_t>(root));
+    for (const std::string_view level : levels)
+        location.key += '\\' + text::lower(level);
     if (root == Root::current_user) {
-        target.store = &user_;
+        location.store = &user_;
     } else if (levels.empty()) {
-        return target;
+        return location;
     } else if (root == Root::users) {
-        target.store = mounted(levels[0], target.code);
+        location.store = mounted(levels[0], location.code);
         levels = levels.subspan(1);
     } else if (text::equal_ignoring_case(levels[0], software)) {
-        target.store = &software_;
+        location.store = &software_;
         levels = levels.subspan(1);
     } else {
-        target.code = file_not_found;
+        location.code = file_not_found;
     }
-    target.at_top = levels.empty();
+    location.at_top = levels.empty();
     for (std::string_view level : levels)
-        target.path.append(target.path.empty() ? u"" : u"\\").append(text::to_utf16(level));
-    return target;
+        location.path.append(location.path.empty() ? u"" : u"\\").append(text::to_utf16(level));
+    return location;
 }
 
-OfflineRegistry::Opened OfflineRegistry::open(const Target& target) {
-    if (!target.store) return {target.code, nullptr, std::nullopt};
-    const HiveStore::View view = target.store->read();
+OfflineRegistry::Opened OfflineRegistry::open(const Location& location) {
+    if (!location.store) return {location.code, nullptr, std::nullopt};
+    const HiveStore::View view = location.store->read();
     if (!view.hive) return {view.code, nullptr, std::nullopt};
-    const auto key = view.hive->find(target.path);
+    const auto key = view.hive->find(location.path);
     return {key ? success : file_not_found, view.hive, key};
 }
 
-WinCode OfflineRegistry::open_for_writing(const Target& target) {
-    const Opened opened = open(target);
-    return opened.key ? target.store->check_writing() : opened.code;
+WinCode OfflineRegistry::open_for_writing(const Location& location) {
+    const Opened opened = open(location);
+    return opened.key ? location.store->check_writing() : opened.code;
+}
+
+void OfflineRegistry::remember_spelling(const Location& location, const Opened& opened) {
+    if (opened.key && !spelling_.knows(location.key))
+        spelling_.remember(location.key, opened.hive->values(*opened.key));
 }
 
 Outcome OfflineRegistry::query(Root root, std::string_view subkey, std::string_view name, RawValue& out) {
-    const Opened opened = open(locate(root, subkey));
+    const Location location = locate(root, subkey);
+    const Opened opened = open(location);
     if (opened.code != success) return refused(opened.code);
     if (!opened.key) return {success, file_not_found};
+    remember_spelling(location, opened);
     const auto value = opened.hive->value(*opened.key, text::to_utf16(text::up_to_nul(name)));
     if (!value) return {success, file_not_found};
-    out = spelling_.to_ansi(*value);
+    out = Spelling::to_ansi(*value);
     return {};
 }
 
 Outcome OfflineRegistry::set(Root root, std::string_view subkey, std::string_view name,
                              const RawValue& value) {
-    Target target = locate(root, subkey);
-    if (const WinCode code = open_for_writing(target); code != success) return refused(code);
-    if (!target.store) return {success, access_denied};
-    const auto stored = spelling_.to_stored(value);
-    if (!stored) return {success, no_such_spelling};
-    return {success, target.store->apply(change(regf::Change::Kind::set_value, std::move(target.path),
-                                                text::up_to_nul(name), *stored))};
+    Location location = locate(root, subkey);
+    if (const WinCode code = open_for_writing(location); code != success) return refused(code);
+    if (!location.store) return {success, access_denied};
+    remember_spelling(location, open(location));
+    const std::string_view plain_name = text::up_to_nul(name);
+    return {success,
+            location.store->apply(change(regf::Change::Kind::set_value, std::move(location.path), plain_name,
+                                         spelling_.to_stored(location.key, plain_name, value)))};
 }
 
 Outcome OfflineRegistry::delete_value(Root root, std::string_view subkey, std::string_view name) {
-    Target target = locate(root, subkey);
-    if (const WinCode code = open_for_writing(target); code != success) return refused(code);
-    if (!target.store) return {success, file_not_found};
-    return {success, target.store->apply(change(regf::Change::Kind::delete_value, std::move(target.path),
-                                                text::up_to_nul(name)))};
+    Location location = locate(root, subkey);
+    if (const WinCode code = open_for_writing(location); code != success) return refused(code);
+    if (!location.store) return {success, file_not_found};
+    remember_spelling(location, open(location));
+    return {success, location.store->apply(change(regf::Change::Kind::delete_value, std::move(location.path),
+                                                  text::up_to_nul(name)))};
 }
 
 Registry::Disposition OfflineRegistry::create_key(Root root, std::string_view subkey) {
-    Target target = locate(root, subkey);
-    if (!target.store) return target.code == success ? Disposition::opened : Disposition::failed;
-    const Opened opened = open(target);
-    if (!opened.hive || target.store->check_writing() != success) return Disposition::failed;
+    Location location = locate(root, subkey);
+    if (!location.store) return location.code == success ? Disposition::opened : Disposition::failed;
+    const Opened opened = open(location);
+    if (!opened.hive || location.store->check_writing() != success) return Disposition::failed;
     if (opened.key) return Disposition::opened;
-    const WinCode code = target.store->apply(change(regf::Change::Kind::create_key, std::move(target.path)));
+    const WinCode code =
+        location.store->apply(change(regf::Change::Kind::create_key, std::move(location.path)));
     return code == success ? Disposition::created : Disposition::failed;
 }
 
 WinCode OfflineRegistry::delete_key(Root root, std::string_view subkey) {
-    Target target = locate(root, subkey);
-    if (const WinCode code = open_for_writing(target); code != success) return code;
-    const Opened opened = open(target);
-    if (!opened.key || target.at_top || !opened.hive->subkeys(*opened.key).empty()) return access_denied;
-    return target.store->apply(change(regf::Change::Kind::delete_key, std::move(target.path)));
+    Location location = locate(root, subkey);
+    if (const WinCode code = open_for_writing(location); code != success) return code;
+    const Opened opened = open(location);
+    if (!opened.key || location.at_top || !opened.hive->subkeys(*opened.key).empty()) return access_denied;
+    remember_spelling(location, opened);
+    spelling_.forget_uses(location.key);
+    return location.store->apply(change(regf::Change::Kind::delete_key, std::move(location.path)));
 }
 
 std::vector<std::string> OfflineRegistry::subkey_names(Root root, std::string_view subkey) {
     std::vector<std::string> names;
-    const Target target = locate(root, subkey);
-    const Opened opened = open(target);
+    const Location location = locate(root, subkey);
+    const Opened opened = open(location);
     if (opened.code != success) return names;
     if (!opened.key) {
         if (root == Root::local_machine) return {std::string(software)};
-        for (const Mount& mount : mounts_.mounts())
+        const auto mounts = mounts_.mounts();
+        for (const Mount& mount : mounts ? *mounts : std::vector<Mount>())
             names.push_back(mount.name);
         return names;
     }
@@ -151,12 +167,18 @@ WinCode OfflineRegistry::enum_key(Root root, std::string_view subkey, uint32_t i
     return more_data;
 }
 
+bool OfflineRegistry::hold(std::string_view name) {
+    WinCode code = success;
+    return mounted(name, code) != nullptr;
+}
+
 WinCode OfflineRegistry::release_mounts() {
     WinCode worst = success;
     for (const auto& [name, hive] : open_mounts_) {
         if (const WinCode code = hive->seal(); code != success) worst = code;
     }
     open_mounts_.clear();
+    spelling_.end_session();
     return worst;
 }
 

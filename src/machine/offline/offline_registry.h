@@ -28,6 +28,8 @@ class OfflineRegistry : public Registry {
     WinCode delete_key(Root root, std::string_view subkey) override;
     WinCode enum_key(Root root, std::string_view subkey, uint32_t index, std::string& name) override;
 
+    /// Takes hold of a mounted hive, so that no other instance can unmount it. False where one has.
+    bool hold(std::string_view name);
     /// Lets go of every mounted hive, its changes sealed: the hive tool may have it next. Not success where a
     /// hive's last changes are lost.
     WinCode release_mounts();
@@ -36,21 +38,24 @@ class OfflineRegistry : public Registry {
 
   private:
     /// Where a subkey lies. No store and success: at one of the roots, which hold keys only.
-    struct Target {
+    struct Location {
         WinCode code = success;
         HiveStore* store = nullptr;
         std::u16string path;  ///< in the hive
         bool at_top = false;  ///< the root key of the hive
+        std::string key;      ///< one name for one key, whatever its spelling
     };
-    Target locate(Root root, std::string_view subkey);
-    /// The key a target stands for, once the hive has been read.
+    Location locate(Root root, std::string_view subkey);
+    /// The key at a location, once the hive has been read.
     struct Opened {
         WinCode code = success;
         const regf::Hive* hive = nullptr;
         std::optional<regf::Key> key;
     };
-    static Opened open(const Target& target);
-    static WinCode open_for_writing(const Target& target);
+    static Opened open(const Location& location);
+    static WinCode open_for_writing(const Location& location);
+    /// Before the first value of a key is read or changed.
+    void remember_spelling(const Location& location, const Opened& opened);
     HiveStore* mounted(std::string_view name, WinCode& code);
     std::vector<std::string> subkey_names(Root root, std::string_view subkey);
 

@@ -9,34 +9,15 @@
 
 #include "base/text.h"
 #include "machine/offline/host_file.h"
+#include "machine/offline/windows_family.h"
+#include "regf_file/hive_file.h"
 
 namespace machine {
 
 namespace {
 
+using base::Result;
 using regf::Hive;
-using regf::Result;
-
-struct Family {
-    const char* windows;
-    const char* profiles;  ///< below the root of the drive
-    const char* profiles_value;
-    const char* version;
-    const char* build;
-    const char* product;
-    uint32_t machine_minor;  ///< of the format of the machine's hives
-};
-
-const Family& family_of(SampleFamily family) {
-    static constexpr std::array families = {
-        Family{"WINNT", "WINNT/Profiles", nullptr, "4.0", "1381", "Microsoft Windows NT", 3},
-        Family{"WINNT", "Documents and Settings", "%SystemDrive%\\Documents and Settings", "5.0", "2195",
-               "Microsoft Windows 2000", 3},
-        Family{"WINDOWS", "Documents and Settings", "%SystemDrive%\\Documents and Settings", "5.1", "2600",
-               "Microsoft Windows XP", 5},
-    };
-    return families.at(static_cast<size_t>(family));
-}
 
 /// A value for a hive; a row without a name makes the key alone.
 struct Row {
@@ -77,13 +58,16 @@ Result<Done> write_hive(const std::string& path, uint32_t minor, const std::u16s
         auto set = hive.set_value(*key, text::to_utf16(row.name), value_of(row), now);
         if (!set) return set;
     }
-    return regf::write_new({AT_FDCWD, path}, hive, now);
+    const auto place = hostfile::place_of(path);
+    if (!place) return place.error();
+    const auto written = regf::write_new(*place, hive, now);
+    return written ? base::Result<Done>(Done{}) : written.error();
 }
 
 Result<Done> write_file(const std::string& path, std::string_view bytes) {
     const Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
     if (!file.is_open() || write_all(file.number(), bytes) != no_error)
-        return regf::Error{regf::ErrorKind::refused, "cannot make " + path + ": " + strerror(errno)};
+        return base::Error{base::ErrorKind::refused, "cannot make " + path + ": " + strerror(errno)};
     return Done{};
 }
 
@@ -131,16 +115,16 @@ constexpr auto windows_nt_key = "Microsoft\\Windows NT\\CurrentVersion";
 constexpr std::array people = {"Administrator", "Anna", "Ben"};
 constexpr std::array nobody = {"All Users", "Default User", "LocalService", "NetworkService"};
 
-Result<Done> make_machine_hives(const std::string& config, const Family& family) {
+Result<Done> make_machine_hives(const std::string& config, const WindowsFamily& family) {
     const std::string windows_nt = windows_nt_key;
     const std::string profile_list = windows_nt + "\\ProfileList";
     std::vector<Row> rows = {
         {windows_nt, "CurrentVersion", family.version},
         {windows_nt, "CurrentBuildNumber", family.build},
         {windows_nt, "ProductName", family.product},
-        {windows_nt, "SystemRoot", std::string("C:\\") + family.windows},
-        {windows_nt, "RegisteredOwner", "Morvane Primary School"},
-        {windows_nt, "RegisteredOrganization", "Computer room"},
+        {windows_nt, "SystemRoot", std::string("C:\\") + family.folder},
+        {windows_nt, "RegisteredOwner", "Computer room"},
+        {windows_nt, "RegisteredOrganization", "Morvane Primary School"},
         {windows_key, "ProgramFilesDir", "C:\\Program Files"},
         {std::string(windows_key) + "\\Uninstall", "", ""},
         {"Policies", "", ""},
@@ -196,18 +180,18 @@ Result<Done> make_user_hive(const std::string& file, const std::string& name,
     return write_hive(file, 3, text::to_utf16(name + "\\NTUSER.DAT"), rows);
 }
 
-Result<Done> make_profiles(const std::string& folder, const Family& family) {
+Result<Done> make_profiles(const std::string& folder, const WindowsFamily& family) {
     std::string windows_base = std::string("C:\\") + family.profiles;
     for (char& c : windows_base)
         if (c == '/') c = '\\';
     const std::string base = folder + "/" + family.profiles;
     for (const char* name : nobody) {
-        if (auto made = make_folders(base + "/" + name + "/Desktop"); !made) return made;
+        if (auto made = hostfile::make_folders(base + "/" + name + "/Desktop"); !made) return made;
     }
     for (const char* name : people) {
         const std::string profile = base + "/" + name;
         for (const char* part : {"/Desktop", "/Start Menu", "/My Documents"}) {
-            if (auto made = make_folders(profile + part); !made) return made;
+            if (auto made = hostfile::make_folders(profile + part); !made) return made;
         }
         if (auto made = make_user_hive(profile + "/NTUSER.DAT", name, windows_base + "\\" + name); !made)
             return made;
@@ -215,21 +199,21 @@ Result<Done> make_profiles(const std::string& folder, const Family& family) {
     return Done{};
 }
 
-Result<Done> make_plain_files(const std::string& folder, const Family& family) {
-    const std::string windows = folder + "/" + family.windows;
+Result<Done> make_plain_files(const std::string& folder, const WindowsFamily& family) {
+    const std::string windows = folder + "/" + family.folder;
     const std::string program_files = folder + "/Program Files";
     const std::string icons = folder + "/School/Icons";
     for (const std::string& made_folder :
          {program_files + "/Accessories", program_files + "/Games", icons, windows + "/Web"}) {
-        if (auto made = make_folders(made_folder); !made) return made;
+        if (auto made = hostfile::make_folders(made_folder); !made) return made;
     }
     struct File {
         std::string path;
         std::string bytes;
     };
     const std::vector<File> files = {
-        {folder + "/MSDOS.SYS", ";FORMAT\r\n[Paths]\r\nWinDir=C:\\" + std::string(family.windows) +
-                                    "\r\n[Options]\r\nBootGUI=1\r\n"},
+        {folder + "/MSDOS.SYS",
+         ";FORMAT\r\n[Paths]\r\nWinDir=C:\\" + std::string(family.folder) + "\r\n[Options]\r\nBootGUI=1\r\n"},
         {windows + "/control.ini", "[don't load]\r\n"},
         {windows + "/Evening.bmp", wallpaper()},
         {windows + "/explorer.exe", "MZ"},
@@ -250,9 +234,9 @@ Result<Done> make_plain_files(const std::string& folder, const Family& family) {
 }  // namespace
 
 Result<Done> make_sample_installation(const std::string& folder, SampleFamily family) {
-    const Family& facts = family_of(family);
-    const std::string config = folder + "/" + facts.windows + "/system32/config";
-    if (auto made = make_folders(config); !made) return made;
+    const WindowsFamily& facts = windows_families.at(static_cast<size_t>(family));
+    const std::string config = folder + "/" + facts.folder + "/system32/config";
+    if (auto made = hostfile::make_folders(config); !made) return made;
     if (auto made = make_machine_hives(config, facts); !made) return made;
     if (auto made = make_profiles(folder, facts); !made) return made;
     return make_plain_files(folder, facts);

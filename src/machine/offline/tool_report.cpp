@@ -8,7 +8,7 @@ namespace machine {
 namespace {
 
 constexpr int no_kind = -1;
-constexpr auto last_kind = static_cast<int>(regf::ErrorKind::invalid);
+constexpr auto last_kind = static_cast<int>(base::ErrorKind::invalid);
 
 }  // namespace
 
@@ -27,7 +27,7 @@ bool decode(std::string_view bytes, ToolReport& report) {
         std::sscanf(line.c_str(), "%d %d %d %d%n", &succeeded, &why, &changed, &lost, &detail_at);
     if (fields != 4 || why < no_kind || why > last_kind) return false;
     report.succeeded = succeeded != 0;
-    report.why = why == no_kind ? std::nullopt : std::optional(static_cast<regf::ErrorKind>(why));
+    report.why = why == no_kind ? std::nullopt : std::optional(static_cast<base::ErrorKind>(why));
     report.changed = changed;
     report.changes_lost = lost != 0;
     report.detail = line.substr(std::min(line.size(), static_cast<size_t>(detail_at) + 1));

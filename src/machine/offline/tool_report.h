@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "regf/error.h"
+#include "base/error.h"
 
 namespace machine {
 
@@ -15,7 +15,7 @@ struct ToolReport {
     Verb verb = Verb::load;
     std::string name;  ///< of the hive below HKEY_USERS, ANSI
     bool succeeded = false;
-    std::optional<regf::ErrorKind> why;  ///< none: it succeeded, or nobody knows (it was killed, say)
+    std::optional<base::ErrorKind> why;  ///< none: it succeeded, or nobody knows (it was killed, say)
     std::string detail;                  ///< one line, English, UTF-8; never empty where it failed
     int changed = 0;                     ///< by an unload: values and keys that now differ in the file
     bool changes_lost = false;           ///< changes to the hive were dropped for good

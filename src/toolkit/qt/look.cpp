@@ -1,8 +1,11 @@
 #include "toolkit/qt/look.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
+#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFont>
+#include <QPainter>
 #include <QPalette>
 #include <QProxyStyle>
 
@@ -11,6 +14,8 @@
 namespace toolkit::qt {
 
 namespace {
+
+constexpr int focus_frame = 2;  // around a list
 
 class Look : public QProxyStyle {
   public:
@@ -30,9 +35,35 @@ class Look : public QProxyStyle {
                 return 0;
             case SH_UnderlineShortcut:
                 return 1;
+            case SH_ComboBox_AllowWheelScrolling:  // scrolling over the window must not choose in passing
+                return widget && widget->hasFocus();
             default:
                 return QProxyStyle::styleHint(hint, option, widget, data);
         }
+    }
+
+    using QProxyStyle::polish;
+    void polish(QWidget* widget) override {
+        QProxyStyle::polish(widget);
+        // The wheel would give a combo box the focus, and then turn it.
+        if (qobject_cast<QComboBox*>(widget)) widget->setFocusPolicy(Qt::StrongFocus);
+    }
+
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override {
+        if (element == CE_ShapedFrame && qobject_cast<const QAbstractItemView*>(widget))
+            return draw_list_frame(*option, *painter);
+        QProxyStyle::drawControl(element, option, painter, widget);
+        if (element != CE_TabBarTabLabel || !(option->state & State_HasFocus)) return;
+        painter->setPen(option->palette.color(QPalette::Highlight));
+        painter->drawRect(option->rect.adjusted(4, 3, -5, -3));
+    }
+
+    QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
+                           const QWidget* widget) const override {
+        const QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
+        // Marks of neighbouring lines must not touch.
+        return type == CT_ItemViewItem ? size + QSize(0, 4) : size;
     }
 
     int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override {
@@ -44,9 +75,22 @@ class Look : public QProxyStyle {
                 return 5;
             case PM_ButtonMargin:
                 return 2;
+            case PM_DefaultFrameWidth:
+                return focus_frame;
             default:
                 return QProxyStyle::pixelMetric(metric, option, widget);
         }
+    }
+
+  private:
+    /// Whole lines of the screen at every scale, and wider and in the colour of the focus where that is.
+    static void draw_list_frame(const QStyleOption& option, QPainter& painter) {
+        const bool focused = option.state & State_HasFocus;
+        const int width = focused ? focus_frame : 1;
+        const QRect inner = option.rect.adjusted(width, width, -width, -width);
+        painter.fillRect(option.rect, option.palette.base());
+        for (const QRect& edge : QRegion(option.rect) - QRegion(inner))
+            painter.fillRect(edge, option.palette.color(focused ? QPalette::Highlight : QPalette::Dark));
     }
 };
 

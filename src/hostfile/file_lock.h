@@ -1,0 +1,34 @@
+#pragma once
+
+#include <chrono>
+
+#include "hostfile/place.h"
+
+namespace hostfile {
+
+/// Holds a file against every other program that asks (flock, exclusive, and a look for POSIX record
+/// locks). Released by the destructor.
+class FileLock {
+  public:
+    /// `in_use`: another program has it, or has put another file there this moment. `missing`, `refused`,
+    /// `io` as they come. Follows no symbolic link, opens regular files only. On a file that may not be
+    /// written it takes the lock all the same. A look shares the file with other looks, so that two programs
+    /// that only ask do not meet.
+    enum class Purpose { work, look };
+    static Result<FileLock> acquire(const HostPlace& place, Purpose purpose = Purpose::work);
+    int descriptor() const { return file_.number(); }
+
+  private:
+    explicit FileLock(Descriptor file) : file_(std::move(file)) {}
+    Descriptor file_;
+};
+
+/// How long a person's hive is waited for.
+constexpr std::chrono::milliseconds a_moment(300);
+
+/// Another instance of the program holds the lock on a hive for some milliseconds, while it reads or commits:
+/// that is waited for, since a refusal would read as if nothing were stored there.
+Result<FileLock> lock_with_patience(const HostPlace& place, FileLock::Purpose purpose,
+                                    std::chrono::milliseconds patience = std::chrono::milliseconds(2000));
+
+}  // namespace hostfile

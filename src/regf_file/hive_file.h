@@ -1,0 +1,62 @@
+#pragma once
+
+#include <functional>
+
+#include "hostfile/file_lock.h"
+#include "hostfile/replacement.h"
+#include "regf/hive.h"
+
+/// Hive files on disk: read with their logs, locked against other programs, replaced in one step.
+namespace regf {
+
+using hostfile::Durability;
+using hostfile::FileLock;
+using hostfile::HostPlace;
+
+/// What the head of a hive file tells of its content. It outlives a reboot and a move to another disk.
+struct HiveStamp {
+    uint64_t size = 0;
+    uint32_t primary_sequence = 0;
+    uint32_t secondary_sequence = 0;
+    uint32_t checksum = 0;
+    bool operator==(const HiveStamp&) const = default;
+};
+
+/// What tells one state of a hive file from the next, while the system runs.
+struct FileIdentity {
+    uint64_t device = 0;
+    uint64_t inode = 0;
+    int64_t modified_ns = 0;
+    HiveStamp stamp;
+    bool operator==(const FileIdentity&) const = default;
+};
+
+struct HiveFile {
+    Hive hive;
+    FileIdentity identity;  ///< of the file as it was read
+};
+
+/// Reads a hive with its logs (found beside it without regard to case) while `lock` holds it. Whether its
+/// system hibernates, and must not be written to, the hive cannot tell.
+Result<HiveFile> read_hive(const HostPlace& place, const FileLock& lock);
+
+/// The identity of the file now.
+Result<FileIdentity> identify(const HostPlace& place);
+
+/// Writes the sealed image of `hive` in place of the file that `identity` tells of: beside it, flushed, read
+/// back and compared, renamed over it, the folder flushed. What Replacement::take_over() takes over goes
+/// along; where something cannot be kept, `refused` and the old file stays. `changed` if the file is another
+/// one by now. A hive in which nothing differs is not written, recovered or not. `announce` is told what the
+/// file is about to become.
+using Announce = std::function<void(const HiveStamp&)>;
+Result<Durability> commit(const HostPlace& place, const Hive& hive, const FileIdentity& identity,
+                          FileTime now, const Announce& announce = {});
+
+/// What commit() needs of the disk, tried out: a file beside this one that takes over all that is to be kept.
+/// Nothing is left of it. `refused` for a file with a second name, which would keep the old content.
+Result<Done> try_replacing(const HostPlace& place);
+
+/// Writes a new hive file; `refused` if there is one already.
+Result<Durability> write_new(const HostPlace& place, const Hive& hive, FileTime now);
+
+}  // namespace regf
