@@ -48,6 +48,6 @@ function(brightlock_test name)
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
     target_link_libraries(${name} PRIVATE ${T_LINK} GTest::gmock GTest::gtest_main brightlock_options)
     target_compile_definitions(${name} PRIVATE
-        SAMPLE_HIVES="${PROJECT_SOURCE_DIR}/../shared/hives" PROGRAM_FOLDER="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+        PROGRAM_FOLDER="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
     gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600 LABELS "${T_LABELS}")
 endfunction()

@@ -131,6 +131,23 @@ TEST_F(HiveFiles, ChangedMeanwhileAreLeftAlone) {
     EXPECT_EQ(files(), "user.dat ");
 }
 
+TEST_F(HiveFiles, ThatReadBackOtherwiseThanTheyWereWrittenStayOld) {
+    fail_system_call = [&](const std::string& call) {
+        for (const auto& entry : fs::directory_iterator(folder.path())) {
+            if (call != "fsync" || entry.path() == place.path()) continue;
+            Bytes written = read_file(entry.path());
+            written[written.size() / 2] ^= 1;
+            write_file(entry.path(), written);
+        }
+        return 0;
+    };
+    const auto result = change_file();
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.error().kind, ErrorKind::io);
+    EXPECT_TRUE(read_file(place.path()) == old_image);
+    EXPECT_EQ(files(), "user.dat ");
+}
+
 TEST_F(HiveFiles, AreReplacedInSpiteOfWhatLiesBeside) {
     const auto be_killed_at = [&](const std::string& doomed) {
         (void)in_child([&] {
