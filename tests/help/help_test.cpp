@@ -32,7 +32,7 @@ std::string page(int topic, int language) {
     for (QWidget* window : QApplication::topLevelWidgets()) {
         auto* const pages = window->findChild<QTextBrowser*>();
         if (!pages) continue;
-        std::string text = pages->toPlainText().toStdString();
+        std::string text = pages->toPlainText().replace(" \n", "\n").toStdString();
         delete window;  // the next may speak another language
         return text;
     }
@@ -40,6 +40,7 @@ std::string page(int topic, int language) {
 }
 
 TEST(HelpViewer, ExplainsEachBoxOnItsPageByItsCaption) {
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     static char name[] = "test";
     char* arguments[] = {name, nullptr};
     int count = 1;
@@ -53,8 +54,8 @@ TEST(HelpViewer, ExplainsEachBoxOnItsPageByItsCaption) {
             const std::string text = page(9 + row.page, language);
             EXPECT_NE(text.find(text::to_utf8(pick(row.caption, language)) + "\n"), std::string::npos)
                 << row.index;
-            if (!row.value_name) continue;
-            EXPECT_NE(text.find(row.value_name), std::string::npos) << row.index;
+            const std::string value = row.value_name ? row.value_name : "MSDOS.SYS";
+            EXPECT_NE(text.find(value), std::string::npos) << row.index;
         }
     }
 }
