@@ -1,6 +1,7 @@
 #pragma once
 
-/// GoogleTest's way to hold back a thread until it may start, for a standard library without mutexes. No test here starts one.
+/// GoogleTest's way to hold back a thread until it may start, for a standard library without mutexes. No test
+/// here starts one.
 namespace testing::internal {
 class Notification {
   public:
