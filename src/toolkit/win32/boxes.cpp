@@ -40,8 +40,8 @@ struct Choice {
     Answer answer;
 };
 constexpr Choice choices[] = {
-    {IDOK, Word::ok, Answer::ok},       {IDYES, Word::yes, Answer::yes},
-    {IDNO, Word::no, Answer::no},       {IDABORT, Word::abort, Answer::abort},
+    {IDOK, Word::ok, Answer::ok},          {IDYES, Word::yes, Answer::yes},
+    {IDNO, Word::no, Answer::no},          {IDABORT, Word::abort, Answer::abort},
     {IDRETRY, Word::retry, Answer::retry}, {IDIGNORE, Word::ignore, Answer::ignore},
 };
 
@@ -133,8 +133,8 @@ class LineDialog {
             WORD none[3] = {};  // menu, class, title
         } empty;
         empty.head.style = WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME;
-        const INT_PTR ended = DialogBoxIndirectParamA(GetModuleHandleA(nullptr), &empty.head, owner, &procedure,
-                                                      reinterpret_cast<LPARAM>(this));
+        const INT_PTR ended = DialogBoxIndirectParamA(GetModuleHandleA(nullptr), &empty.head, owner,
+                                                      &procedure, reinterpret_cast<LPARAM>(this));
         return ended == IDOK ? line_ : std::string();
     }
 

@@ -18,9 +18,7 @@ class ListOnlyCombo : public Shown<C> {
         : Shown<C>(control, parent,
                    {"COMBOBOX", CBS_DROPDOWNLIST | CBS_OWNERDRAWFIXED | CBS_HASSTRINGS | WS_VSCROLL}) {}
 
-    bool wants_key(WPARAM key) const override {
-        return (key == VK_RETURN || key == VK_ESCAPE) && is_open();
-    }
+    bool wants_key(WPARAM key) const override { return (key == VK_RETURN || key == VK_ESCAPE) && is_open(); }
 
   protected:
     virtual void choose(int row) = 0;
@@ -127,8 +125,7 @@ class ListOnlyCombo : public Shown<C> {
         SetTextColor(item.hDC, GetSysColor(letters));
         RECT place = item.rcItem;
         place.left += 2;
-        DrawTextA(item.hDC, text_of_item(item).c_str(), -1, &place,
-                  DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
+        DrawTextA(item.hDC, text_of_item(item).c_str(), -1, &place, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
         if (item.itemState & ODS_FOCUS) DrawFocusRect(item.hDC, &item.rcItem);
     }
 

@@ -17,15 +17,14 @@ constexpr int wheel_lines = 1;
 /// The group's header above a dark column of pictures with their captions.
 class ListBarWidget : public Drawn<ListBar> {
   public:
-    ListBarWidget(ListBar& control, HWND parent)
-        : Drawn(control, parent, WS_VSCROLL, WS_EX_CLIENTEDGE) {}
+    ListBarWidget(ListBar& control, HWND parent) : Drawn(control, parent, WS_VSCROLL, WS_EX_CLIENTEDGE) {}
 
     bool wants_key(WPARAM key) const override { return key == VK_RETURN; }
 
   private:
-    int scrolled_ = 0;   // pixels
-    int current_ = -1;   // where the keys are
-    int marked_ = -1;    // as last shown
+    int scrolled_ = 0;  // pixels
+    int current_ = -1;  // where the keys are
+    int marked_ = -1;   // as last shown
     int pressed_ = -1;
 
     int count() const { return static_cast<int>(control_.items().size()); }
@@ -150,8 +149,8 @@ class ListBarWidget : public Drawn<ListBar> {
                 on_scroll(message.w);
                 return 0;
             case WM_MOUSEWHEEL:
-                scroll_to(scrolled_ - static_cast<short>(HIWORD(message.w)) / WHEEL_DELTA * wheel_lines *
-                                          item_height());
+                scroll_to(scrolled_ -
+                          static_cast<short>(HIWORD(message.w)) / WHEEL_DELTA * wheel_lines * item_height());
                 return 0;
             case WM_SETFOCUS:
             case WM_KILLFOCUS:

@@ -17,8 +17,9 @@ template <class C>
 class LineList : public Shown<C> {
   public:
     LineList(C& control, HWND parent, DWORD style = 0)
-        : Shown<C>(control, parent,
-                   {"LISTBOX", style | LBS_HASSTRINGS | LBS_NOINTEGRALHEIGHT | WS_VSCROLL, WS_EX_CLIENTEDGE}) {}
+        : Shown<C>(
+              control, parent,
+              {"LISTBOX", style | LBS_HASSTRINGS | LBS_NOINTEGRALHEIGHT | WS_VSCROLL, WS_EX_CLIENTEDGE}) {}
 
   protected:
     virtual void on_click(int) {}  ///< by mouse, the same line again included
@@ -168,7 +169,9 @@ class DirListWidget : public LineList<DirListBox> {
     }
 
     void on_open(int row) override {
-        act([this, row] { row < depth() ? control_.open_ancestor(row) : control_.open_folder(row - depth()); });
+        act([this, row] {
+            row < depth() ? control_.open_ancestor(row) : control_.open_folder(row - depth());
+        });
     }
 
     std::optional<LRESULT> on_notification(const Message& message) override {
@@ -255,7 +258,8 @@ class ListViewWidget : public Shown<ListView> {
         if (before == 0 || now == 0 || before == now) return {};
         const auto row = static_cast<size_t>(news.iItem);
         act([this, row] { control_.click_row(row); });
-        set_state(row, LVIS_FOCUSED | LVIS_SELECTED, LVIS_FOCUSED | LVIS_SELECTED);  // where the next key goes
+        set_state(row, LVIS_FOCUSED | LVIS_SELECTED,
+                  LVIS_FOCUSED | LVIS_SELECTED);  // where the next key goes
         return {};
     }
 };

@@ -93,10 +93,12 @@ namespace {
 
 void draw(HDC dc, const Shape& shape, const RECT& square) {
     const auto x = [&](float at) {
-        return square.left + static_cast<int>(at * static_cast<float>(width_of(square)) / drawing_units + 0.5F);
+        return square.left +
+               static_cast<int>(at * static_cast<float>(width_of(square)) / drawing_units + 0.5F);
     };
     const auto y = [&](float at) {
-        return square.top + static_cast<int>(at * static_cast<float>(height_of(square)) / drawing_units + 0.5F);
+        return square.top +
+               static_cast<int>(at * static_cast<float>(height_of(square)) / drawing_units + 0.5F);
     };
     const auto& at = shape.points;
     if (shape.kind == Shape::Kind::polygon) {

@@ -85,8 +85,7 @@ class CheckBoxWidget : public Shown<CheckBox> {
 /// over would show through.
 class FrameWidget : public Drawn<Frame> {
   public:
-    FrameWidget(Frame& control, HWND parent)
-        : Drawn(control, parent, WS_CLIPCHILDREN) {}
+    FrameWidget(Frame& control, HWND parent) : Drawn(control, parent, WS_CLIPCHILDREN) {}
 
   private:
     static constexpr int caption_left = 8;

@@ -10,7 +10,9 @@ namespace {
 class TabWidget : public Shown<TabContainer> {
   public:
     TabWidget(TabContainer& control, HWND parent)
-        : Shown(control, parent, {WC_TABCONTROLA, WS_CLIPCHILDREN}) {}
+        : Shown(control, parent, {WC_TABCONTROLA, WS_CLIPCHILDREN}) {
+        send(TCM_SETMINTABWIDTH, 0, 0);  // nine tabs stand beside each other
+    }
 
   private:
     std::vector<std::string> captions_;

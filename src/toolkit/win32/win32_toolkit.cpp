@@ -76,7 +76,9 @@ std::string Win32Toolkit::ask_file(const FileDialog& dialog) {
 
 void Win32Toolkit::beep() { MessageBeep(MB_OK); }
 
-bool Win32Toolkit::can_show_picture(std::string_view bytes) { return static_cast<bool>(win32::Picture(bytes)); }
+bool Win32Toolkit::can_show_picture(std::string_view bytes) {
+    return static_cast<bool>(win32::Picture(bytes));
+}
 
 // --- events
 

@@ -83,8 +83,8 @@ void register_form_class(WNDPROC procedure) {
 Window::Window(Form& form) : form_(form), handle_(nullptr), menu_bar_(form) {
     register_form_class(&procedure);
     register_drawn_class();
-    handle_ = CreateWindowExA(0, form_class, "", form_style, CW_USEDEFAULT, CW_USEDEFAULT,
-                              0, 0, nullptr, nullptr, GetModuleHandleA(nullptr), nullptr);
+    handle_ = CreateWindowExA(0, form_class, "", form_style, CW_USEDEFAULT, CW_USEDEFAULT, 0, 0, nullptr,
+                              nullptr, GetModuleHandleA(nullptr), nullptr);
     SetWindowLongA(handle_, GWL_USERDATA, reinterpret_cast<LONG>(this));
     form.peer = this;
     make_controls();
@@ -187,7 +187,8 @@ void Window::show_pointer() const {
     GetCursorPos(&at);
     HWND const below = WindowFromPoint(at);
     if (below && around(below) == this)
-        SendMessageA(below, WM_SETCURSOR, reinterpret_cast<WPARAM>(below), MAKELPARAM(HTCLIENT, WM_MOUSEMOVE));
+        SendMessageA(below, WM_SETCURSOR, reinterpret_cast<WPARAM>(below),
+                     MAKELPARAM(HTCLIENT, WM_MOUSEMOVE));
 }
 
 /// Over the window that is active, else in the middle of the desktop.
@@ -280,9 +281,7 @@ void Window::settle_keyboard() {
     show_default_button();
 }
 
-bool Window::is_waiting() const {
-    return keyboard_ && !keyboard_->usable() && form_.toolkit().busy();
-}
+bool Window::is_waiting() const { return keyboard_ && !keyboard_->usable() && form_.toolkit().busy(); }
 
 bool Window::takes_key(const MSG& message) {
     switch (message.message) {
@@ -301,7 +300,8 @@ bool Window::takes_key(const MSG& message) {
 }
 
 bool Window::takes_key_down(WPARAM key) {
-    const bool at_button = keyboard_ && (keyboard_->kind() == Kind::button || keyboard_->kind() == Kind::check_box);
+    const bool at_button =
+        keyboard_ && (keyboard_->kind() == Kind::button || keyboard_->kind() == Kind::check_box);
     switch (key) {
         case VK_TAB:
             step(GetKeyState(VK_SHIFT) < 0 ? Step::back : Step::forward);
