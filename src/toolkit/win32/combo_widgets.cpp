@@ -59,8 +59,13 @@ class ListOnlyCombo : public Shown<C> {
         switch (message.id) {
             case WM_KEYDOWN:
                 return moves(message.w) || wants_key(message.w) ? on_move(message) : 0;
-            case WM_MOUSEWHEEL:
-                return on_move(message);
+            case WM_MOUSEWHEEL:  // newer systems turn it over what has no keyboard
+                return GetFocus() == this->handle() ? on_move(message) : 0;
+            case WM_GETTEXTLENGTH:  // for whoever reads the screen aloud
+                return static_cast<LRESULT>(text_.size());
+            case WM_GETTEXT:
+                lstrcpynA(reinterpret_cast<char*>(message.l), text_.c_str(), static_cast<int>(message.w));
+                return lstrlenA(reinterpret_cast<const char*>(message.l));
             case WM_CHAR:
                 return 0;  // Windows would look for a typed letter in the list and choose what it finds
             case list_closed:

@@ -11,7 +11,7 @@ class TabWidget : public Shown<TabContainer> {
   public:
     TabWidget(TabContainer& control, HWND parent)
         : Shown(control, parent, {WC_TABCONTROLA, WS_CLIPCHILDREN}) {
-        send(TCM_SETMINTABWIDTH, 0, 0);  // nine tabs stand beside each other
+        send(TCM_SETMINTABWIDTH);  // nine tabs stand beside each other
     }
 
   private:
