@@ -6,7 +6,7 @@ namespace text {
 
 namespace {
 
-/// One class of a pattern, `at` behind its bracket; moves `at` behind the closing one.
+/// One class of a pattern, `at` after its bracket; moves `at` past the closing one.
 bool in_class(char c, std::string_view pattern, size_t& at) {
     const size_t end = pattern.find(']', at);
     if (end == std::string_view::npos) throw RuntimeError(93);  // a pattern that nobody can fulfil

@@ -1,5 +1,6 @@
 #include "hostfile/replacement.h"
 
+#include <linux/fs.h>
 #include <linux/limits.h>
 #include <linux/msdos_fs.h>
 #include <sys/file.h>
@@ -37,6 +38,16 @@ std::optional<std::string> attribute(int file, const std::string& name) {
 
 }  // namespace
 
+namespace {
+
+/// A file made there could never be removed or renamed.
+bool is_marked_unchangeable(int folder) {
+    int flags = 0;
+    return ioctl(folder, FS_IOC_GETFLAGS, &flags) == 0 && (flags & (FS_APPEND_FL | FS_IMMUTABLE_FL)) != 0;
+}
+
+}  // namespace
+
 std::optional<DosAttributes> dos_attributes(int file) {
     uint32_t bits = 0;
     if (fgetxattr(file, ntfs_attributes, &bits, sizeof bits) == sizeof bits)
@@ -57,6 +68,8 @@ Result<Replacement> Replacement::begin(const HostPlace& place, mode_t mode) {
     Replacement made({place.folder.duplicate(), place.name});
     const int at = made.place_.folder.number();
     if (at < 0) return system_error(place.name, "its folder cannot be opened");
+    if (is_marked_unchangeable(at))
+        return Error{ErrorKind::refused, place.name + ": its folder takes new files and lets none go"};
     const std::string prefix = temporary_prefix(place.name);
     made.remove_leftovers(prefix);
     // Whoever may write the folder can have put something else under any of these names.
@@ -167,15 +180,15 @@ int Replacement::rename(Old old) const {
     return renameat(at, temporary_.c_str(), at, name);
 }
 
-Result<Done> Replacement::put_in_place(Old old) {
+Result<Durability> Replacement::put_in_place(Old old) {
     if (attempt("rename", [&] { return rename(old); }) != 0) {
         if (errno == EEXIST) return Error{ErrorKind::refused, place_.name + ": is there already"};
         return system_error(place_.name, "cannot be replaced");
     }
     file_ = Descriptor();
     // The new file is there, whole; that the folder's entry outlives a power cut some drivers cannot promise.
-    (void)attempt("fsync", [&] { return fsync(place_.folder.number()); });
-    return Done{};
+    const bool flushed = attempt("fsync", [&] { return fsync(place_.folder.number()); }) == 0;
+    return flushed ? Durability::flushed : Durability::uncertain;
 }
 
 }  // namespace hostfile

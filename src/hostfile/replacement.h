@@ -18,6 +18,9 @@ std::optional<DosAttributes> dos_attributes(int file);
 /// False: errno tells why.
 bool set_dos_attributes(int file, const DosAttributes& attributes);
 
+/// Whether a power cut can bring the old file back: not where the folder was flushed as well.
+enum class Durability { flushed, uncertain };
+
 /// A file that is written beside another one and takes its place in one step; until then nothing is changed,
 /// and nothing is left if it does not come to that. What a killed run left is removed by the next replacement
 /// of the same file.
@@ -38,7 +41,7 @@ class Replacement {
     Result<Done> flush() const;
     /// A new file in the place of one that is there: `refused`, where the file system can tell in one step.
     enum class Old { may_exist, must_be_new };
-    Result<Done> put_in_place(Old old);
+    Result<Durability> put_in_place(Old old);
 
   private:
     explicit Replacement(HostPlace place) : place_(std::move(place)) {}

@@ -17,7 +17,6 @@ constexpr WinCode more_data = 234;
 constexpr WinCode no_more_items = 259;
 constexpr WinCode registry_corrupt = 1015;
 constexpr WinCode registry_io_failed = 1016;
-constexpr WinCode no_such_spelling = 1113;  ///< a text whose letters the code page does not tell apart
 
 /// What a process that still runs answers for its exit code.
 constexpr uint32_t still_active = 259;

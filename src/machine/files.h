@@ -43,7 +43,8 @@ class Files {
     /// folder, the empty path, or what may not be opened or made. no_such_path.
     virtual Measured open_binary(std::string_view path) = 0;
 
-    /// A missing `C:\MSDOS.SYS` of an installation that is not running reads as empty, and takes attributes.
+    /// permission_denied where another program holds the file. A missing `C:\MSDOS.SYS` of an installation
+    /// that is not running reads as empty, and takes attributes.
     virtual FileError read(std::string_view path, std::string& bytes) = 0;
     /// The old content or the new one, whole, whatever happens.
     virtual FileError write(std::string_view path, std::string_view bytes) = 0;
@@ -55,10 +56,9 @@ class Files {
     virtual FileError set_attributes(std::string_view path, uint32_t attributes) = 0;
 
     /// What FindFirstFileA and its followers give for a path whose last part may hold `*` and `?`; sorted
-    /// without case;
-    /// "." and ".." are left out, but where they would fit ("*" in any folder but a root) an empty folder
-    /// gives an empty list. None where the folder is missing, cannot be entered, or nothing fits (an invalid
-    /// handle).
+    /// without case; "." and ".." are left out, but where they would fit ("*") an empty folder, or an empty
+    /// drive, gives an empty list. None where the folder or the drive is missing, cannot be entered, or
+    /// nothing fits (an invalid handle).
     virtual std::optional<std::vector<FoundFile>> find(std::string_view pattern) = 0;
 
     /// A folder and all below it; links in it are removed, never followed. A drive's root, the Windows,

@@ -156,9 +156,7 @@ bool fits(std::string_view name, std::string_view pattern) {
 
 std::optional<std::vector<FoundFile>> search_result(const SearchPattern& pattern,
                                                     std::vector<FoundFile> found) {
-    const bool dots_fit =
-        !pattern.folder.parts.empty() && (fits(".", pattern.names) || fits("..", pattern.names));
-    if (found.empty() && !dots_fit) return std::nullopt;
+    if (found.empty() && !fits(".", pattern.names) && !fits("..", pattern.names)) return std::nullopt;
     std::sort(found.begin(), found.end(), [](const FoundFile& a, const FoundFile& b) {
         return text::less_ignoring_case(a.name, b.name);
     });

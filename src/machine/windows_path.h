@@ -43,7 +43,7 @@ BasicResult<SearchPattern, FileError> parse_pattern(std::string_view pattern);
 bool fits(std::string_view name, std::string_view pattern);
 
 /// What a search answers that has looked through its folder: sorted without case; none where not even "."
-/// and "..", which every folder but a root holds, fit.
+/// and ".." fit. A root holds neither, but is a folder all the same: an empty drive is there.
 std::optional<std::vector<FoundFile>> search_result(const SearchPattern& pattern,
                                                     std::vector<FoundFile> found);
 

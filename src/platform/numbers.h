@@ -14,7 +14,7 @@ double leading_number(std::string_view text);
 /// Rounds half to even. RuntimeError 6 outside the 32 bits.
 int32_t to_long(double number);
 
-/// Digits behind one blank for 0 and above ("  0" never: " 0"), behind a minus sign below. The value names
+/// Digits after one blank for 0 and above (" 0"), after a minus sign below. The value names
 /// under RestrictRun and DisallowCpl are made so, by writer and reader.
 std::string number_text(int32_t number);
 

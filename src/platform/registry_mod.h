@@ -35,7 +35,7 @@ class REGISTRY_MOD {
 
     /// A text without surrounding blanks and its closing NUL; a number as its digits.
     std::string reg_read_string(Root root, std::string_view subkey, std::string_view name);
-    /// As stored: behind a text still stand its closing NUL and one blank.
+    /// As stored: after a text still stand its closing NUL and one blank.
     std::string reg_read_value(Root root, std::string_view subkey, std::string_view name);
     /// Writers never create a key: they give the error of opening it (2 where it is missing, 5 without the
     /// right), and 0 also when the write itself failed.

@@ -94,12 +94,16 @@ std::optional<std::vector<Page>> old_pages(const Bytes& log) {
 
 std::optional<Bytes> replay_old(const Bytes& primary, const std::vector<Log>& logs) {
     const bool sound = has_right_checksum(primary);
-    const uint64_t written =
-        get64(primary, sound ? base_block::last_written : base_block_size + bin::timestamp);
+    // In a broken base block any field may be the broken one; the first bin has the same time.
+    const auto is_of_this_write = [&](const Bytes& log) {
+        const uint64_t written = get64(log, base_block::last_written);
+        return written == get64(primary, base_block::last_written) ||
+               (!sound && written == get64(primary, base_block_size + bin::timestamp));
+    };
     const Bytes* best = nullptr;
     for (const Log& log : logs) {
         if (!has_log_header(log.bytes) || get32(log.bytes, base_block::type) == new_format) continue;
-        if (get64(log.bytes, base_block::last_written) != written || !old_pages(log.bytes)) continue;
+        if (!is_of_this_write(log.bytes) || !old_pages(log.bytes)) continue;
         if (!best || primary_sequence(log.bytes) > primary_sequence(*best)) best = &log.bytes;
     }
     if (!best) return std::nullopt;
@@ -122,26 +126,6 @@ std::optional<Bytes> replay_old(const Bytes& primary, const std::vector<Log>& lo
 
 // --- the format from Windows 8.1 on: a run of entries, each with its hashes
 
-uint32_t rotate_left(uint32_t value, int by) { return value << by | value >> (32 - by); }
-
-uint64_t marvin32(ByteView bytes) {
-    uint32_t high = 0x82EF4D88;
-    uint32_t low = 0x7A4E55C5;
-    auto mix = [&](uint32_t value) {
-        low += value;
-        high ^= low;
-        low = rotate_left(low, 20) + high;
-        high = rotate_left(high, 9) ^ low;
-        low = rotate_left(low, 27) + high;
-        high = rotate_left(high, 19);
-    };
-    for (size_t at = 0; at + 4 <= bytes.size(); at += 4)
-        mix(get32(bytes, at));
-    mix(0x80);
-    mix(0);
-    return uint64_t{high} << 32 | low;
-}
-
 struct Entry {
     uint32_t sequence;
     uint32_t flags;
@@ -163,8 +147,8 @@ std::optional<Entry> read_entry(ByteView rest, uint32_t sequence) {
     if (entry.sequence != sequence || !sized || count == 0 || count > (size - header) / 8)
         return std::nullopt;
     const ByteView whole = rest.first(size);
-    if (get64(rest, 24) != marvin32(whole.subspan(header)) ||
-        get64(rest, 32) != marvin32(whole.first(hashed_header))) {
+    if (get64(rest, 24) != log_entry_hash(whole.subspan(header)) ||
+        get64(rest, 32) != log_entry_hash(whole.first(hashed_header))) {
         return std::nullopt;
     }
     size_t content = header + 8 * count;
@@ -231,6 +215,30 @@ std::optional<Bytes> replay_new(const Bytes& primary, const std::vector<Log>& lo
 }
 
 }  // namespace
+
+namespace {
+
+uint32_t rotate_left(uint32_t value, int by) { return value << by | value >> (32 - by); }
+
+}  // namespace
+
+uint64_t log_entry_hash(ByteView bytes) {
+    uint32_t high = 0x82EF4D88;
+    uint32_t low = 0x7A4E55C5;
+    auto mix = [&](uint32_t value) {
+        low += value;
+        high ^= low;
+        low = rotate_left(low, 20) + high;
+        high = rotate_left(high, 9) ^ low;
+        low = rotate_left(low, 27) + high;
+        high = rotate_left(high, 19);
+    };
+    for (size_t at = 0; at + 4 <= bytes.size(); at += 4)
+        mix(get32(bytes, at));
+    mix(0x80);
+    mix(0);
+    return uint64_t{high} << 32 | low;
+}
 
 bool is_clean(ByteView image) {
     return image.size() >= base_block_size && has_signature(image, "regf") && has_right_checksum(image) &&

@@ -13,4 +13,7 @@ bool is_clean(ByteView image);
 /// `dirty` where no log fits.
 Result<Bytes> recover(const Bytes& image, const std::vector<Log>& logs);
 
+/// The hash in the entries of the later log format (Marvin32 with the seed that Windows uses).
+uint64_t log_entry_hash(ByteView bytes);
+
 }  // namespace regf

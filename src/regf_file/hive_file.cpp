@@ -129,36 +129,53 @@ Result<Done> fill(const Replacement& replacement, const Bytes& image, const std:
     return Done{};
 }
 
+/// The file, where one may be put in its place.
+Result<OpenFile> open_to_replace(const HostPlace& place) {
+    auto old = open_regular(place, O_RDONLY);
+    if (!old) return old.error();
+    if (old->status.st_nlink > 1)
+        return Error{ErrorKind::refused,
+                     place.name + ": has a second name, which would keep the old content"};
+    const auto may_write = [&] {
+        return faccessat(place.folder.number(), place.name.c_str(), W_OK, AT_EACCESS);
+    };
+    if (attempt("access", may_write) != 0) return system_error(place.name, "may not be written");
+    return old;
+}
+
 }  // namespace
 
-Result<Done> commit(const HostPlace& place, const Hive& hive, const FileIdentity& identity, FileTime now,
-                    const Announce& announce) {
-    if (hive.changes().empty() && !hive.recovered()) return Done{};
+Result<Durability> commit(const HostPlace& place, const Hive& hive, const FileIdentity& identity,
+                          FileTime now, const Announce& announce) {
+    if (hive.changes().empty()) return Durability::flushed;
     const auto sealed = hive.sealed_image(now);
     if (!sealed) return sealed.error();
-    const auto old = open_regular(place, O_RDONLY);
+    const auto old = open_to_replace(place);
     if (!old) return old.error();
     const auto present = identify_open(*old, place.name);
     if (!present) return present.error();
     if (*present != identity)
         return Error{ErrorKind::changed, place.name + ": was changed by another program meanwhile"};
-    const auto may_write = [&] {
-        return faccessat(place.folder.number(), place.name.c_str(), W_OK, AT_EACCESS);
-    };
-    if (attempt("access", may_write) != 0) return system_error(place.name, "may not be written");
     auto replacement = Replacement::begin(place, old->status.st_mode);
     if (!replacement) return replacement.error();
-    if (auto filled = fill(*replacement, *sealed, place.name, &*old); !filled) return filled;
+    if (auto filled = fill(*replacement, *sealed, place.name, &*old); !filled) return filled.error();
     if (announce) announce(stamp_of(sealed->size(), *sealed));
     return replacement->put_in_place(Replacement::Old::may_exist);
 }
 
-Result<Done> write_new(const HostPlace& place, const Hive& hive, FileTime now) {
+Result<Done> try_replacing(const HostPlace& place) {
+    const auto old = open_to_replace(place);
+    if (!old) return old.error();
+    const auto replacement = Replacement::begin(place, old->status.st_mode);
+    return replacement ? replacement->take_over(old->file.number()) : Result<Done>(replacement.error());
+}
+
+Result<Durability> write_new(const HostPlace& place, const Hive& hive, FileTime now) {
     const auto sealed = hive.sealed_image(now);
     if (!sealed) return sealed.error();
     auto replacement = Replacement::begin(place, 0600);
     if (!replacement) return replacement.error();
-    if (auto filled = fill(*replacement, *sealed, place.name, nullptr); !filled) return filled;
+    if (auto filled = fill(*replacement, *sealed, place.name, nullptr); !filled) return filled.error();
     return replacement->put_in_place(Replacement::Old::must_be_new);
 }
 

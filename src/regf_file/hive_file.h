@@ -3,11 +3,13 @@
 #include <functional>
 
 #include "hostfile/file_lock.h"
+#include "hostfile/replacement.h"
 #include "regf/hive.h"
 
 /// Hive files on disk: read with their logs, locked against other programs, replaced in one step.
 namespace regf {
 
+using hostfile::Durability;
 using hostfile::FileLock;
 using hostfile::HostPlace;
 
@@ -44,13 +46,17 @@ Result<FileIdentity> identify(const HostPlace& place);
 /// Writes the sealed image of `hive` in place of the file that `identity` tells of: beside it, flushed, read
 /// back and compared, renamed over it, the folder flushed. What Replacement::take_over() takes over goes
 /// along; where something cannot be kept, `refused` and the old file stays. `changed` if the file is another
-/// one by now. A hive without changes that needed no recovery is not written. `announce` is told what the
-/// file is about to become.
+/// one by now. A hive without changes is not written, recovered or not. `announce` is told what the file is
+/// about to become.
 using Announce = std::function<void(const HiveStamp&)>;
-Result<Done> commit(const HostPlace& place, const Hive& hive, const FileIdentity& identity, FileTime now,
-                    const Announce& announce = {});
+Result<Durability> commit(const HostPlace& place, const Hive& hive, const FileIdentity& identity,
+                          FileTime now, const Announce& announce = {});
+
+/// What commit() needs of the disk, tried out: a file beside this one that takes over all that is to be kept.
+/// Nothing is left of it. `refused` for a file with a second name, which would keep the old content.
+Result<Done> try_replacing(const HostPlace& place);
 
 /// Writes a new hive file; `refused` if there is one already.
-Result<Done> write_new(const HostPlace& place, const Hive& hive, FileTime now);
+Result<Durability> write_new(const HostPlace& place, const Hive& hive, FileTime now);
 
 }  // namespace regf

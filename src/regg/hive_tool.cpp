@@ -1,6 +1,7 @@
 #include "regg/hive_tool.h"
 
 #include <algorithm>
+#include <new>
 
 #include "base/text.h"
 #include "machine/offline/file_attributes.h"
@@ -40,7 +41,7 @@ Result<std::string> file_name(const Setting& setting, const std::string& file) {
         return Error{ErrorKind::invalid, "Windows cannot spell the path " + file + " in its code page"};
     if (!machine::parse_path(*ansi))
         return Error{ErrorKind::invalid, file + " is not the full path of a file"};
-    if (!setting.drives_known)
+    if (setting.drives.is_empty())
         return Error{ErrorKind::invalid, "no folder is known for the drive of " + file +
                                              ": name the file from the root of this system"};
     return *ansi;
@@ -52,55 +53,93 @@ Result<Done> load(const Setting& setting, const std::string& file, const std::st
     const auto place = machine::locate_hive(setting.drives, *named);
     if (!place) return place.error();
     // Windows writes over whatever it wakes up to.
-    if (setting.drives_known && machine::hibernates(setting.drives))
+    if (machine::hibernates(setting.drives))
         return Error{ErrorKind::unsupported, "this Windows hibernates: start it and shut it down first"};
     const auto lock =
         hostfile::lock_with_patience(*place, hostfile::FileLock::Purpose::work, hostfile::a_moment);
     if (!lock) return lock.error();
-    if (machine::is_mounted(setting.drives, setting.mounts, *place))
-        return Error{ErrorKind::in_use, file + " is mounted already"};
+    // Another unload has written it this moment, and its record is about to go.
+    const auto old = setting.mounts.find(name);
+    if (old && machine::is_written(setting.drives, *old)) (void)setting.mounts.remove(name);
+    const auto mounted = machine::is_mounted(setting.drives, setting.mounts, *place);
+    if (!mounted) return mounted.error();
+    if (*mounted) return Error{ErrorKind::in_use, file + " is mounted already"};
     const auto hive = regf::read_hive(*place, *lock);
     if (!hive) return hive.error();
     if (!hive->hive.read_only_reason().empty())
         return Error{ErrorKind::unsupported, file + " cannot be edited: " + hive->hive.read_only_reason()};
     if (!machine::may_replace(*place))
         return Error{ErrorKind::refused, "no permission to write " + file + " and its folder"};
+    // What could not be written at the end is refused now, before anybody works on it.
+    if (auto possible = regf::try_replacing(*place); !possible) return possible;
     return setting.mounts.add({name, *named, hive->identity.stamp});
 }
 
-/// The changes of a mount that cannot be written any more are dropped with it: nothing would ever free its
-/// name.
-Result<Done> drop(const Setting& setting, const MountRecord& record, const Error& reason,
-                  ToolReport& report) {
-    if (auto removed = setting.mounts.remove(record.mount.name); !removed) return removed;
-    if (record.sealed.empty()) return Done{};
-    report.changes_lost = true;
-    return Error{reason.kind, reason.message + "; what was to be written to it is dropped"};
+/// A later try may succeed: with room on the disk, with the disk there again, with the right to write.
+bool can_pass(ErrorKind kind) {
+    return kind == ErrorKind::in_use || kind == ErrorKind::no_space || kind == ErrorKind::io ||
+           kind == ErrorKind::refused;
 }
 
-Result<Done> unload(const Setting& setting, const std::string& name, ToolReport& report) {
-    if (!setting.mounts.find(name)) return Error{ErrorKind::missing, "no hive is mounted there"};
+Result<Done> write_changes(const Setting& setting, const std::string& name, ToolReport& report) try {
     const auto hive = machine::open_mounted(setting.drives, setting.mounts, name);
-    if (!hive) {
-        const ErrorKind kind = hive.error().kind;
-        const auto record = setting.mounts.find(name);
-        if (record && kind == ErrorKind::changed && machine::is_written(setting.drives, *record))
-            return setting.mounts.remove(name);
-        if (record && (kind == ErrorKind::changed || kind == ErrorKind::missing))
-            return drop(setting, *record, hive.error(), report);
-        return hive.error();
-    }
-    if (hive->record.unsealed) {
-        report.changes_lost = true;
-        report.detail = "the unfinished changes of a run that was broken off are dropped";
-    }
+    if (!hive) return hive.error();
     const auto announce = [&](const regf::HiveStamp& stamp) { setting.mounts.announce(hive->record, stamp); };
     const auto written =
         regf::commit(hive->place, hive->file.hive, hive->file.identity, regf::current_file_time(), announce);
-    if (!written)
-        return Error{written.error().kind, written.error().message + "; it is kept for the next unload"};
+    if (!written) return written.error();
     report.changed = hive->file.hive.count_differences();
-    return setting.mounts.remove(name);
+    if (*written == regf::Durability::uncertain)
+        report.detail = "the hive is written, but its folder could not be flushed: do not cut the power yet";
+    return Done{};
+} catch (const std::bad_alloc&) {
+    return Error{ErrorKind::no_space, "there is not enough memory for this hive"};
+}
+
+/// The changes could not be written. What may pass is tried once more, by the next unload; all else is
+/// dropped, as a mount that nobody can write would keep its name, and its user, for ever.
+Result<Done> keep_or_drop(const Setting& setting, const MountRecord& record, const Error& why,
+                          ToolReport& report) {
+    if (why.kind == ErrorKind::in_use) return why;
+    if (can_pass(why.kind) && !record.failed_before && setting.mounts.note_failure(record))
+        return Error{why.kind, why.message + "; it is kept for the next unload"};
+    if (auto removed = setting.mounts.remove(record.mount.name); !removed) return removed;
+    report.changes_lost = true;
+    return Error{why.kind, why.message + "; what was to be written to it is dropped"};
+}
+
+/// Nothing is to be written. Only a run that works on the hive this moment holds on to it.
+Result<Done> let_go(const Setting& setting, const MountRecord& record) {
+    const auto place = machine::locate_hive(setting.drives, record.mount.file);
+    if (place) {
+        const auto lock =
+            hostfile::lock_with_patience(*place, hostfile::FileLock::Purpose::work, hostfile::a_moment);
+        if (!lock && lock.error().kind == ErrorKind::in_use) return lock.error();
+    }
+    return setting.mounts.remove(record.mount.name);
+}
+
+Result<Done> unload(const Setting& setting, const std::string& name, ToolReport& report) {
+    const auto record = setting.mounts.find(name);
+    if (!record && record.error().kind == ErrorKind::damaged) {
+        report.changes_lost = true;
+        if (auto removed = setting.mounts.remove(name); !removed) return removed;
+    }
+    if (!record) return record.error();
+    const auto done =
+        record->sealed.empty() ? let_go(setting, *record) : write_changes(setting, name, report);
+    if (done && record->unsealed) {
+        report.changes_lost = true;
+        report.detail = "the unfinished changes of a run that was broken off are dropped";
+    }
+    if (done) return setting.mounts.remove(name);
+    // Two unloads can meet: what the other one has written, or is about to end, is no loss.
+    const auto now = setting.mounts.find(name);
+    if (!now && now.error().kind == ErrorKind::missing) return Done{};
+    if (!now) return now.error();
+    if (now->mount != record->mount) return Done{};
+    if (machine::is_written(setting.drives, *now)) return setting.mounts.remove(name);
+    return record->sealed.empty() ? done : keep_or_drop(setting, *now, done.error(), report);
 }
 
 Result<Done> work(const Setting& setting, const std::vector<std::string>& words, ToolReport& report) {

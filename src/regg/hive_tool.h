@@ -12,8 +12,7 @@ namespace regg {
 
 /// What the tool finds out about its surroundings.
 struct Setting {
-    machine::DriveMap drives;
-    bool drives_known = false;  ///< false: files can be named by host paths only
+    machine::DriveMap drives;  ///< none: files can be named by host paths only
     machine::MountTable mounts;
 };
 

@@ -24,7 +24,7 @@ base::Result<regg::Setting> setting_of_environment() {
     auto map = machine::DriveMap::parse(drives ? drives : "");
     if (!map) return map.error();
     const std::string folder = mounts ? mounts : machine::default_state_folder() + "/mounts/host";
-    return regg::Setting{std::move(*map), drives != nullptr, machine::MountTable(folder)};
+    return regg::Setting{std::move(*map), machine::MountTable(folder)};
 }
 
 ToolReport work(const std::vector<std::string>& words) {

@@ -14,7 +14,7 @@ constexpr size_t table_size = 21;
 bool is_admin(machine::System& system) {
     const auto groups = system.token_groups();
     if (!groups) return false;
-    // The walk includes the place behind the last group, where no valid SID stands.
+    // The walk includes the place after the last group, where no valid SID stands.
     for (size_t i = 0; i <= groups->size(); ++i) {
         if (i >= table_size) throw RuntimeError(9);
         if (i < groups->size() && (*groups)[i] == administrators)

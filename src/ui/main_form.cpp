@@ -127,7 +127,7 @@ void MainForm::connect_events() {
     StatusBar.on_mouse_down = [this](toolkit::MouseButton button, int x) { StatusBar_MouseDown(button, x); };
     Timer1.on_timer = [this] { Timer1_Timer(); };
 
-    // c16 also writes NoSetTaskbar, the value behind c31: show what will be set. Unticking leaves c31 alone.
+    // c16 also writes NoSetTaskbar, the value of c31: show what will be set. Unticking leaves c31 alone.
     c16.on_click = [this] {
         if (c16.ticked()) c31.set_value(1);
     };

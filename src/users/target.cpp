@@ -11,7 +11,7 @@ Target target_of_reading(REGISTRY_MOD& reg, const std::string& user) {
 
 Target target_of_writing(REGISTRY_MOD& reg, const std::string& user) {
     const bool logged_on = user == REGISTRY_MOD::clean_reg_string(reg.get_user_name());
-    if (reg.is_nt_family() && logged_on) return {HKEY_CURRENT_USER, "", reg.family()};
+    if (logged_on) return {HKEY_CURRENT_USER, "", reg.family()};
     return target_of_reading(reg, user);
 }
 

@@ -185,7 +185,7 @@ TEST(RealHives, ARunTimeErrorAmidTheWritesLeavesThoseBeforeItOnTheDisk) {
     w.windows.offline().write_pending();
     EXPECT_TRUE(regf::validate(regf::read_file(w.hive())).empty());
     EXPECT_THAT(w.dump(), HasSubstr("NoClose 4 01000000"));
-    EXPECT_TRUE(w.windows.offline().mounts().mounts().empty());
+    EXPECT_TRUE(w.windows.offline().mounts().mounts()->empty());
     EXPECT_EQ(w.windows.troubles(), "");
 }
 

@@ -20,6 +20,8 @@ struct Subject {
     virtual Machine machine() = 0;
     /// `path` from the root of C, with slashes.
     virtual void add_file(const std::string& path, const std::string& bytes) = 0;
+    /// A drive D with nothing on it.
+    virtual void add_empty_drive() = 0;
 };
 
 struct MemorySubject : Subject {
@@ -27,6 +29,10 @@ struct MemorySubject : Subject {
     Machine machine() override { return memory.machine(); }
     void add_file(const std::string& path, const std::string& bytes) override {
         memory.files.add_file("C:\\" + path, bytes);
+    }
+    void add_empty_drive() override {
+        memory.system.drives |= 1u << 3;
+        memory.files.add_folder("D:\\");
     }
     MemoryMachine memory;
 };
@@ -36,6 +42,11 @@ struct OfflineSubject : Subject {
     void add_file(const std::string& path, const std::string& bytes) override {
         std::filesystem::create_directories((offline.disk() / path).parent_path());
         write_bytes(offline.disk() / path, bytes);
+    }
+    void add_empty_drive() override {
+        offline.options.drives['D'] = (offline.scratch() / "empty").string();
+        std::filesystem::create_directory(offline.scratch() / "empty");
+        offline.open();
     }
     OfflineFixture offline;
 };
@@ -158,7 +169,10 @@ TEST_P(Contract, UsersRootHoldsMountedHivesOnly) {
     EXPECT_EQ(registry_.create_key(Root::users, "Anna\\Software"), Registry::Disposition::failed);
     EXPECT_EQ(registry_.create_key(Root::users, ""), Registry::Disposition::opened);
     ASSERT_EQ(load_anna(), 0u);
-    EXPECT_EQ(files_.open_binary("C:\\Documents and Settings\\Anna\\NTUSER.DAT").error, permission_denied);
+    const std::string hive = "C:\\Documents and Settings\\Anna\\NTUSER.DAT";
+    EXPECT_EQ(files_.open_binary(hive).error, permission_denied);
+    std::string bytes;
+    EXPECT_EQ(files_.read(hive, bytes), permission_denied) << "not even to look at";
     EXPECT_EQ(registry_.create_key(Root::users, "anna\\software"), Registry::Disposition::opened);
     EXPECT_EQ(registry_.create_key(Root::users, "Ben\\Software"), Registry::Disposition::failed);
     EXPECT_EQ(registry_.delete_key(Root::users, "Anna"), access_denied);
@@ -252,6 +266,19 @@ TEST_P(Contract, SearchIsSortedAndFitsAsOnNT) {
     ASSERT_TRUE(profiles);
     EXPECT_EQ(profiles->back().name, "Anna");
     EXPECT_EQ(profiles->back().attributes & attribute_directory, attribute_directory);
+}
+
+TEST_P(Contract, AnEmptyDriveIsThereAndALetterWithoutADriveIsNot) {
+    subject_->add_empty_drive();
+    const Machine machine = subject_->machine();
+    EXPECT_EQ(machine.system.logical_drives() >> 3 & 1, 1u);
+    EXPECT_EQ(machine.files.attributes("D:\\") & attribute_directory, attribute_directory);
+    const auto found = machine.files.find("D:\\*");
+    ASSERT_TRUE(found);
+    EXPECT_TRUE(found->empty());
+    EXPECT_FALSE(machine.files.find("D:\\*.lnk"));
+    EXPECT_FALSE(machine.files.find("Q:\\*"));
+    EXPECT_EQ(machine.files.attributes("Q:\\"), no_attributes);
 }
 
 TEST_P(Contract, FoldersAreCopiedAndDeletedAsAWhole) {

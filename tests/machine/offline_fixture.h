@@ -58,6 +58,7 @@ class OfflineFixture {
     std::filesystem::path hive_of(const std::string& user) const {
         return disk() / "Documents and Settings" / user / "NTUSER.DAT";
     }
+    const std::string& mounts_folder() const { return machine_->mounts().folder(); }
     machine::Machine machine() { return machine_->machine(); }
     machine::OfflineMachine& offline() { return *machine_; }
 

@@ -341,42 +341,65 @@ TEST(OfflineRegistry, AReadOnlyHiveIsOpenForReadersOnly) {
     EXPECT_EQ(fixture.machine().system.token_groups(), std::vector<std::string>{"S-1-5-32-545"});
 }
 
-TEST(OfflineRegistry, ATextBeyondTheCodePageSurvivesReadingAndWriting) {
+TEST(OfflineRegistry, ATextBeyondTheCodePageSurvivesItsOwnRoundTrip) {
     OfflineFixture fixture;
-    const fs::path hive = fixture.hive_of("Anna");
-    const std::u16string key = u"Software\\Lock";
-    set_text(hive, key, u"1", u" Łódź.exe");
-    set_text(hive, key, u"2", u"Ω.exe");
-    set_text(hive, key, u"3", u"Ψ.exe");
-    set_text(hive, key, u"4", u"really?");
-    set_text(hive, key, u"Ж", u"a name that nobody here can spell");
-    ASSERT_EQ(fixture.load("Anna"), 0u);
-    Registry& registry = fixture.machine().registry;
-    const std::string place = "Anna\\Software\\Lock";
-    std::vector<std::string> texts;
-    for (const char* name : {"1", "2", "3", "4"}) {
-        RawValue value;
-        EXPECT_EQ(registry.query(Root::users, place, name, value).action, success);
-        texts.emplace_back(text::up_to_nul(value.data));
-        EXPECT_EQ(registry.delete_value(Root::users, place, name).action, success);
+    const std::u16string list = u"Software\\List";
+    for (const char* user : {"Anna", "Ben"}) {
+        const fs::path hive = fixture.hive_of(user);
+        const bool anna = user == std::string("Anna");
+        set_text(hive, list, u" 0", anna ? u"ШКОЛ.EXE" : u"УРОК.EXE");
+        set_text(hive, list, u" 1", u"calc.exe");
+        set_text(hive, list, u" 2", anna ? u"Ω.exe" : u"Łódź.exe");
+        set_text(hive, list, u" 3", anna ? u"Ψ.exe" : u"really?");
+        set_text(hive, list, u"Ж", u"a name that nobody here can spell");
     }
-    EXPECT_EQ(texts[0], U" ?ód?.exe"_ansi);
-    EXPECT_EQ(texts[1], "?.exe");
-    EXPECT_EQ(texts[2], "?.exe");
+    const auto read = [&](const std::string& user) {
+        std::vector<std::string> texts;
+        EXPECT_EQ(fixture.load(user), 0u);
+        RawValue value;
+        for (const char* name : {" 0", " 1", " 2", " 3"}) {
+            if (fixture.machine()
+                    .registry.query(Root::users, user + "\\Software\\List", name, value)
+                    .action == success)
+                texts.emplace_back(text::up_to_nul(value.data));
+        }
+        EXPECT_EQ(fixture.unload(user), 0u);
+        return texts;
+    };
+    /// Deletes the list and writes it anew, as Apply does.
+    const auto write = [&](const std::string& user, const std::vector<std::string>& texts) {
+        Registry& registry = fixture.machine().registry;
+        const std::string key = user + "\\Software\\List";
+        EXPECT_EQ(fixture.load(user), 0u);
+        EXPECT_EQ(registry.delete_key(Root::users, key), success);
+        EXPECT_EQ(registry.create_key(Root::users, key), Registry::Disposition::created);
+        for (size_t i = 0; i < texts.size(); ++i)
+            EXPECT_EQ(registry.set(Root::users, key, " " + std::to_string(i), text_value(texts[i])).action,
+                      success);
+        EXPECT_EQ(fixture.unload(user), 0u);
+    };
+    const auto stored = [&](const std::string& user) {
+        std::string all;
+        for (const char16_t* name : {u" 0", u" 1", u" 2", u" 3", u" 4"})
+            all += stored_text(fixture.hive_of(user), list, name) + " ";
+        return all;
+    };
+    const auto annas = read("Anna");
+    EXPECT_EQ(annas, (std::vector<std::string>{"????.EXE", "calc.exe", "?.exe", "?.exe"}));
+    const auto bens = read("Ben");
+    (void)read("Anna");  // only looked at
+    write("Ben", bens);
+    EXPECT_EQ(stored("Ben"), "УРОК.EXE calc.exe Łódź.exe really? (missing) ");
+    write("Anna", annas);
+    EXPECT_EQ(stored("Anna"), "ШКОЛ.EXE calc.exe Ω.exe Ψ.exe (missing) ");
 
-    // The program takes blanks off a text before it writes it back, perhaps under another name.
-    EXPECT_EQ(registry.set(Root::users, place, " 7", text_value(U"?ód?.exe"_ansi)).action, success);
-    EXPECT_EQ(registry.set(Root::users, place, " 8", text_value("really?")).action, success);
-    EXPECT_EQ(registry.set(Root::users, place, " 9", text_value("new?")).action, success);
-    EXPECT_EQ(registry.set(Root::users, place, "2", text_value("?.exe")).action, no_such_spelling);
-    EXPECT_EQ(registry.set(Root::users, place, "1", text_value(U"?ÓD?.EXE"_ansi)).action, no_such_spelling);
-    EXPECT_EQ(registry.delete_value(Root::users, place, "?").action, file_not_found);
-    ASSERT_EQ(fixture.unload("Anna"), 0u);
-    EXPECT_EQ(stored_text(hive, key, u" 7"), "Łódź.exe");
-    EXPECT_EQ(stored_text(hive, key, u" 8"), "really?");
-    EXPECT_EQ(stored_text(hive, key, u" 9"), "new?");
-    EXPECT_EQ(stored_text(hive, key, u"2"), "(missing)");
-    EXPECT_EQ(stored_text(hive, key, u"Ж"), "a name that nobody here can spell");
+    write("Anna", {"?.exe", "new?", " ????.EXE ", "????.exe", "?.exe"});  // other numbers, other blanks
+    EXPECT_EQ(stored("Anna"), "Ω.exe new?  ШКОЛ.EXE  ????.exe Ψ.exe ");
+    write("Anna", {});
+    write("Anna", annas);  // they are in the window still
+    EXPECT_EQ(stored("Anna"), "ШКОЛ.EXE calc.exe Ω.exe Ψ.exe (missing) ");
+    write("Ben", {"????.EXE", "?.exe"});
+    EXPECT_EQ(stored("Ben"), "УРОК.EXE ?.exe (missing) (missing) (missing) ") << "Anna's stay hers";
 }
 
 TEST(OfflineProcesses, TellsAReasonHoweverTheHiveToolEnds) {

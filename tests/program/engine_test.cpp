@@ -301,15 +301,15 @@ TEST(Engine, ReadingShowsTheOddities) {
     MainForm& window = w.reread();
     EXPECT_FALSE(window.c16.ticked()) << "the last of its three values decides";
     EXPECT_TRUE(window.c31.ticked());
-    EXPECT_FALSE(window.c90.ticked()) << "only \"No\", capitals counting";
+    EXPECT_FALSE(window.c90.ticked()) << "only \"No\", case-sensitive";
     EXPECT_TRUE(window.lv1.rows()[0].checked);
     EXPECT_FALSE(window.lv1.rows()[1].checked);
     EXPECT_FALSE(window.lv1.rows()[5].checked);
     EXPECT_TRUE(window.c610.ticked());
     EXPECT_EQ(window.t31.text(), "C:\\gone.bmp") << "also without the tick";
     EXPECT_EQ(window.t32.text(), "C:\\Icons");
-    EXPECT_TRUE(window.c61.ticked()) << "whatever stands behind the name";
-    EXPECT_TRUE(window.c62.ticked()) << "a field behind a comma counts, in quotes too";
+    EXPECT_TRUE(window.c61.ticked()) << "whatever stands after the name";
+    EXPECT_TRUE(window.c62.ticked()) << "a field after a comma counts, in quotes too";
 
     w.windows.files.add_file("C:\\MSDOS.SYS",
                              "[Options]\r\n;Autoscan=0\r\nBootKeys=0\r\n\x1A\r\nBootkeys=0\r\n");
@@ -382,7 +382,7 @@ TEST(Engine, RegistrationTextsBecomeNumbersInTheUsersOwnBranch) {
     w.screen.expect_box("Brightlock Suite");
     EXPECT_FALSE(w.apply()) << "a number beyond 32 bits";
     EXPECT_THAT(w.screen.boxes.back().text, HasSubstr("Run-time error '6'"));
-    EXPECT_EQ(w.under(key::sound), " : Beep = dword 0\n") << "the steps behind it did not come";
+    EXPECT_EQ(w.under(key::sound), " : Beep = dword 0\n") << "the steps after it did not come";
 }
 
 TEST(Engine, OnlyTheFirstWriteIsLookedAt) {

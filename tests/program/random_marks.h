@@ -93,7 +93,7 @@ class RandomPerson {
 /// What a load gives back of what was marked. Each line here is a difference that is meant.
 inline Marks after_a_round_trip(Marks marks, const Marks& before) {
     auto& lines = marks.lines;
-    // c16 writes the value behind c31 as well.
+    // c16 writes the value of c31 as well.
     if (lines["c16"] == "1") lines["c31"] = "1";
     // The picture is stored only with its tick, the icon folder only where one is given.
     if (lines["c37"] != "1") lines["t31"] = before.lines.at("t31");

@@ -146,7 +146,7 @@ struct TokenCase {
 TEST(Startup, WarnsWhoIsNoAdministratorOnTheNtFamilyOnly) {
     const std::string admin = "S-1-5-32-544", other = "S-1-5-32-545";
     const std::vector<std::string> twenty(20, other);
-    auto with_admin_behind = [&](size_t others) {
+    auto with_admin_after = [&](size_t others) {
         std::vector<std::string> groups(others, other);
         groups.push_back(admin);
         return groups;
@@ -155,8 +155,8 @@ TEST(Startup, WarnsWhoIsNoAdministratorOnTheNtFamilyOnly) {
          {TokenCase{"no token", versions::winxp, std::nullopt, true, true},
           TokenCase{"a user", versions::win2k, {{other}}, true, true},
           TokenCase{"20 groups without", versions::winnt, twenty, true, true},
-          TokenCase{"21st of 21", versions::winxp, with_admin_behind(20), false, true},
-          TokenCase{"22nd of 22 lies behind the table", versions::winxp, with_admin_behind(21), false, false},
+          TokenCase{"21st of 21", versions::winxp, with_admin_after(20), false, true},
+          TokenCase{"22nd of 22 lies beyond the table", versions::winxp, with_admin_after(21), false, false},
           TokenCase{"Windows 98", versions::win98, std::nullopt, false, true}}) {
         SCOPED_TRACE(c.what);
         World w(c.version);

@@ -153,9 +153,13 @@ TEST_F(Recovery, CompletesWritesFromTheOldLog) {
         EXPECT_EQ(outcome(dirty, {{"LOG", old_log(first, second, 7, clustering)}}), "AB") << clustering;
     EXPECT_EQ(outcome(dirty, {{"LOG1", old_log(first, second, 7)}, {"LOG2", old_log(first, third, 8)}}),
               "ABC");
-    Bytes headless = dirty;
-    std::fill_n(headless.begin() + 20, 400, uint8_t{0xEE});
-    EXPECT_EQ(outcome(headless, {{"LOG", old_log(first, second, 7)}}), "AB");
+    for (const size_t spoiled :
+         {size_t{20}, size_t{0}}) {  // all but the time in the base block, or that as well
+        Bytes headless = dirty;
+        std::fill_n(headless.begin() + static_cast<ptrdiff_t>(spoiled), 400, uint8_t{0xEE});
+        if (spoiled > base_block::last_written) put64(headless, base_block_size + bin::timestamp, 0);
+        EXPECT_EQ(outcome(headless, {{"LOG", old_log(first, second, 7)}}), "AB") << spoiled;
+    }
 
     EXPECT_EQ(outcome(dirty, {}), "refused");
     const Bytes whole = old_log(first, second, 7);
@@ -219,7 +223,7 @@ TEST_F(Recovery, DoesNotMakeAHiveOfALaterVersionWritable) {
     EXPECT_EQ(sealed.error().kind, ErrorKind::unsupported);
 }
 
-TEST_F(Recovery, OfAFileIsCommittedClean) {
+TEST_F(Recovery, OfAFileIsWrittenWithItsFirstChange) {
     TemporaryFolder folder;
     const HostPlace place = *hostfile::place_of(folder / "SYSTEM");
     Bytes dirty = first;
@@ -228,15 +232,19 @@ TEST_F(Recovery, OfAFileIsCommittedClean) {
     write_file(folder / "system.Log1", old_log(first, second, 7));
     auto lock = FileLock::acquire(place);
     ASSERT_TRUE(lock);
-    const auto file = read_hive(place, *lock);
+    auto file = read_hive(place, *lock);
     ASSERT_TRUE(file) << file.error().message;
     EXPECT_TRUE(file->hive.recovered());
-    EXPECT_TRUE(read_file(place.path()) == dirty) << "reading changes nothing";
+    ASSERT_TRUE(commit(place, file->hive, file->identity, 10));
+    EXPECT_TRUE(read_file(place.path()) == dirty) << "who only looks changes nothing";
+    auto wanted = Hive::open(second);
+    for (Hive* hive : {&file->hive, &*wanted})
+        ASSERT_TRUE(hive->create(u"New", 9));
     ASSERT_TRUE(commit(place, file->hive, file->identity, 10));
     const auto clean = Hive::open(read_file(place.path()));
     ASSERT_TRUE(clean);
     EXPECT_FALSE(clean->recovered());
-    EXPECT_EQ(full_dump(*clean), full_dump(*Hive::open(second)));
+    EXPECT_EQ(full_dump(*clean), full_dump(*wanted));
 }
 
 }  // namespace

@@ -2,18 +2,23 @@
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <grp.h>
+#include <linux/fs.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <csignal>
 #include <cstdio>
 
 #include "machine/hive_editing.h"
 #include "machine/memory/memory_registry.h"
 #include "machine/offline_fixture.h"
+#include "regg/hive_tool.h"
 
 using namespace machine;
 namespace fs = std::filesystem;
@@ -53,6 +58,12 @@ int stored(const OfflineFixture& fixture) {
     return value ? value->data.at(0) : -1;
 }
 
+/// Writes the record of a mount, as private as it must be.
+void write_record(const fs::path& file, std::string_view bytes) {
+    write_bytes(file, bytes);
+    fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);
+}
+
 /// The only record of a mount.
 fs::path record_of(OfflineFixture& fixture) {
     return fs::directory_iterator(fixture.offline().mounts().folder())->path();
@@ -71,13 +82,26 @@ void in_dying_process(const std::function<void()>& work) {
     ASSERT_TRUE(WIFSIGNALED(status));
 }
 
+/// What must hold in a process of another user.
+void in_process_of(uid_t user, const std::function<bool()>& holds) {
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        const bool changed = setgroups(0, nullptr) == 0 && setgid(user) == 0 && setuid(user) == 0;
+        _exit(changed && holds() ? 0 : 1);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+}
+
 /// A file system of its own on a folder, of a size that fills soon. Not ready where this process may not
 /// mount.
 class SmallDisk {
   public:
     SmallDisk(const fs::path& folder, const std::string& size) : folder_(folder) {
         fs::create_directories(folder);
-        ready_ = mount("none", folder.c_str(), "tmpfs", 0, ("size=" + size).c_str()) == 0;
+        ready_ = mount("none", folder.c_str(), "tmpfs", 0, ("mode=0700,size=" + size).c_str()) == 0;
     }
     SmallDisk(const SmallDisk&) = delete;
     SmallDisk& operator=(const SmallDisk&) = delete;
@@ -111,7 +135,7 @@ TEST(HiveTool, LeavesAHiveThatNobodyChangedByteForByte) {
     EXPECT_EQ(registry.delete_value(Root::users, "Anna\\Software", "none").action, file_not_found);
     ASSERT_EQ(fixture.unload("Anna"), 0u);
     EXPECT_EQ(bytes_of(fixture.hive_of("Anna")), before);
-    EXPECT_TRUE(fixture.offline().mounts().mounts().empty());
+    EXPECT_TRUE(fixture.offline().mounts().mounts()->empty());
 }
 
 TEST(HiveTool, WritesChangesOnceAndOnlyWhenItUnloads) {
@@ -167,7 +191,8 @@ TEST(HiveTool, SaysInOneLineWhyItRefuses) {
         {"load " + quoted(hive) + "'HKU\\'", "not a key directly below HKU"},
         {"load " + quoted(hive) + "'HKU\\Жанна'", "cannot spell"},
         {"unload 'HKU\\Nobody'", "HKU\\Nobody: no hive is mounted there"},
-        {"load " + quoted(hive) + "'HKU\\Ben'", "mounted already"},
+        {"load " + quoted(hive) + "'HKU\\Ben'", "mounted already", false},
+        {"load " + quoted(hive) + "'HKU\\Ben'", "on no drive of this installation"},
         {"load 'C:\\Documents and Settings\\Ben\\NTUSER.DAT' 'HKU\\anna'", "another hive is mounted there"},
         {"load 'C:\\Documents and Settings\\Ben\\NTUSER.DAT' 'HKU\\Ben'", "no folder is known", false},
         {"load 'NTUSER.DAT' 'HKU\\Ben'", "not the full path"},
@@ -260,30 +285,33 @@ TEST(HiveTool, KilledAtAnyMomentLeavesTheOldHiveOrTheNewOne) {
         (void)run_tool("unload 'HKU\\Anna'", environment + killed);
         const int now = stored(fixture);
         EXPECT_TRUE(now == before || now == number) << now;
-        const bool mounted = !fixture.offline().mounts().mounts().empty();
+        const bool mounted = !fixture.offline().mounts().mounts()->empty();
         EXPECT_EQ(run_tool("unload 'HKU\\Anna'", environment).code, mounted ? 0 : 1);
         before = stored(fixture);
         EXPECT_EQ(before, number);
-        ASSERT_TRUE(fixture.offline().mounts().mounts().empty());
+        ASSERT_TRUE(fixture.offline().mounts().mounts()->empty());
     }
 }
 
-/// Apply can be pressed again while the program waits for the unmounting of the first time.
-TEST(HiveTool, TwoUnmountsAtATimeLoseNothing) {
+/// Apply can be pressed again while the program waits, and another instance may unload the same user.
+TEST(HiveTool, UnmountsThatMeetLoseNothingAndSaySo) {
     OfflineFixture fixture;
-    ASSERT_EQ(fixture.load("Anna"), 0u);
-    (void)make_lock_key(fixture);
-    ASSERT_EQ(set(fixture, 5), success);
     auto& processes = fixture.machine().processes;
     const std::string command = "\"C:\\Program Files\\Brightlock Suite\\regg.exe\" unload HKU\\Anna";
-    const auto first = processes.start(command, WindowStyle::hidden);
-    const auto second = processes.start(command, WindowStyle::hidden);
-    while (processes.exit_code(first.id) == still_active || processes.exit_code(second.id) == still_active) {
+    for (int number = 1; number <= 40; ++number) {
+        ASSERT_EQ(fixture.load("Anna"), 0u);
+        (void)make_lock_key(fixture);
+        ASSERT_EQ(set(fixture, number), success);
+        std::array<uint32_t, 3> ids{};
+        for (uint32_t& id : ids)
+            id = processes.start(command, WindowStyle::hidden).id;
+        for (const uint32_t id : ids) {
+            while (processes.exit_code(id) == still_active) {
+            }
+        }
+        ASSERT_EQ(fixture.troubles(), "") << number;
+        ASSERT_EQ(stored(fixture), number);
     }
-    EXPECT_EQ(processes.exit_code(first.id) + processes.exit_code(second.id), 1u)
-        << "one of them came too late";
-    EXPECT_EQ(stored(fixture), 5);
-    EXPECT_EQ(fixture.troubles(), "");
 }
 
 TEST(HiveTool, DoesNotWriteOverWhatSomebodyElseHasWritten) {
@@ -305,7 +333,7 @@ TEST(HiveTool, DoesNotWriteOverWhatSomebodyElseHasWritten) {
     EXPECT_EQ(fixture.unload("Anna"), 0u) << "there was nothing to write";
     write_bytes(fixture.hive_of("Anna"), theirs);
     EXPECT_EQ(fixture.load("Anna"), 0u) << "and so after a file that cannot be read";
-    write_bytes(record_of(fixture), "damaged");
+    write_record(record_of(fixture), "damaged");
     EXPECT_EQ(fixture.unload("Anna"), 1u);
     EXPECT_EQ(fixture.load("Anna"), 0u) << "and after a record that cannot be read";
     EXPECT_EQ(fixture.unload("Anna"), 0u);
@@ -330,7 +358,7 @@ TEST(HiveTool, KeepsTheChangesUntilTheDiskIsThereAgain) {
     ASSERT_EQ(fixture.offline().release(), success);
     fs::remove(fixture.hive_of("Anna"));
     EXPECT_EQ(fixture.unload("Anna"), 1u) << "nothing is left to write to";
-    EXPECT_TRUE(fixture.offline().mounts().mounts().empty());
+    EXPECT_TRUE(fixture.offline().mounts().mounts()->empty());
 }
 
 TEST(HiveTool, KnowsWhatARunHadWrittenBeforeItDied) {
@@ -344,14 +372,14 @@ TEST(HiveTool, KnowsWhatARunHadWrittenBeforeItDied) {
     const fs::path path = record_of(fixture);
     ASSERT_EQ(fixture.unload("Anna"), 0u);
     const std::string written = bytes_of(hive);
-    write_bytes(path, record + written_frame(read_hive_file(hive).identity.stamp));
+    write_record(path, record + written_frame(read_hive_file(hive).identity.stamp));
     EXPECT_EQ(fixture.unload("Anna"), 0u) << "it is done already";
     EXPECT_EQ(bytes_of(hive), written);
-    write_bytes(path, record);
+    write_record(path, record);
     EXPECT_EQ(fixture.unload("Anna"), 1u) << "somebody else was it";
 }
 
-TEST(HiveTool, AFullDiskUnderTheHiveKeepsTheChangesForTheNextUnload) {
+TEST(HiveTool, AFullDiskUnderTheHiveKeepsTheChangesForOneMoreUnload) {
     OfflineFixture fixture;
     const fs::path profile = fixture.hive_of("Anna").parent_path();
     const std::string hive = bytes_of(fixture.hive_of("Anna"));
@@ -368,6 +396,151 @@ TEST(HiveTool, AFullDiskUnderTheHiveKeepsTheChangesForTheNextUnload) {
     disk.make_room();
     EXPECT_EQ(fixture.unload("Anna"), 0u);
     EXPECT_EQ(stored(fixture), 9);
+
+    ASSERT_EQ(fixture.load("Anna"), 0u);
+    EXPECT_EQ(set(fixture, 10), success);
+    disk.fill();
+    EXPECT_EQ(fixture.unload("Anna"), 1u);
+    EXPECT_EQ(fixture.unload("Anna"), 1u);
+    EXPECT_TRUE(fixture.reports.back().changes_lost);
+    EXPECT_EQ(fixture.reports.back().why, regf::ErrorKind::no_space);
+    disk.make_room();
+    EXPECT_EQ(fixture.load("Anna"), 0u) << "the user is free again";
+    EXPECT_EQ(stored(fixture), 9);
+}
+
+/// Runs the tool in this process, where calls of the system can be made to fail.
+ToolReport run_here(const OfflineFixture& fixture, const std::string& words) {
+    regg::Setting setting{DriveMap(), MountTable(fixture.mounts_folder())};
+    EXPECT_TRUE(setting.drives.add_drive('C', fixture.disk().string()));
+    return regg::run(setting, {"unload", words});
+}
+
+TEST(HiveTool, WhicheverCallFailsChangesAreWrittenOrKeptOrReportedAsLost) {
+    OfflineFixture fixture;
+    for (const int error : {EMFILE, EIO, ENOSPC, EACCES}) {
+        for (int n = 1, calls = n; calls >= n; ++n) {
+            SCOPED_TRACE(std::to_string(n) + ", error " + std::to_string(error));
+            ASSERT_EQ(fixture.load("Anna"), 0u);
+            (void)make_lock_key(fixture);
+            ASSERT_EQ(set(fixture, n), success);
+            ASSERT_EQ(fixture.offline().release(), success);
+            calls = 0;
+            hostfile::fail_system_call = [&](const char*) { return ++calls == n ? error : 0; };
+            const ToolReport first = run_here(fixture, "HKU\\Anna");
+            hostfile::fail_system_call = nullptr;
+            EXPECT_FALSE(first.changes_lost) << first.detail;
+            const ToolReport second = run_here(fixture, "HKU\\Anna");
+            EXPECT_TRUE(first.succeeded || second.succeeded) << first.detail << "\n" << second.detail;
+            ASSERT_EQ(stored(fixture), n);
+        }
+    }
+}
+
+TEST(HiveTool, DropsAtOnceWhatCanNeverBeWritten) {
+    OfflineFixture fixture;
+    const std::string before = bytes_of(fixture.hive_of("Anna"));
+    const regf::Change impossible{regf::Change::Kind::delete_value, u"Software", u"none", {}, 1};
+    ASSERT_EQ(fixture.load("Anna"), 0u);
+    const fs::path record = record_of(fixture);
+    write_record(record, bytes_of(record) + change_frame(impossible) + seal_frame());
+    EXPECT_EQ(fixture.unload("Anna"), 1u);
+    EXPECT_THAT(fixture.troubles(), HasSubstr("lost: HKU\\Anna: no value none; what was to be written"));
+    EXPECT_EQ(fixture.load("Anna"), 0u) << "the user is free again";
+    EXPECT_EQ(fixture.unload("Anna"), 0u);
+    EXPECT_EQ(bytes_of(fixture.hive_of("Anna")), before);
+}
+
+TEST(HiveTool, RefusesAtLoadWhatItCouldNotReplace) {
+    OfflineFixture fixture;
+    const fs::path hive = fixture.hive_of("Anna");
+    const auto refused = [&](const char* why) {
+        EXPECT_EQ(fixture.load("Anna"), 1u);
+        EXPECT_EQ(fixture.reports.back().why, regf::ErrorKind::refused);
+        EXPECT_THAT(fixture.reports.back().detail, HasSubstr(why));
+        EXPECT_TRUE(fixture.offline().mounts().mounts()->empty());
+    };
+    fs::create_hard_link(hive, fixture.scratch() / "other name");
+    refused("has a second name");
+    fs::remove(fixture.scratch() / "other name");
+
+    const Descriptor folder(open(hive.parent_path().c_str(), O_RDONLY | O_DIRECTORY));
+    int flags = 0;
+    if (ioctl(folder.number(), FS_IOC_GETFLAGS, &flags) == 0) {
+        const int marked = flags | FS_APPEND_FL;
+        if (ioctl(folder.number(), FS_IOC_SETFLAGS, &marked) == 0) {
+            const auto files = std::distance(fs::directory_iterator(hive.parent_path()), {});
+            refused("takes new files and lets none go");
+            EXPECT_EQ(std::distance(fs::directory_iterator(hive.parent_path()), {}), files);
+            EXPECT_EQ(ioctl(folder.number(), FS_IOC_SETFLAGS, &flags), 0);
+        }
+    }
+    if (geteuid() != 0) GTEST_SKIP() << "only root can become somebody else";
+    for (fs::path up = hive; up != fixture.scratch().parent_path(); up = up.parent_path())
+        fs::permissions(up, fs::perms::all);
+    const fs::path state = fixture.scratch() / "theirs";
+    fs::create_directory(state);
+    fs::permissions(state, fs::perms::owner_all);
+    ASSERT_EQ(chown(state.c_str(), 12345, 12345), 0);
+    in_process_of(12345, [&] {
+        regg::Setting setting{DriveMap(), MountTable((state / "mounts").string())};
+        (void)setting.drives.add_drive('C', fixture.disk().string());
+        const auto report =
+            regg::run(setting, {"load", OfflineFixture::windows_hive_of("Anna"), "HKU\\Anna"});
+        return !report.succeeded && report.detail.find("its owner cannot be kept") != std::string::npos;
+    });
+}
+
+TEST(HiveTool, TrustsNoRecordThatAnotherCouldHaveWritten) {
+    OfflineFixture fixture;
+    ASSERT_EQ(fixture.load("Anna"), 0u);
+    const fs::path record = record_of(fixture);
+    const std::string bytes = bytes_of(record);
+    const std::string before = bytes_of(fixture.hive_of("Anna"));
+    const auto refused = [&](const char* why) {
+        EXPECT_EQ(fixture.unload("Anna"), 1u);
+        EXPECT_THAT(fixture.reports.back().detail, HasSubstr(why));
+        EXPECT_EQ(fixture.reports.back().why, regf::ErrorKind::refused);
+    };
+    fs::permissions(record, fs::perms::others_write, fs::perm_options::add);
+    refused("open to others");
+    fs::permissions(record.parent_path(), fs::perms::others_read, fs::perm_options::add);
+    refused("open to others");
+    fs::permissions(record.parent_path(), fs::perms::owner_all);
+    fs::remove(record);
+    ASSERT_EQ(mkfifo(record.c_str(), 0600), 0);
+    refused("not a regular file");
+    EXPECT_EQ(fixture.load("Anna"), 1u) << "and that without waiting for a writer";
+    fs::remove(record);
+
+    const fs::path outside = fixture.scratch() / "outside.dat";
+    fs::copy_file(fixture.hive_of("Anna"), outside);
+    Mount planted = parse_record(bytes)->mount;
+    planted.file = outside.string();
+    const regf::Change change{regf::Change::Kind::create_key, u"Planted", u"", {}, 1};
+    write_record(record, mount_frame(planted) + change_frame(change) + seal_frame());
+    refused("on no drive of this installation");
+    EXPECT_TRUE(bytes_of(outside) == before);
+    EXPECT_TRUE(bytes_of(fixture.hive_of("Anna")) == before);
+
+    fs::permissions(fixture.options.state_folder, fs::perms::all);
+    const auto opened = OfflineMachine::open(fixture.options);
+    ASSERT_FALSE(opened);
+    EXPECT_THAT(opened.error().message, HasSubstr("open to others"));
+}
+
+TEST(HiveTool, KeepsTheStateOfRootInItsOwnHome) {
+    if (geteuid() != 0) GTEST_SKIP() << "only root can act for somebody else";
+    TemporaryFolder theirs;
+    ASSERT_EQ(chown(theirs.path().c_str(), 12345, 12345), 0);
+    const std::string home = std::getenv("HOME");
+    const std::string usual = default_state_folder();
+    setenv("HOME", theirs.path().c_str(), 1);
+    EXPECT_EQ(default_state_folder().find(theirs.path().string()), std::string::npos);
+    ASSERT_EQ(chown(theirs.path().c_str(), 0, 0), 0);
+    EXPECT_EQ(default_state_folder(), theirs.path().string() + "/.local/state/brightlock");
+    setenv("HOME", home.c_str(), 1);
+    EXPECT_EQ(default_state_folder(), usual);
 }
 
 TEST(HiveTool, AFullDiskUnderTheRecordDropsTheRunAsAWhole) {

@@ -119,6 +119,8 @@ std::string file_for_people(const std::string& file) {
 
 base::Result<HostPlace> locate_hive(const DriveMap& drives, const std::string& file) {
     if (file.starts_with('/')) {
+        if (!drives.is_empty())
+            return base::Error{base::ErrorKind::refused, file + " is on no drive of this installation"};
         auto place = hostfile::place_of(file);
         if (place) return place;
         return base::Error{base::ErrorKind::io,

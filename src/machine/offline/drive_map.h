@@ -23,6 +23,7 @@ class DriveMap {
     std::string text() const;
     static base::Result<DriveMap> parse(std::string_view text);
 
+    bool is_empty() const { return entries_.empty(); }
     /// Bit 0 is A.
     uint32_t letters() const;
 
@@ -46,9 +47,9 @@ class DriveMap {
 /// A Windows path in the code page, or a host path, as UTF-8.
 std::string file_for_people(const std::string& file);
 
-/// The file of a hive: a Windows path by the drive map, or a host path. `missing` only where its folder was
-/// opened and the file is not in it; a disk that is not there or fails is `io`, what may not be opened
-/// `refused`.
+/// The file of a hive: a Windows path by the drive map, or, where no drive is known, a host path: what works
+/// on an installation keeps to its drives. `missing` only where its folder was opened and the file is not in
+/// it; a disk that is not there or fails is `io`, what may not be opened `refused`.
 base::Result<HostPlace> locate_hive(const DriveMap& drives, const std::string& file);
 
 }  // namespace machine

@@ -7,7 +7,7 @@ namespace machine {
 
 namespace {
 
-enum class Frame : uint8_t { mount = 'M', change = 'C', seal = 'S', written = 'W' };
+enum class Frame : uint8_t { mount = 'M', change = 'C', seal = 'S', written = 'W', failure = 'F' };
 
 uint32_t crc32(std::string_view bytes) {
     uint32_t crc = 0xFFFFFFFF;
@@ -145,6 +145,8 @@ std::string change_frame(const regf::Change& change) {
 
 std::string seal_frame() { return Writer(Frame::seal).frame(); }
 
+std::string failure_frame() { return Writer(Frame::failure).frame(); }
+
 std::string written_frame(const regf::HiveStamp& stamp) {
     Writer out(Frame::written);
     stamp_fields(out, stamp);
@@ -171,6 +173,8 @@ std::optional<MountRecord> parse_record(std::string_view bytes) {
             record.written.reset();
         } else if (kind == Frame::written) {
             stamp_fields(frame, record.written.emplace());
+        } else if (kind == Frame::failure) {
+            record.failed_before = true;
         } else {
             break;
         }

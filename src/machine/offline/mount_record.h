@@ -8,15 +8,16 @@
 #include "regf_file/hive_file.h"
 
 /// What is known of one mounted hive, as a stream of frames (length, CRC-32, content) that only ever grows:
-/// first the mount, then each change, a seal wherever a run of changes is complete, and before the hive is
-/// written what it will be. A frame that was cut off by a crash or a full disk ends the stream, and so does
-/// one of a later version.
+/// first the mount, then each change, a seal wherever a run of changes is complete, before the hive is
+/// written what it will be, and that the writing failed where it did. A frame that was cut off by a crash or
+/// a full disk ends the stream, and so does one of a later version.
 namespace machine {
 
 struct Mount {
     std::string name;       ///< below HKEY_USERS, ANSI
     std::string file;       ///< the hive file as it was named: a Windows path (ANSI) or a host path
     regf::HiveStamp stamp;  ///< of the file at that time
+    bool operator==(const Mount&) const = default;
 };
 
 struct MountRecord {
@@ -26,12 +27,14 @@ struct MountRecord {
     size_t sealed_bytes = 0;           ///< where what stands fast ends
     /// What the file is with the sealed changes in it, once somebody has begun to write them.
     std::optional<regf::HiveStamp> written;
+    bool failed_before = false;  ///< to write the sealed changes has been tried in vain
 };
 
 std::string mount_frame(const Mount& mount);
 std::string change_frame(const regf::Change& change);
 std::string seal_frame();
 std::string written_frame(const regf::HiveStamp& stamp);
+std::string failure_frame();
 
 /// None where not even the mount can be read.
 std::optional<MountRecord> parse_record(std::string_view bytes);

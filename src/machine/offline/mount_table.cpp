@@ -13,7 +13,7 @@
 #include <cstring>
 
 #include "base/text.h"
-#include "regf/bytes.h"
+#include "hostfile/replacement.h"
 
 namespace machine {
 
@@ -33,23 +33,55 @@ std::string hex(std::string_view bytes) {
     return out;
 }
 
-}  // namespace
-
-std::string MountTable::path_of(std::string_view name) const {
-    return folder_ + "/" + hex(text::lower(name)) + std::string(ending);
+/// Belongs to this user, and `forbidden` is open to nobody.
+bool is_private(const struct stat& status, mode_t forbidden) {
+    return status.st_uid == geteuid() && (status.st_mode & forbidden) == 0;
 }
 
-std::vector<Mount> MountTable::mounts() const {
+base::Error not_private(const std::string& name) {
+    return {base::ErrorKind::refused, name + ": belongs to somebody else or is open to others"};
+}
+
+base::Result<MountRecord> read_record(const HostPlace& place) {
+    const auto opened = hostfile::open_regular(place, O_RDONLY);
+    if (!opened) return opened.error();
+    if (!is_private(opened->status, 0077)) return not_private(place.path());
+    const auto bytes = read_all(opened->file.number());
+    if (!bytes) return base::Error{base::ErrorKind::io, "the record of a mount cannot be read"};
+    auto record = parse_record(*bytes);
+    if (!record) return base::Error{base::ErrorKind::damaged, "the record of the mount is damaged"};
+    return std::move(*record);
+}
+
+}  // namespace
+
+base::Result<Descriptor> MountTable::open_folder() const {
+    Descriptor folder(open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    struct stat status {};
+    if (!folder.is_open() && errno == ENOTDIR) return not_private(folder_);
+    if (!folder.is_open() || fstat(folder.number(), &status) != 0)
+        return hostfile::system_error(folder_, "cannot be opened");
+    if (!is_private(status, 0077)) return not_private(folder_);
+    return folder;
+}
+
+base::Result<HostPlace> MountTable::place_of(std::string_view name) const {
+    auto folder = open_folder();
+    if (!folder) return folder.error();
+    return HostPlace{std::move(*folder), hex(text::lower(name)) + std::string(ending), true};
+}
+
+base::Result<std::vector<Mount>> MountTable::mounts() const {
     std::vector<Mount> mounts;
-    const Descriptor folder(open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!folder.is_open()) return mounts;
-    const auto names = names_in(folder.number());
-    if (!names) return mounts;
+    const auto folder = open_folder();
+    if (!folder && folder.error().kind == base::ErrorKind::missing) return mounts;
+    if (!folder) return folder.error();
+    const auto names = hostfile::names_in(folder->number());
+    if (!names) return names.error();
     for (const std::string& name : *names) {
         if (!name.ends_with(ending)) continue;
-        const auto file = open_file({folder.duplicate(), name, true}, O_RDONLY);
-        const auto bytes = file ? read_all(file->number()) : FileResult<std::string>(file.error());
-        const auto record = bytes ? parse_record(*bytes) : std::nullopt;
+        const auto record = read_record({folder->duplicate(), name, true});
+        if (!record && record.error().kind == base::ErrorKind::io) return record.error();
         if (record) mounts.push_back(record->mount);
     }
     std::sort(mounts.begin(), mounts.end(),
@@ -57,57 +89,86 @@ std::vector<Mount> MountTable::mounts() const {
     return mounts;
 }
 
-std::optional<MountRecord> MountTable::find(std::string_view name) const {
-    const Descriptor file(open(path_of(name).c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
-    if (!file.is_open()) return std::nullopt;
-    const auto bytes = read_all(file.number());
-    return bytes ? parse_record(*bytes) : std::nullopt;
+base::Result<MountRecord> MountTable::find(std::string_view name) const {
+    const auto place = place_of(name);
+    auto record = place ? read_record(*place) : base::Result<MountRecord>(place.error());
+    if (!record && record.error().kind == base::ErrorKind::missing)
+        return base::Error{base::ErrorKind::missing, "no hive is mounted there"};
+    return record;
 }
 
 base::Result<Done> MountTable::add(const Mount& mount) const {
     if (mount.name.size() > longest_name)
         return base::Error{base::ErrorKind::invalid, "the name of the key is too long"};
     if (const auto made = hostfile::make_folders(folder_); !made) return made.error();
+    const auto place = place_of(mount.name);
+    if (!place) return place.error();
     // Two tools at a time must not take one name: not every file system can rename without replacing.
-    const Descriptor folder(open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!folder.is_open() || flock(folder.number(), LOCK_EX) != 0)
-        return hostfile::system_error(folder_, "cannot be opened");
-    if (find(mount.name)) return base::Error{base::ErrorKind::refused, "another hive is mounted there"};
-    const HostPlace place{folder.duplicate(), path_of(mount.name).substr(folder_.size() + 1), false};
-    const FileError error =
-        replace_file(place, [&](int file) { return write_all(file, mount_frame(mount)); });
-    if (error == no_error) return Done{};
-    if (error == device_full)
-        return base::Error{base::ErrorKind::no_space, "no room to record the mount: the disk is full"};
-    return base::Error{base::ErrorKind::io, "cannot record the mount in " + folder_};
+    if (flock(place->folder.number(), LOCK_EX) != 0)
+        return hostfile::system_error(folder_, "cannot be locked");
+    const auto there = find(mount.name);
+    if (there) return base::Error{base::ErrorKind::refused, "another hive is mounted there"};
+    const base::ErrorKind why = there.error().kind;
+    if (why != base::ErrorKind::missing && why != base::ErrorKind::damaged) return there.error();
+    auto record = hostfile::Replacement::begin(*place, 0600);
+    if (!record) return record.error();
+    if (const FileError error = write_all(record->descriptor(), mount_frame(mount)))
+        return base::Error{error == device_full ? base::ErrorKind::no_space : base::ErrorKind::io,
+                           "cannot record the mount in " + folder_};
+    if (const auto flushed = record->flush(); !flushed) return flushed;
+    const auto placed = record->put_in_place(hostfile::Replacement::Old::may_exist);
+    return placed ? base::Result<Done>(Done{}) : placed.error();
 }
 
 base::Result<Done> MountTable::remove(std::string_view name) const {
-    if (unlink(path_of(name).c_str()) != 0)
+    const auto place = place_of(name);
+    if (!place) return place.error();
+    const int folder = place->folder.number();
+    if (unlinkat(folder, place->name.c_str(), 0) != 0 && errno != ENOENT)
         return hostfile::system_error(folder_, "the record of the mount cannot be removed");
-    const Descriptor folder(open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (folder.is_open()) (void)fsync(folder.number());  // some file systems flush no folder
+    (void)fsync(folder);  // some file systems flush no folder
     return Done{};
 }
 
 base::Result<Descriptor> MountTable::open_sealed(const MountRecord& record) const {
-    Descriptor file(open(path_of(record.mount.name).c_str(), O_WRONLY | O_APPEND | O_NOFOLLOW | O_CLOEXEC));
-    if (!file.is_open() || ftruncate(file.number(), static_cast<off_t>(record.sealed_bytes)) != 0)
+    const auto place = place_of(record.mount.name);
+    if (!place) return place.error();
+    auto opened = hostfile::open_regular(*place, O_WRONLY | O_APPEND);
+    if (!opened) return opened.error();
+    if (ftruncate(opened->file.number(), static_cast<off_t>(record.sealed_bytes)) != 0)
         return hostfile::system_error(folder_, "the record of the mount cannot be opened");
-    return file;
+    return std::move(opened->file);
+}
+
+bool MountTable::append(const MountRecord& record, const std::string& frame) const {
+    const auto file = open_sealed(record);
+    return file && write_all(file->number(), frame) == no_error && fdatasync(file->number()) == 0;
 }
 
 void MountTable::announce(const MountRecord& record, const regf::HiveStamp& stamp) const {
-    const auto file = open_sealed(record);
-    if (file && write_all(file->number(), written_frame(stamp)) == no_error) (void)fdatasync(file->number());
+    (void)append(record, written_frame(stamp));
 }
 
+bool MountTable::note_failure(const MountRecord& record) const { return append(record, failure_frame()); }
+
 std::string default_state_folder() {
-    if (const char* state = std::getenv("XDG_STATE_HOME"); state && *state == '/')
+    const auto own = [](const char* folder) {
+        struct stat status {};
+        return folder && *folder == '/' && (stat(folder, &status) != 0 || status.st_uid == geteuid());
+    };
+    const char* const home = std::getenv("HOME");
+    if (const char* state = std::getenv("XDG_STATE_HOME"); own(state) && (!home || own(home)))
         return std::string(state) + "/brightlock";
-    const char* home = std::getenv("HOME");
-    const passwd* account = home && *home == '/' ? nullptr : getpwuid(geteuid());
+    const passwd* account = own(home) ? nullptr : getpwuid(geteuid());
     return std::string(account ? account->pw_dir : home ? home : "") + "/.local/state/brightlock";
+}
+
+base::Result<Done> make_state_folder(const std::string& folder) {
+    if (auto made = hostfile::make_folders(folder); !made) return made;
+    struct stat status {};
+    if (stat(folder.c_str(), &status) != 0) return hostfile::system_error(folder, "cannot be examined");
+    if (!is_private(status, 0022)) return not_private(folder);
+    return Done{};
 }
 
 std::string mounts_folder(const std::string& state_folder, const std::string& drive_c) {
@@ -120,15 +181,14 @@ std::string mounts_folder(const std::string& state_folder, const std::string& dr
 
 base::Result<MountedHive> open_mounted(const DriveMap& drives, const MountTable& mounts,
                                        std::string_view name) {
-    const base::Error not_mounted{base::ErrorKind::missing, "no hive is mounted there"};
     const auto found = mounts.find(name);
-    if (!found) return not_mounted;
+    if (!found) return found.error();
     auto place = locate_hive(drives, found->mount.file);
     if (!place) return place.error();
     auto lock = hostfile::lock_with_patience(*place, hostfile::FileLock::Purpose::work, hostfile::a_moment);
     if (!lock) return lock.error();
     auto record = mounts.find(name);  // again, as only the lock keeps others from adding to it
-    if (!record) return not_mounted;
+    if (!record) return record.error();
     // Before it is read: another file that cannot be read must not hold on to the name for ever.
     const auto present = regf::identify(*place);
     if (!present) return present.error();
@@ -149,11 +209,12 @@ bool is_written(const DriveMap& drives, const MountRecord& record) {
     return present && present->stamp == record.written;
 }
 
-bool is_mounted(const DriveMap& drives, const MountTable& mounts, const HostPlace& file) {
+base::Result<bool> is_mounted(const DriveMap& drives, const MountTable& mounts, const HostPlace& file) {
     struct stat asked {};
     if (fstatat(file.folder.number(), file.name.c_str(), &asked, AT_SYMLINK_NOFOLLOW) != 0) return false;
     const auto all = mounts.mounts();
-    return std::any_of(all.begin(), all.end(), [&](const Mount& mount) {
+    if (!all) return all.error();
+    return std::any_of((*all).begin(), (*all).end(), [&](const Mount& mount) {
         const auto place = locate_hive(drives, mount.file);
         struct stat mounted {};
         return place &&

@@ -17,26 +17,37 @@ class MountTable {
     explicit MountTable(std::string folder) : folder_(std::move(folder)) {}
 
     const std::string& folder() const { return folder_; }
-    std::vector<Mount> mounts() const;
-    std::optional<MountRecord> find(std::string_view name) const;
+    /// All that can be read, by name; damaged records are passed over.
+    base::Result<std::vector<Mount>> mounts() const;
+    /// `missing`: there is no such record, and nothing else is called so. `damaged`: nobody can read it.
+    /// `refused`: another user could have written it.
+    base::Result<MountRecord> find(std::string_view name) const;
 
     /// `refused` where the name is taken; a record that nobody can read takes none. The record is there as a
     /// whole or not at all.
     base::Result<Done> add(const Mount& mount) const;
+    /// What is gone already is removed.
     base::Result<Done> remove(std::string_view name) const;
     /// Opens a record for appending, with all behind its last seal cut off.
     base::Result<Descriptor> open_sealed(const MountRecord& record) const;
     /// Notes what the hive is about to become; where it cannot, the next unload of a killed one says less.
     void announce(const MountRecord& record, const regf::HiveStamp& stamp) const;
+    /// Notes that the hive could not be written. False where that cannot be noted.
+    bool note_failure(const MountRecord& record) const;
 
   private:
-    std::string path_of(std::string_view name) const;
+    base::Result<Descriptor> open_folder() const;
+    base::Result<HostPlace> place_of(std::string_view name) const;
+    bool append(const MountRecord& record, const std::string& frame) const;
 
     std::string folder_;
 };
 
-/// `$XDG_STATE_HOME/brightlock`, or the usual place below the home folder.
+/// `$XDG_STATE_HOME/brightlock`, or the usual place below the home folder. Where the environment tells of
+/// another user's folders, as it may for root, they are passed over.
 std::string default_state_folder();
+/// Makes the folder where it is missing. `refused` where others could write in it.
+base::Result<Done> make_state_folder(const std::string& folder);
 /// Where the mounts of an installation are kept: one folder for each folder that stands for a drive C.
 std::string mounts_folder(const std::string& state_folder, const std::string& drive_c);
 
@@ -54,6 +65,6 @@ base::Result<MountedHive> open_mounted(const DriveMap& drives, const MountTable&
 /// A run wrote the sealed changes into the file and died before it could remove the record.
 bool is_written(const DriveMap& drives, const MountRecord& record);
 /// A hive of the table is this very file.
-bool is_mounted(const DriveMap& drives, const MountTable& mounts, const HostPlace& file);
+base::Result<bool> is_mounted(const DriveMap& drives, const MountTable& mounts, const HostPlace& file);
 
 }  // namespace machine

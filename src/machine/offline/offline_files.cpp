@@ -24,7 +24,9 @@ bool is_boot_options_file(std::string_view path) { return text::equal_ignoring_c
 
 bool OfflineFiles::is_in_use(const HostPlace& place) const {
     const auto lock = hostfile::FileLock::acquire(place, hostfile::FileLock::Purpose::look);
-    return (!lock && lock.error().kind == base::ErrorKind::in_use) || is_mounted(drives_, mounts_, place);
+    if (!lock && lock.error().kind == base::ErrorKind::in_use) return true;
+    const auto mounted = is_mounted(drives_, mounts_, place);
+    return !mounted || *mounted;  // where that cannot be told it may be
 }
 
 FileError OfflineFiles::check_change(const HostPlace& place) const {
@@ -61,6 +63,7 @@ FileError OfflineFiles::read(std::string_view path, std::string& bytes) {
     }
     const auto file = open_file(*place, O_RDONLY);
     if (!file) return file.error();
+    if (is_in_use(*place)) return permission_denied;
     auto content = read_all(file->number());
     if (!content) return content.error();
     bytes = std::move(*content);

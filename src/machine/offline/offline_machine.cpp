@@ -34,7 +34,7 @@ base::Result<std::unique_ptr<OfflineMachine>> OfflineMachine::open(const Offline
     auto software = locate_hive(*drives, installation->system_directory + "\\config\\software");
     if (!software) return software.error();
     const std::string state = options.state_folder.empty() ? default_state_folder() : options.state_folder;
-    if (const auto made = hostfile::make_folders(state); !made) return made.error();
+    if (const auto made = make_state_folder(state); !made) return made.error();
     auto user = hostfile::place_of(state + "/user.hive");
     if (!user) return user.error();
     return std::unique_ptr<OfflineMachine>(

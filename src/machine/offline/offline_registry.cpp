@@ -48,6 +48,9 @@ OfflineRegistry::Location OfflineRegistry::locate(Root root, std::string_view su
         return location;
     }
     std::span<const std::string_view> levels = *split;
+    location.key = std::to_string(static_cast<uint32_t>(root));
+    for (const std::string_view level : levels)
+        location.key += '\\' + text::lower(level);
     if (root == Root::current_user) {
         location.store = &user_;
     } else if (levels.empty()) {
@@ -80,13 +83,20 @@ WinCode OfflineRegistry::open_for_writing(const Location& location) {
     return opened.key ? location.store->check_writing() : opened.code;
 }
 
+void OfflineRegistry::remember_spelling(const Location& location, const Opened& opened) {
+    if (opened.key && !spelling_.knows(location.key))
+        spelling_.remember(location.key, opened.hive->values(*opened.key));
+}
+
 Outcome OfflineRegistry::query(Root root, std::string_view subkey, std::string_view name, RawValue& out) {
-    const Opened opened = open(locate(root, subkey));
+    const Location location = locate(root, subkey);
+    const Opened opened = open(location);
     if (opened.code != success) return refused(opened.code);
     if (!opened.key) return {success, file_not_found};
+    remember_spelling(location, opened);
     const auto value = opened.hive->value(*opened.key, text::to_utf16(text::up_to_nul(name)));
     if (!value) return {success, file_not_found};
-    out = spelling_.to_ansi(*value);
+    out = Spelling::to_ansi(*value);
     return {};
 }
 
@@ -95,16 +105,18 @@ Outcome OfflineRegistry::set(Root root, std::string_view subkey, std::string_vie
     Location location = locate(root, subkey);
     if (const WinCode code = open_for_writing(location); code != success) return refused(code);
     if (!location.store) return {success, access_denied};
-    const auto stored = spelling_.to_stored(value);
-    if (!stored) return {success, no_such_spelling};
-    return {success, location.store->apply(change(regf::Change::Kind::set_value, std::move(location.path),
-                                                  text::up_to_nul(name), *stored))};
+    remember_spelling(location, open(location));
+    const std::string_view plain_name = text::up_to_nul(name);
+    return {success,
+            location.store->apply(change(regf::Change::Kind::set_value, std::move(location.path), plain_name,
+                                         spelling_.to_stored(location.key, plain_name, value)))};
 }
 
 Outcome OfflineRegistry::delete_value(Root root, std::string_view subkey, std::string_view name) {
     Location location = locate(root, subkey);
     if (const WinCode code = open_for_writing(location); code != success) return refused(code);
     if (!location.store) return {success, file_not_found};
+    remember_spelling(location, open(location));
     return {success, location.store->apply(change(regf::Change::Kind::delete_value, std::move(location.path),
                                                   text::up_to_nul(name)))};
 }
@@ -125,6 +137,8 @@ WinCode OfflineRegistry::delete_key(Root root, std::string_view subkey) {
     if (const WinCode code = open_for_writing(location); code != success) return code;
     const Opened opened = open(location);
     if (!opened.key || location.at_top || !opened.hive->subkeys(*opened.key).empty()) return access_denied;
+    remember_spelling(location, opened);
+    spelling_.forget_uses(location.key);
     return location.store->apply(change(regf::Change::Kind::delete_key, std::move(location.path)));
 }
 
@@ -135,7 +149,8 @@ std::vector<std::string> OfflineRegistry::subkey_names(Root root, std::string_vi
     if (opened.code != success) return names;
     if (!opened.key) {
         if (root == Root::local_machine) return {std::string(software)};
-        for (const Mount& mount : mounts_.mounts())
+        const auto mounts = mounts_.mounts();
+        for (const Mount& mount : mounts ? *mounts : std::vector<Mount>())
             names.push_back(mount.name);
         return names;
     }
@@ -158,6 +173,7 @@ WinCode OfflineRegistry::release_mounts() {
         if (const WinCode code = hive->seal(); code != success) worst = code;
     }
     open_mounts_.clear();
+    spelling_.end_session();
     return worst;
 }
 

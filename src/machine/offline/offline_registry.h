@@ -41,6 +41,7 @@ class OfflineRegistry : public Registry {
         HiveStore* store = nullptr;
         std::u16string path;  ///< in the hive
         bool at_top = false;  ///< the root key of the hive
+        std::string key;      ///< one name for one key, whatever its spelling
     };
     Location locate(Root root, std::string_view subkey);
     /// The key at a location, once the hive has been read.
@@ -51,6 +52,8 @@ class OfflineRegistry : public Registry {
     };
     static Opened open(const Location& location);
     static WinCode open_for_writing(const Location& location);
+    /// Before the first value of a key is read or changed.
+    void remember_spelling(const Location& location, const Opened& opened);
     HiveStore* mounted(std::string_view name, WinCode& code);
     std::vector<std::string> subkey_names(Root root, std::string_view subkey);
 

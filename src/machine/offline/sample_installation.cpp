@@ -60,7 +60,8 @@ Result<Done> write_hive(const std::string& path, uint32_t minor, const std::u16s
     }
     const auto place = hostfile::place_of(path);
     if (!place) return place.error();
-    return regf::write_new(*place, hive, now);
+    const auto written = regf::write_new(*place, hive, now);
+    return written ? base::Result<Done>(Done{}) : written.error();
 }
 
 Result<Done> write_file(const std::string& path, std::string_view bytes) {
@@ -122,8 +123,8 @@ Result<Done> make_machine_hives(const std::string& config, const WindowsFamily& 
         {windows_nt, "CurrentBuildNumber", family.build},
         {windows_nt, "ProductName", family.product},
         {windows_nt, "SystemRoot", std::string("C:\\") + family.folder},
-        {windows_nt, "RegisteredOwner", "Morvane Primary School"},
-        {windows_nt, "RegisteredOrganization", "Computer room"},
+        {windows_nt, "RegisteredOwner", "Computer room"},
+        {windows_nt, "RegisteredOrganization", "Morvane Primary School"},
         {windows_key, "ProgramFilesDir", "C:\\Program Files"},
         {std::string(windows_key) + "\\Uninstall", "", ""},
         {"Policies", "", ""},

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdlib>
+
+#include "regf/bytes.h"
+#include "regf/examine.h"
+#include "regf/hive.h"
+#include "regf/layout.h"
+
+/// What the fuzzers demand of every hive.
+namespace fuzz {
+
+using regf::Bytes;
+using regf::ByteView;
+
+inline void require(bool holds) {
+    if (!holds) std::abort();
+}
+
+/// Damage shall reach what lies behind the checksum.
+inline void repair_checksum(Bytes& file) {
+    if (file.size() >= regf::base_block::checksum + 4)
+        regf::put32(file, regf::base_block::checksum, regf::base_block_checksum(file));
+}
+
+/// A number that tells one content from another.
+inline size_t walk(const regf::Hive& hive, regf::Key key) {
+    size_t sum = hive.name(key).size() + hive.class_name(key).size() + hive.security(key).size();
+    for (const auto& value : hive.values(key)) {
+        sum = sum * 31 + value.name.size() * 7 + value.data.size() + value.type;
+        (void)hive.value(key, value.name);
+    }
+    for (regf::Key child : hive.subkeys(key))
+        sum = sum * 37 + walk(hive, child);
+    return sum;
+}
+
+/// What is edited can be written, is sound then, and has the same content.
+inline void require_sound_commit(const regf::Hive& hive) {
+    const auto sealed = hive.sealed_image(6);
+    require(sealed.ok());
+    const auto again = regf::Hive::open(*sealed);
+    require(again.ok() && again->read_only_reason().empty() && !again->recovered());
+    require(walk(*again, again->root()) == walk(hive, hive.root()));
+    require(again->count_differences() == 0);
+}
+
+}  // namespace fuzz
