@@ -158,8 +158,9 @@ std::string entries_of(HMENU menu) {
         char text[100];
         GetMenuStringA(menu, i, text, sizeof text, MF_BYPOSITION);
         const UINT state = GetMenuState(menu, i, MF_BYPOSITION);
-        const std::string caption = state & MF_SEPARATOR ? "-" : text;
-        out += (state & MF_GRAYED ? "(" + caption + ")" : caption) + "|";
+        const std::string caption = text;
+        out += state & MF_SEPARATOR ? "-" : state & MF_GRAYED ? "(" + caption + ")" : caption;
+        out += "|";
     }
     return out;
 }
@@ -173,12 +174,16 @@ BOOL CALLBACK note_child(HWND child, LPARAM seen) {
     return TRUE;
 }
 
+/// The desktop's window manager takes its time to bring a box up: it is the same one at two ticks.
 void CALLBACK on_tick(HWND, UINT, UINT_PTR id, DWORD) {
+    static HWND seen = nullptr;
+    HWND const active = GetForegroundWindow() == GetActiveWindow() ? GetActiveWindow() : nullptr;
     char kind[20] = "";
-    GetClassNameA(GetActiveWindow(), kind, sizeof kind);
-    if (std::string_view(kind) != "#32770") return;  // no dialog yet
+    GetClassNameA(active, kind, sizeof kind);
+    if (std::exchange(seen, active) != active || std::string_view(kind) != "#32770") return;
     KillTimer(nullptr, id);
-    somebody->meet_box(GetActiveWindow());
+    seen = nullptr;
+    somebody->meet_box(active);
 }
 
 }  // namespace
@@ -251,6 +256,7 @@ void Win32Person::click(const Control& control) {
 }
 
 void Win32Person::click_line(const Control& control, int line) {
+    Sleep(GetDoubleClickTime());  // it is no second half of a double click
     point_at(control, line_at(control, line));
     press_mouse();
     screen_.process_events();
@@ -277,7 +283,7 @@ void Win32Person::close_window(const Form&) {
 
 void Win32Person::at_next_box(Keys keys) {
     for_box_ = std::move(keys);
-    SetTimer(nullptr, 0, 50, &on_tick);
+    SetTimer(nullptr, 0, 150, &on_tick);
 }
 
 void Win32Person::meet_box(HWND box) {

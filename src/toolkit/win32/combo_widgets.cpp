@@ -38,6 +38,7 @@ class ListOnlyCombo : public Shown<C> {
     std::vector<std::string> lines_;
     std::string text_;
     bool chosen_ = false;
+    bool moving_ = false;
 
     int selected() const { return static_cast<int>(this->send(CB_GETCURSEL)); }
     bool is_open() const { return this->send(CB_GETDROPPEDSTATE) != 0; }
@@ -92,8 +93,11 @@ class ListOnlyCombo : public Shown<C> {
     }
 
     LRESULT on_move(const Message& message) {
+        if (moving_) return this->pass_on(message);  // the wheel comes again as a key
         const int before = selected();
+        moving_ = true;
         const LRESULT answer = this->pass_on(message);
+        moving_ = false;
         if (!is_open() && !chosen_ && selected() != before) choose(selected());
         return answer;
     }

@@ -1,7 +1,9 @@
 #include "toolkit/win32/message_queue.h"
 
+#include <optional>
 #include <utility>
 
+#include "base/text.h"
 #include "toolkit/win32/window.h"
 
 namespace toolkit::win32 {
@@ -11,26 +13,51 @@ namespace {
 constexpr const char* idle_class = "BrightlockIdle";
 constexpr UINT wake_up = WM_APP;
 
+/// Windows NT gives letters as UTF-16 where it is asked to, so that one beyond the code page is told from the
+/// question mark that stands for it. Windows 95 has these calls as empty shells, but knows no such letters.
+struct Calls {
+    decltype(&GetMessageA) get = &GetMessageA;
+    decltype(&PeekMessageA) peek = &PeekMessageA;
+    decltype(&DispatchMessageA) dispatch = &DispatchMessageA;
+    bool wide = false;
+};
+
+const Calls& calls() {
+    static const bool is_nt = GetVersion() < 0x80000000;
+    static const Calls narrow;
+    static const Calls wide{&GetMessageW, &PeekMessageW, &DispatchMessageW, true};
+    return is_nt ? wide : narrow;
+}
+
+/// What the letter of a message is in the code page; none: nothing there spells it.
+std::optional<char> letter_of(const MSG& message) {
+    return calls().wide ? text::from_utf16(static_cast<char16_t>(message.wParam))
+                        : static_cast<char>(message.wParam);
+}
+
 void handle(const MSG& message) {
+    const bool is_letter = message.message == WM_CHAR || message.message == WM_SYSCHAR;
+    const auto letter = is_letter ? letter_of(message) : '\0';
+    if (!letter) return;
     const bool is_key = message.message >= WM_KEYFIRST && message.message <= WM_KEYLAST;
     Window* const window = is_key ? Window::around(message.hwnd) : nullptr;
-    if (window && window->takes_key(message)) return;
+    if (window && window->takes_key(message, *letter)) return;
     TranslateMessage(&message);
-    DispatchMessageA(&message);
+    calls().dispatch(&message);
 }
 
 }  // namespace
 
 bool pump_next() {
     MSG message;
-    if (GetMessageA(&message, nullptr, 0, 0) <= 0) return false;
+    if (calls().get(&message, nullptr, 0, 0) <= 0) return false;
     handle(message);
     return true;
 }
 
 void pump_waiting() {
     MSG message;
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE))
+    while (calls().peek(&message, nullptr, 0, 0, PM_REMOVE))
         handle(message);
 }
 

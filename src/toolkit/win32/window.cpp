@@ -283,7 +283,7 @@ void Window::settle_keyboard() {
 
 bool Window::is_waiting() const { return keyboard_ && !keyboard_->usable() && form_.toolkit().busy(); }
 
-bool Window::takes_key(const MSG& message) {
+bool Window::takes_key(const MSG& message, char letter) {
     switch (message.message) {
         case WM_KEYDOWN: {
             if (is_waiting()) return true;  // typed at a control that was there just now
@@ -293,7 +293,7 @@ bool Window::takes_key(const MSG& message) {
         case WM_CHAR:
             return is_waiting();
         case WM_SYSCHAR:
-            return takes_access_key(static_cast<char>(message.wParam));
+            return takes_access_key(letter);
         default:
             return false;
     }

@@ -26,8 +26,9 @@ class Window : public toolkit::WindowPeer {
     /// Null where the window, or the one it lies in, is not a form's.
     static Window* around(HWND window);
 
-    /// A key on its way to this window or one in it: true where the form has taken it.
-    bool takes_key(const MSG& message);
+    /// A key on its way to this window or one in it, and its letter where it has one: true where the form has
+    /// taken it.
+    bool takes_key(const MSG& message, char letter);
     /// The person goes to a control. False where what came of it has swallowed the click that led there.
     bool person_goes_to(Control& control);
     /// The keyboard is this control's, as soon as the window is active and the control can be used.
