@@ -290,8 +290,11 @@ void Win32Person::meet_box(HWND box) {
     box_ = {win32::text_of(box), "", {}};
     EnumChildWindows(box, &note_child, reinterpret_cast<LPARAM>(&box_));
     std::fputs((box_.text + "\n").c_str(), stderr);
-    for (const Key key : std::exchange(for_box_, {}))
-        hit(key);
+    // The keyboard of a box is that of the moment: Tab moves it.
+    for (const Key key : std::exchange(for_box_, {})) {
+        PostMessageA(GetFocus(), WM_KEYDOWN, code(key), 1);
+        PostMessageA(GetFocus(), WM_KEYUP, code(key), static_cast<LPARAM>(0xc0000001));
+    }
 }
 
 // --- the eye
