@@ -29,8 +29,8 @@ Control::Control(Form& form, Kind kind, std::string_view name) : form_(form), ki
     form.controls_.push_back(this);
 }
 
-void Control::refresh() const {
-    if (peer) peer->refresh(*this);
+void Control::refresh(Change change) const {
+    if (peer) peer->refresh(*this, change);
 }
 
 void Control::set_text(std::string_view text) {
@@ -38,24 +38,26 @@ void Control::set_text(std::string_view text) {
     refresh();
 }
 
+void Control::set_spoken_name(std::string_view name) { own_spoken_name_ = text::up_to_nul(name); }
+
 void Control::set_enabled(bool enabled) {
     enabled_ = enabled;
-    refresh();
+    refresh(Change::enabled);
 }
 
 void Control::set_visible(bool visible) {
     visible_ = visible;
-    refresh();
+    refresh(Change::visible);
 }
 
 void Control::set_place(const Rect& place) {
     place_ = place;
-    refresh();
+    refresh(Change::place);
 }
 
 void Control::set_font_size(int points) {
     font_size_ = points;
-    refresh();
+    refresh(Change::font);
 }
 
 void Control::set_parent(Control* parent, int page) {
@@ -74,7 +76,7 @@ bool Control::on_show() const {
 
 bool Control::usable() const {
     for (const Control* c = this; c; c = c->parent_) {
-        if (!c->enabled_) return false;
+        if (!c->responsive()) return false;
     }
     return on_show();
 }
@@ -147,7 +149,7 @@ const std::string& ListBox::item(int index) const {
 void ListBox::add(std::string_view text) {
     if (count() == longest_list) throw RuntimeError(6);
     items_.emplace_back(text::up_to_nul(text));
-    refresh();
+    refresh(Change::appended);
 }
 
 void ListBox::remove(int index) {
@@ -185,7 +187,7 @@ void ListBox::click_item(int index) {
 
 void ComboBox::add(std::string_view text) {
     items_.emplace_back(text::up_to_nul(text));
-    refresh();
+    refresh(Change::appended);
 }
 
 void ComboBox::choose(int index) {
@@ -200,7 +202,7 @@ void ComboBox::choose(int index) {
 
 void ListView::add(std::string_view text, std::string_view key) {
     rows_.push_back({std::string(text::up_to_nul(text)), std::string(key), false});
-    refresh();
+    refresh(Change::appended);
 }
 
 void ListView::clear() {
@@ -233,6 +235,10 @@ void TabContainer::set_current(int page) {
     if (page == current_) return;
     current_ = page;
     refresh();
+    for (const Control* control : form().controls()) {
+        if (control->kind() == Kind::list_bar && control->peer)
+            control->peer->refresh(*control, Change::content);
+    }
     Toolkit& screen = form().toolkit();
     if (screen.focus() && &screen.focus()->form() == &form() && !screen.focus()->on_show()) {
         screen.set_focus(this);  // the page that went took the focus with it
@@ -256,6 +262,13 @@ void ListBar::set_group(std::string_view key, std::string_view caption) {
 void ListBar::add(Item item) {
     items_.push_back(std::move(item));
     refresh();
+}
+
+int ListBar::marked() const {
+    for (const Control* control : form().controls()) {
+        if (control->kind() == Kind::tab) return static_cast<const TabContainer*>(control)->current();
+    }
+    return -1;
 }
 
 void ListBar::click_item(int index) {
@@ -392,9 +405,14 @@ void MenuItem::set_visible(bool visible) {
     form_.refresh();
 }
 
+void MenuItem::set_enabled(bool enabled) {
+    enabled_ = enabled;
+    form_.refresh();
+}
+
 void MenuItem::click() {
     for (const MenuItem* m = this; m; m = m->parent_) {
-        if (!m->visible_) return;
+        if (!m->visible_ || !m->responsive()) return;
     }
     if (form_.shown()) fire(on_click);
 }

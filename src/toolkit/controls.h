@@ -25,13 +25,23 @@ class Form;
 class Toolkit;
 struct Drawing;
 
+/// What of a control is new.
+enum class Change {
+    all,
+    place,
+    font,
+    enabled,
+    visible,
+    content,   ///< text, value, selection, lines
+    appended,  ///< one line more at the end of the list, nothing else
+};
+
 /// The picture of one control on the screen.
 class Peer {
   public:
     virtual ~Peer() = default;
-    /// Some property of the control is new. What the widget then reports of itself must not come back as an
-    /// event.
-    virtual void refresh(const Control& control) = 0;
+    /// What the widget then reports of itself must not come back as an event.
+    virtual void refresh(const Control& control, Change change) = 0;
 };
 
 /// An event without arguments.
@@ -74,8 +84,13 @@ class Control {
     /// The caption, or the content of a text box and the edit field of a combo box.
     const std::string& text() const { return text_; }
     virtual void set_text(std::string_view text);
+    /// What a screen reader calls the control where no caption or label does; spoken_name() has the rule.
+    const std::string& own_spoken_name() const { return own_spoken_name_; }
+    void set_spoken_name(std::string_view name);
     bool enabled() const { return enabled_; }
     void set_enabled(bool enabled);
+    /// Enabled, and with something to do: a screen greys what is not.
+    virtual bool responsive() const { return enabled_; }
     bool visible() const { return visible_; }
     void set_visible(bool visible);
     const Rect& place() const { return place_; }
@@ -92,7 +107,7 @@ class Control {
 
     /// On show all the way up: itself, its frames, the page of the tab.
     bool on_show() const;
-    /// On show and enabled all the way up: a person can use it.
+    /// On show and responsive all the way up: a person can use it.
     bool usable() const;
     /// Can it have the focus by its kind?
     virtual bool takes_focus() const { return false; }
@@ -103,13 +118,14 @@ class Control {
     Peer* peer = nullptr;  ///< not owned; the renderer sets and clears it
 
   protected:
-    void refresh() const;
+    void refresh(Change change = Change::content) const;
 
   private:
     Form& form_;
     Kind kind_;
     std::string name_;
     std::string text_;
+    std::string own_spoken_name_;
     Rect place_;
     Control* parent_ = nullptr;
     int page_ = 0;
@@ -152,6 +168,7 @@ class Button : public Control {
     Button(Form& form, std::string_view name) : Control(form, Kind::button, name) {}
     bool is_default = false;  ///< Enter presses it
     bool is_cancel = false;   ///< Esc presses it
+    bool responsive() const override { return enabled() && on_click; }
     bool takes_focus() const override { return true; }
     /// A person clicks it, or uses its access key: it takes the focus.
     void click();
@@ -282,6 +299,10 @@ class ListBar : public Control {
     const std::vector<Item>& items() const { return items_; }
     void add(Item item);
     bool takes_focus() const override { return true; }
+
+    /// The item of the page on show, from 0: the bar lists the pages of the form's tab container. -1: the
+    /// form has none.
+    int marked() const;
 
     /// `index` from 1.
     void click_item(int index);
@@ -422,6 +443,9 @@ class MenuItem {
     bool separator() const { return caption_ == "-"; }
     bool visible() const { return visible_; }
     void set_visible(bool visible);
+    void set_enabled(bool enabled);
+    /// Enabled, and with a command or entries behind it: a screen greys what is not.
+    bool responsive() const { return enabled_ && (on_click || !entries_.empty()); }
     const std::vector<MenuItem*>& entries() const { return entries_; }
 
     void click();
@@ -432,6 +456,7 @@ class MenuItem {
     MenuItem* parent_ = nullptr;
     std::string name_;
     std::string caption_;
+    bool enabled_ = true;
     bool visible_ = true;
     std::vector<MenuItem*> entries_;
 };

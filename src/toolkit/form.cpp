@@ -27,12 +27,12 @@ void Form::set_mouse_pointer(MousePointer pointer) {
     refresh();
 }
 
-void Form::lay_out(const std::vector<Place>& places) {
+void Form::lay_out(const std::vector<LayoutRow>& rows) {
     std::vector<Control*> order;
-    for (const Place& p : places) {
-        p.control.set_parent(p.parent, p.control.page());
-        p.control.set_place(p.rect);
-        order.push_back(&p.control);
+    for (const LayoutRow& row : rows) {
+        row.control.set_parent(row.parent, row.control.page());
+        row.control.set_place(row.rect);
+        order.push_back(&row.control);
     }
     for (Control* c : controls_) {
         if (std::find(order.begin(), order.end(), c) == order.end()) order.push_back(c);

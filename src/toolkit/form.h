@@ -41,12 +41,12 @@ class Form {
     bool shown() const { return shown_; }
 
     /// One row of a layout: what stands where, and in what. The order of the rows is the tab order.
-    struct Place {
+    struct LayoutRow {
         Control& control;
         Control* parent;  ///< null: the form
         Rect rect;
     };
-    void lay_out(const std::vector<Place>& places);
+    void lay_out(const std::vector<LayoutRow>& rows);
 
     /// In tab order; controls without a place come last.
     const std::vector<Control*>& controls() const { return controls_; }

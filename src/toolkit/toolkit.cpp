@@ -81,7 +81,7 @@ void Toolkit::deliver(const std::function<void()>& event) {
             message_box(
                 {.text = "Run-time error '" + std::to_string(error.number()) + "':\n\n" + error.text(),
                  .icon = Icon::critical});
-            end_process();
+            end_process(Ending::failed);
         }
     }
     if (depth_ > 0 || unloaded_.empty()) return;

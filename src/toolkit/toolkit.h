@@ -15,6 +15,9 @@ enum class Icon { none, critical, question, exclamation, information };
 enum class Buttons { ok, yes_no, abort_retry_ignore };
 enum class Answer { ok = 1, abort = 3, retry = 4, ignore = 5, yes = 6, no = 7 };
 
+/// How a process ends: as it was meant to, or by a run-time error.
+enum class Ending { done, failed };
+
 struct Box {
     std::string text = {};
     std::string title = {};  ///< empty: the product's name
@@ -54,7 +57,7 @@ class Toolkit {
 
     /// Stops the process at once: no further event, nothing saved. The editions never return from here; in
     /// tests it throws.
-    [[noreturn]] virtual void end_process() = 0;
+    [[noreturn]] virtual void end_process(Ending ending = Ending::done) = 0;
 
     /// Shows a form, or brings it up; not modal.
     void show(Form& form);
@@ -72,6 +75,8 @@ class Toolkit {
     /// process. Renderers pass every event through here; events nest while a box is open or process_events()
     /// runs.
     void deliver(const std::function<void()>& event);
+    /// An event is being delivered: what a person does now comes while the program waits for something.
+    bool busy() const { return depth_ > 0; }
 
     const std::vector<Form*>& forms() const { return forms_; }
 

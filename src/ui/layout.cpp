@@ -21,7 +21,7 @@ constexpr int button_height = 375;
 
 /// In tab order; what comes later lies above.
 void MainForm::place_controls() {
-    std::vector<Place> places;
+    std::vector<LayoutRow> places;
     auto put = [&](toolkit::Control& control, toolkit::Control* parent, toolkit::Rect rect) {
         places.push_back({control, parent, rect});
     };

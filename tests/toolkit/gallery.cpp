@@ -60,6 +60,7 @@ void Gallery::caption_menus() {
     m_more.set_caption("&More");
     m_deep.set_caption("&Deep");
     m_help.set_caption("&Help");
+    m_unbuilt.set_caption("Not &built yet");
 }
 
 void Gallery::fill() {
@@ -96,6 +97,7 @@ void Gallery::fill() {
     combo.set_text("somebody else");
     apply.set_text("&Apply");
     cancel.set_text("&Cancel");
+    unbuilt.set_text("Later");
     cancel.is_cancel = true;
     ok.set_text("&OK");
     ok.is_default = true;
@@ -123,7 +125,8 @@ void Gallery::place_all() {
         {heading, &panel, {120, 240, 2100, 360}},     {hint, &panel, {120, 660, 2100, 900}},
         {picture, &panel, {120, 2000, 2100, 1500}},   {combo, nullptr, {1995, 5250, 2295, 315}},
         {apply, nullptr, {4395, 5220, 1215, 375}},    {cancel, nullptr, {5700, 5220, 1215, 375}},
-        {ok, nullptr, {7005, 5220, 1215, 375}},       {status, nullptr, {0, 5835, 8730, 285}},
+        {ok, nullptr, {7005, 5220, 1215, 375}},       {unbuilt, &panel, {120, 3700, 1215, 375}},
+        {status, nullptr, {0, 5835, 8730, 285}},
     });
     page2.set_parent(&tab, 1);
     page3.set_parent(&tab, 2);

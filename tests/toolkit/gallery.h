@@ -40,7 +40,8 @@ class Gallery : public toolkit::Form {
     void note(const std::string& what) { log_ += (log_.empty() ? "" : " ") + what; }
 
     toolkit::MenuItem m_file{*this, "m_file"}, m_open{m_file, "m_open"}, m_line{m_file, "m_line"},
-        m_more{m_file, "m_more"}, m_deep{m_more, "m_deep"}, m_help{*this, "m_help"};
+        m_more{m_file, "m_more"}, m_deep{m_more, "m_deep"}, m_unbuilt{m_file, "m_unbuilt"},
+        m_help{*this, "m_help"};
     toolkit::ListBar bar{*this, "bar"};
     toolkit::TabContainer tab{*this, "tab"};
     toolkit::Frame page1{*this, "page1"}, page2{*this, "page2"}, page3{*this, "page3"};
@@ -56,7 +57,8 @@ class Gallery : public toolkit::Form {
     toolkit::Label heading{*this, "heading"}, hint{*this, "hint"};
     toolkit::PictureBox picture{*this, "picture"}, photo{*this, "photo"};
     toolkit::ComboBox combo{*this, "combo"};
-    toolkit::Button apply{*this, "apply"}, cancel{*this, "cancel"}, ok{*this, "ok"};
+    toolkit::Button apply{*this, "apply"}, cancel{*this, "cancel"}, ok{*this, "ok"},
+        unbuilt{*this, "unbuilt"};
     toolkit::StatusBar status{*this, "status"};
     toolkit::Timer clock{*this, "clock"};
 

@@ -1,19 +1,24 @@
+#include <gtest/gtest.h>
+
 #include <QBuffer>
 #include <QComboBox>
 #include <QDialog>
 #include <QLineEdit>
 #include <QListView>
+#include <QTest>
 
-#include "toolkit/desk.h"
-#include "toolkit/qt/file_filter.h"
 #include "toolkit/qt/picture.h"
+#include "toolkit/qt_person.h"
 
 using namespace toolkit;
 
 namespace {
 
-// A grey dot.
-constexpr std::string_view gif{"GIF89a\1\0\1\0\x80\0\0\x80\x80\x80\0\0\0,\0\0\0\0\1\0\1\0\0\2\2D\1\0;", 35};
+// 8 by 8 pixels of dark cyan.
+constexpr std::string_view gif{
+    "GIF87a\010\000\010\000\360\000\000\000\200\200\000\000\000\054\000\000\000\000\010\000\010\000\000\002"
+    "\007\204\217\251\313\355\135\000\000\073",
+    40};
 
 std::string picture_file(const char* format) {
     if (std::string_view(format) == "gif") return std::string(gif);
@@ -37,6 +42,21 @@ TEST(Picture, ShowsTheFormatsOfADesktopOnly) {
     EXPECT_TRUE(qt::decode_picture("").isNull());
 }
 
+TEST(Picture, ShowsNoMemoryWhereTheFileEndsEarly) {
+    for (const char* format : {"bmp", "gif"}) {
+        const std::string whole = picture_file(format);
+        for (size_t length = 0; length < whole.size(); ++length) {
+            const QImage image = qt::decode_picture(std::string_view(whole).substr(0, length));
+            for (int i = 0; i < image.width() * image.height(); ++i) {
+                const QColor colour = image.pixelColor(i % image.width(), i / image.width());
+                ASSERT_TRUE(colour == Qt::darkCyan || colour == Qt::white || colour == Qt::black ||
+                            colour.alpha() == 0)
+                    << format << " of " << length << " bytes: " << colour.name(QColor::HexArgb).toStdString();
+            }
+        }
+    }
+}
+
 TEST(Picture, SurvivesHostileBytes) {
     for (const char* format : {"bmp", "ico", "jpeg", "gif"}) {
         const std::string whole = picture_file(format);
@@ -56,49 +76,17 @@ TEST(Picture, SurvivesHostileBytes) {
     EXPECT_TRUE(qt::decode_picture(bomb).isNull());
 }
 
-TEST(FileFilter, PatternsAndNames) {
-    const auto filters = qt::parse_filters("Programs (*.exe)|*.exe;*.com|All|*.*|left over");
-    ASSERT_EQ(filters.size(), 2U);
-    EXPECT_EQ(filters[1].description, "All");
-    EXPECT_EQ(filters[1].pattern, "*.*");
-
-    struct Row {
-        const char* pattern;
-        const char* name;
-        bool expected;
-    };
-    for (const auto& [pattern, name, expected] : {Row{"*.brl", "All.BRL", true},
-                                                  {"*.brl", "brl", false},
-                                                  {"*.*", "Makefile", true},
-                                                  {"*.exe; *.com", "edit.com", true},
-                                                  {"?at.*", "cat.txt", true},
-                                                  {"?at.*", "at.txt", false},
-                                                  {"*a*a*a*b", "aaaaaaaaaaaaaaaaaaaaaaaa", false},
-                                                  {"\xc4*", "\xe4pfel", true},
-                                                  {"", "", true},
-                                                  {"*", "", true}}) {
-        EXPECT_EQ(qt::matches(name, pattern), expected) << pattern << " " << name;
-    }
-    EXPECT_EQ(qt::extension_of("*.brl;*.txt"), ".brl");
-    EXPECT_EQ(qt::extension_of("*.*"), "");
-    EXPECT_EQ(qt::full_path("C:\\", "a.brl"), "C:\\a.brl");
-    EXPECT_EQ(qt::full_path("C:\\School", "Room\\a"), "C:\\School\\Room\\a");
-    EXPECT_EQ(qt::full_path("C:\\School", "\\a"), "C:\\a");
-    EXPECT_EQ(qt::full_path("C:\\School", "D:a"), "D:\\a");
-    EXPECT_EQ(qt::full_path("C:\\School", "D:"), "D:\\");
-}
-
-class QtFileDialog : public QtWindow {
+class QtFileDialog : public testing::Test {
   protected:
     template <class Act>
     std::string ask(FileDialog dialog, Act act) {
         dialog.filter = "Restrictions|*.brl|All files|*.*";
         std::string path;
-        at_box<QDialog>([act](QDialog& box) {
+        QtPerson::at_next_dialog([act](QDialog& box) {
             act(box);
             if (box.isVisible()) box.reject();
         });
-        by_program([&] { path = screen.ask_file(dialog); });
+        screen.deliver([&] { path = screen.ask_file(dialog); });
         return path;
     }
     static QListView& list(QDialog& box, int index) { return *box.findChildren<QListView*>()[index]; }
@@ -112,10 +100,13 @@ class QtFileDialog : public QtWindow {
     static void enter(QDialog& box, const QString& name) {
         auto& line = *box.findChild<QLineEdit*>();
         line.clear();
-        type(line, name);
+        QTest::keyClicks(&line, name);
         key(line, Qt::Key_Return);
     }
+    static void key(QWidget& target, Qt::Key key) { QTest::keyClick(&target, key); }
+
     enum { files, folders };
+    Toolkit& screen = QtPerson::get().screen();
 };
 
 TEST_F(QtFileDialog, WalksByKeysAndFilters) {
@@ -157,13 +148,15 @@ TEST_F(QtFileDialog, TakesTypedNames) {
               "C:\\School\\Room 1\\pc2.txt");
 }
 
-TEST_F(QtFileDialog, StaysWhereItIsWhenADriveDoesNotAnswer) {
+TEST_F(QtFileDialog, SaysSoWhenADriveDoesNotAnswer) {
     ask({.start_folder = "D:\\gone"}, [](QDialog& box) {
         const std::string before = lines(box, folders);
         EXPECT_TRUE(before.starts_with("C:\\/"));
         auto& drives = *box.findChildren<QComboBox*>()[1];
         EXPECT_EQ(drives.currentText(), "C:");
+        QtPerson::get().at_next_box({Key::enter});
         key(drives, Qt::Key_Down);
+        EXPECT_TRUE(QtPerson::get().last_box().text.starts_with("D: ist nicht zu erreichen"));
         EXPECT_EQ(drives.currentText(), "C:");
         EXPECT_EQ(lines(box, folders), before);
     });

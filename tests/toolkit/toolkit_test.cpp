@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include "toolkit/file_filter.h"
 #include "toolkit/gallery.h"
+#include "toolkit/keyboard.h"
 #include "toolkit/script/script_toolkit.h"
+#include "toolkit/spoken.h"
 
 using namespace toolkit;
 
@@ -133,4 +136,125 @@ TEST_F(Model, RunTimeErrorIsToldAndEndsTheProcess) {
     EXPECT_FALSE(screen.act([] { throw RuntimeError(70); }));
     EXPECT_EQ(screen.boxes.back().icon, Icon::critical);
     EXPECT_TRUE(screen.boxes.back().text.starts_with("Run-time error '70'"));
+}
+
+TEST_F(Model, HeadlessRunAnswersByDefault) {
+    HeadlessToolkit nobody;
+    Gallery form(nobody, folders);
+    EXPECT_TRUE(nobody.act([&] { nobody.show(form); }));
+    EXPECT_FALSE(nobody.act([&] {
+        const Box question{.text = "Go on?", .buttons = Buttons::yes_no, .default_answer = Answer::no};
+        EXPECT_EQ(nobody.message_box(question), Answer::no);
+        EXPECT_EQ(nobody.input_box("Name", "Which?") + nobody.ask_file({}), "");
+        throw RuntimeError(61);
+    }));
+    EXPECT_EQ(nobody.ending, Ending::failed);
+    ASSERT_EQ(nobody.boxes.size(), 2U);
+    EXPECT_TRUE(nobody.boxes[1].text.starts_with("Run-time error '61'"));
+    EXPECT_THROW(nobody.act([] {}), std::logic_error);
+}
+
+TEST_F(Model, EnterAndEscapePressWhatCanBeUsed) {
+    EXPECT_EQ(button_for_enter(gallery, nullptr), &gallery.ok);
+    EXPECT_EQ(button_for_enter(gallery, &gallery.name), &gallery.ok);
+    EXPECT_EQ(button_for_enter(gallery, &gallery.apply), &gallery.apply);
+    EXPECT_EQ(button_for_enter(gallery, &gallery.bar), nullptr);
+    EXPECT_EQ(button_for_escape(gallery), &gallery.cancel);
+    for (Button* button : {&gallery.ok, &gallery.cancel, &gallery.apply})
+        button->set_enabled(false);
+    EXPECT_EQ(button_for_enter(gallery, &gallery.name), nullptr);
+    EXPECT_EQ(button_for_enter(gallery, &gallery.apply), nullptr);
+    EXPECT_EQ(button_for_escape(gallery), nullptr);
+}
+
+TEST_F(Model, TabOrderComesFromTheLayout) {
+    const auto way = [this](Step step) {
+        std::string out;
+        for (const Control* at = nullptr; (at = next_stop(gallery, at, step));)
+            out += at->name() + " ";
+        return out;
+    };
+    EXPECT_EQ(way(Step::forward), "bar tab tick second grey name secret list combo apply cancel ok ");
+    gallery.page1.set_enabled(false);
+    gallery.combo.set_visible(false);
+    EXPECT_EQ(way(Step::back), "ok cancel apply tab bar ");
+    EXPECT_EQ(next_stop(gallery, &gallery.combo, Step::forward), &gallery.apply) << "on from where it was";
+}
+
+TEST_F(Model, EverythingThatTakesTheFocusHasANameToSpeak) {
+    struct Row {
+        const Control& control;
+        const char* name;
+    };
+    gallery.unbuilt.set_text("...");
+    gallery.combo.set_spoken_name("User");
+    for (const auto& [control, name] :
+         {Row{gallery.tick, "Tick this entry of the menu"},
+          {gallery.second, "No change of the taskbar & the menu"},
+          {gallery.name, "Registered Name"},
+          {gallery.secret, "Disable some entries in your Startmenu..."},  // no label: the frame around it
+          {gallery.bar, "Restrictions"},
+          {gallery.tab, "1.) Disable some entries in your Startmenu..."},
+          {gallery.combo, "User"},
+          {gallery.drive, "Choose a folder..."},
+          {gallery.unbuilt, "Gallery & more ..."}}) {
+        EXPECT_EQ(spoken_name(control), name) << control.name();
+    }
+    EXPECT_EQ(spoken_tab_name(gallery.tab, 2), "3.) Choose a folder...");
+    EXPECT_EQ(label_of(gallery.name), &gallery.name_label);
+    EXPECT_EQ(label_of(gallery.combo), nullptr) << "what stands in another frame names nothing";
+}
+
+TEST_F(Model, WhatDoesNothingIsGrey) {
+    EXPECT_FALSE(gallery.unbuilt.usable());
+    EXPECT_FALSE(gallery.m_unbuilt.responsive());
+    EXPECT_TRUE(gallery.m_more.responsive());
+    gallery.m_file.set_enabled(false);
+    gallery.m_open.click();
+    EXPECT_EQ(log(), "");
+}
+
+TEST_F(Model, ListsTellTheScreenWhatIsNew) {
+    struct Counting : Peer {
+        void refresh(const Control&, Change change) override { changes.push_back(change); }
+        std::vector<Change> changes;
+    } peer;
+    gallery.list.peer = &peer;
+    gallery.list.add("one more");
+    gallery.list.remove(0);
+    gallery.list.set_enabled(false);
+    gallery.list.peer = nullptr;
+    EXPECT_EQ(peer.changes, (std::vector{Change::appended, Change::content, Change::enabled}));
+}
+
+TEST(FileFilter, PatternsAndNames) {
+    const auto filters = parse_filters("Programs (*.exe)|*.exe;*.com|All|*.*|left over");
+    ASSERT_EQ(filters.size(), 2U);
+    EXPECT_EQ(filters[1].description, "All");
+    EXPECT_EQ(filters[1].pattern, "*.*");
+
+    struct Row {
+        const char* pattern;
+        const char* name;
+        bool expected;
+    };
+    for (const auto& [pattern, name, expected] : {Row{"*.brl", "All.BRL", true},
+                                                  {"*.brl", "brl", false},
+                                                  {"*.*", "Makefile", true},
+                                                  {"*.exe; *.com", "edit.com", true},
+                                                  {"?at.*", "cat.txt", true},
+                                                  {"?at.*", "at.txt", false},
+                                                  {"*a*a*a*b", "aaaaaaaaaaaaaaaaaaaaaaaa", false},
+                                                  {"\xc4*", "\xe4pfel", true},
+                                                  {"", "", true},
+                                                  {"*", "", true}}) {
+        EXPECT_EQ(matches(name, pattern), expected) << pattern << " " << name;
+    }
+    EXPECT_EQ(extension_of("*.brl;*.txt"), ".brl");
+    EXPECT_EQ(extension_of("*.*"), "");
+    EXPECT_EQ(full_path("C:\\", "a.brl"), "C:\\a.brl");
+    EXPECT_EQ(full_path("C:\\School", "Room\\a"), "C:\\School\\Room\\a");
+    EXPECT_EQ(full_path("C:\\School", "\\a"), "C:\\a");
+    EXPECT_EQ(full_path("C:\\School", "D:a"), "D:\\a");
+    EXPECT_EQ(full_path("C:\\School", "D:"), "D:\\");
 }

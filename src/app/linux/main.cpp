@@ -1,15 +1,21 @@
+#include <unistd.h>
+
 #include <csignal>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <iostream>
 #include <memory>
 
+#include "app/linux/exit_code.h"
 #include "app/linux/options.h"
+#include "app/linux/strip.h"
 #include "base/text.h"
 #include "machine/offline/offline_machine.h"
 #include "machine/offline/sample_installation.h"
 #include "platform/folder_browser.h"
 #include "platform/product_setup.h"
+#include "startup/pictures.h"
 #include "startup/program.h"
 #include "toolkit/qt/qt_toolkit.h"
 #include "ui/forms.h"
@@ -21,10 +27,26 @@ using namespace text::literals;
 /// toolkit.
 namespace {
 
-int complain(const std::string& what) {
+constexpr auto language = static_cast<toolkit::Language>(BRITLOCK_LANGUAGE);
+
+int complain(const std::string& what, ExitCode code) {
     std::cerr << "britlock: " << what << "\n";
-    return 1;
+    return code;
 }
+
+// Qt takes the process's arguments by reference, and ours are parsed already.
+char program_name[] = "britlock";
+char* qt_arguments[] = {program_name, nullptr};
+int qt_argument_count = 1;
+
+/// Where there is no Windows there are no folders.
+class NoFolders : public toolkit::FolderSource {
+  public:
+    std::vector<char> drives() override { return {}; }
+    std::string folder(std::string_view) override { throw RuntimeError(68); }
+    std::vector<std::string> folders(std::string_view) override { return {}; }
+    std::vector<std::string> files(std::string_view) override { return {}; }
+};
 
 /// A picture has nobody in front of it: what would be asked is told, and answered by default.
 class PhotographedToolkit : public toolkit::QtToolkit {
@@ -40,106 +62,184 @@ class PhotographedToolkit : public toolkit::QtToolkit {
 
 std::string executables_folder() { return std::filesystem::read_symlink("/proc/self/exe").parent_path(); }
 
+std::string clock_time() {
+    const std::time_t now = std::time(nullptr);
+    char text[16] = "";
+    (void)std::strftime(text, sizeof text, "%H:%M", std::localtime(&now));
+    return text;
+}
+
 /// What is said around the name of the user whose changes did not reach the disk, by language.
 struct LostChanges {
     std::string before;
-    std::string behind;
+    std::string after;
 };
 const LostChanges lost_changes[] = {
     {U"Die Einschränkungen von "_ansi, " wurden nicht gespeichert: "},
     {"The restrictions of ", " were not saved: "},
 };
 
-bool has_display() {
-    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
-        const char* value = std::getenv(name);
-        if (value && *value) return true;
+/// Nobody sees the windows of this start.
+bool unseen(const Options& options) { return !options.screenshot.empty() || options.command_line == "/icon"; }
+
+/// One start on one installation.
+class Session {
+  public:
+    explicit Session(const Options& options) : options_(options) {}
+    /// Gives the exit code where nothing could be started; else the process ends in it.
+    int run();
+
+  private:
+    std::optional<machine::OfflineOptions> wanted();
+    int refuse(const base::Error& why) const;
+    void start_screen();
+    void note(const machine::ToolReport& report);
+    int settle(toolkit::Ending ending);
+    void take_screenshot();
+    bool choose_user(britlock::MainForm& window) const;
+
+    const Options& options_;
+    std::string executables_ = executables_folder();
+    std::unique_ptr<machine::OfflineMachine> windows_;
+    std::unique_ptr<britlock::FolderBrowser> folders_;
+    std::unique_ptr<toolkit::QtToolkit> screen_;
+    std::unique_ptr<britlock::Program> program_;
+    std::vector<std::string> strip_;
+    bool ending_ = false;        // no box any more
+    bool changes_lost_ = false;  // at the last run of the hive tool
+};
+
+std::optional<machine::OfflineOptions> Session::wanted() {
+    machine::OfflineOptions out;
+    out.drives = options_.drives;
+    out.executables = executables_;
+    if (!options_.program_directory.empty()) {
+        const auto directory = text::from_utf8(options_.program_directory);
+        if (!directory) return std::nullopt;
+        out.program_directory = *directory;
     }
-    return false;
+    out.command_line = options_.command_line;
+    out.state_folder = options_.state_folder;
+    out.on_report = [this](const machine::ToolReport& report) { note(report); };
+    return out;
+}
+
+/// On the standard error always, in a box where somebody sees it.
+int Session::refuse(const base::Error& why) const {
+    const std::string text = strip::reason(why.kind, why.message, language);
+    if (!unseen(options_)) {
+        NoFolders none;
+        toolkit::QtToolkit screen(qt_argument_count, qt_arguments, none, language,
+                                  [](toolkit::Ending) { return 0; });
+        screen.set_icon(britlock::pictures::lock);
+        const auto shown = text::from_utf8(options_.drives.at('C') + "\n\n" + text);
+        screen.message_box({.text = shown.value_or(why.message), .icon = toolkit::Icon::critical});
+    }
+    return complain(text, exit_could_not_open);
+}
+
+void Session::start_screen() {
+    const auto at_end = [this](toolkit::Ending ending) { return settle(ending); };
+    if (options_.screenshot.empty()) {
+        screen_ = std::make_unique<toolkit::QtToolkit>(qt_argument_count, qt_arguments, *folders_, language,
+                                                       at_end);
+    } else {
+        screen_ = std::make_unique<PhotographedToolkit>(qt_argument_count, qt_arguments, *folders_, language,
+                                                        at_end);
+    }
+    screen_->set_icon(britlock::pictures::lock);
+    const std::string& folder = options_.drives.at('C');
+    strip_ = {strip::open_windows(windows_->installation().family, folder, access(folder.c_str(), W_OK) != 0,
+                                  language)};
+    screen_->set_strip(strip_);
+}
+
+void Session::note(const machine::ToolReport& report) {
+    changes_lost_ = report.changes_lost;
+    const auto line = strip::outcome(report, clock_time(), language);
+    if (!line) return;
+    if (!report.succeeded) (void)complain(*line, exit_failed);
+    strip_.resize(1);
+    strip_.push_back(*line);
+    screen_->set_strip(strip_);
+    if (!report.changes_lost || ending_) return;
+    const LostChanges& says = lost_changes[BRITLOCK_LANGUAGE];
+    screen_->message_box(
+        {.text = says.before + report.name + says.after + text::from_utf8(report.detail).value_or("regg.exe"),
+         .icon = toolkit::Icon::critical});
+}
+
+/// Nothing runs after the end of the process, so what is mounted still is settled here.
+int Session::settle(toolkit::Ending ending) {
+    ending_ = true;
+    windows_->write_pending();
+    windows_.reset();
+    const bool has_tool = access((executables_ + "/regg.exe").c_str(), X_OK) == 0;
+    return ending == toolkit::Ending::done && !changes_lost_ && has_tool ? exit_done : exit_failed;
+}
+
+bool Session::choose_user(britlock::MainForm& window) const {
+    const auto user = text::from_utf8(options_.user);
+    const auto& names = window.Combo_user.items();
+    for (size_t i = 0; user && i < names.size(); ++i) {
+        if (names[i] != *user) continue;
+        window.Combo_user.choose(static_cast<int>(i));
+        return true;
+    }
+    return options_.user.empty();
+}
+
+/// Shows the main window and nothing else. No password is asked for, since nothing can be done in a picture.
+void Session::take_screenshot() {
+    program_->show<britlock::MainForm>();
+    britlock::MainForm& window = *program_->loaded<britlock::MainForm>();
+    window.go_to_page(options_.page);
+    if (!choose_user(window)) std::exit(complain("there is no user " + options_.user, exit_failed));
+    window.Timer1_Timer();
+    screen_->process_events();
+    if (!screen_->save_screenshot(window, options_.screenshot))
+        std::exit(complain("cannot write " + options_.screenshot, exit_failed));
+    screen_->end_process();
+}
+
+int Session::run() {
+    if (const std::string trouble = toolkit::QtToolkit::screen_trouble(unseen(options_)); !trouble.empty()) {
+        return complain(
+            trouble + "; start it on a desktop, through ssh -X, or take a picture with --screenshot FILE",
+            exit_could_not_open);
+    }
+    const auto options = wanted();
+    if (!options) return complain("code page 1252 cannot spell the program directory", exit_wrong_call);
+    auto opened = machine::OfflineMachine::open(*options);
+    if (!opened) return refuse(opened.error());
+    windows_ = std::move(*opened);
+    machine::Machine its = windows_->machine();
+    if (options_.command_line != "/icon") britlock::prepare_installation(its.registry);
+    folders_ = std::make_unique<britlock::FolderBrowser>(its);
+    start_screen();
+    program_ = std::make_unique<britlock::Program>(its, *screen_, BRITLOCK_LANGUAGE);
+    britlock::add_forms(*program_);
+    screen_->run([this] { options_.screenshot.empty() ? program_->start() : take_screenshot(); });
+    return exit_done;
 }
 
 int make_sample(const std::string& folder) {
     const auto made = machine::make_sample_installation(folder, machine::SampleFamily::winxp);
-    return made ? 0 : complain(made.error().message);
-}
-
-void choose_user(britlock::MainForm& window, const std::string& user) {
-    const auto& names = window.Combo_user.items();
-    for (size_t i = 0; i < names.size(); ++i) {
-        if (names[i] == user) window.Combo_user.choose(static_cast<int>(i));
-    }
-}
-
-/// Shows the main window and nothing else. No password is asked for, since nothing can be done in a picture.
-void take_screenshot(britlock::Program& program, toolkit::QtToolkit& screen, const Options& options) {
-    program.show<britlock::MainForm>();
-    britlock::MainForm& window = *program.loaded<britlock::MainForm>();
-    window.go_to_page(options.page);
-    if (const auto user = text::from_utf8(options.user)) choose_user(window, *user);
-    window.Timer1_Timer();
-    screen.process_events();
-    if (!screen.save_screenshot(window, options.screenshot))
-        std::exit(complain("cannot write " + options.screenshot));
-    screen.end_process();
+    return made ? exit_done : complain(made.error().message, exit_failed);
 }
 
 int run(const Options& options) {
-    const bool unseen = !options.screenshot.empty() || options.command_line == "/icon";
-    if (unseen && !has_display()) setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    if (!has_display()) {
-        return complain(
-            "there is no display; start it on a desktop, through ssh -X, or take a picture with --screenshot "
-            "FILE");
+    switch (options.tell) {
+        case Options::Tell::help:
+            std::cout << usage;
+            return exit_done;
+        case Options::Tell::version:
+            std::cout << "britlock " << BRITLOCK_VERSION << "\n";
+            return exit_done;
+        case Options::Tell::nothing:
+            break;
     }
-    toolkit::QtToolkit* screen = nullptr;
-    machine::OfflineOptions wanted;
-    wanted.drives = options.drives;
-    wanted.executables = executables_folder();
-    if (!options.program_directory.empty()) {
-        const auto directory = text::from_utf8(options.program_directory);
-        if (!directory) return complain("code page 1252 cannot spell the program directory");
-        wanted.program_directory = *directory;
-    }
-    const auto command_line = text::from_utf8(options.command_line);
-    wanted.command_line = command_line.value_or("");
-    wanted.state_folder = options.state_folder;
-    wanted.on_report = [&screen](const machine::ToolReport& report) {
-        if (!report.changes_lost) return;
-        if (!screen) return (void)complain(report.detail);  // the process ends: no box any more
-        const LostChanges& says = lost_changes[BRITLOCK_LANGUAGE];
-        screen->message_box({.text = says.before + report.name + says.behind +
-                                     text::from_utf8(report.detail).value_or("regg.exe"),
-                             .icon = toolkit::Icon::critical});
-    };
-    auto windows = machine::OfflineMachine::open(wanted);
-    if (!windows) return complain(windows.error().message);
-
-    machine::Machine its = (*windows)->machine();
-    if (options.command_line != "/icon") britlock::prepare_installation(its.registry);
-    britlock::FolderBrowser folders(its);
-    static char name[] = "britlock";
-    char* arguments[] = {name, nullptr};
-    int count = 1;
-    // Nothing runs behind the end of the process, so what is mounted still is settled here.
-    const auto settle = [&windows, &screen] {
-        screen = nullptr;
-        (*windows)->write_pending();
-        windows->reset();
-    };
-    std::unique_ptr<toolkit::QtToolkit> toolkit;
-    if (options.screenshot.empty()) {
-        toolkit = std::make_unique<toolkit::QtToolkit>(count, arguments, folders, settle);
-    } else {
-        toolkit = std::make_unique<PhotographedToolkit>(count, arguments, folders, settle);
-    }
-    screen = toolkit.get();
-    britlock::Program program(its, *toolkit, BRITLOCK_LANGUAGE);
-    britlock::add_forms(program);
-    toolkit->run([&] {
-        if (options.screenshot.empty()) return program.start();
-        take_screenshot(program, *toolkit, options);
-    });
-    return 0;
+    return options.make_sample.empty() ? Session(options).run() : make_sample(options.make_sample);
 }
 
 }  // namespace
@@ -149,13 +249,12 @@ int main(int argc, char** argv) {
     try {
         const auto parsed = parse_options(argc, argv);
         if (const auto* wrong = std::get_if<std::string>(&parsed)) {
-            (void)complain(*wrong);
+            (void)complain(*wrong, exit_wrong_call);
             std::cerr << "\n" << usage;
-            return 2;
+            return exit_wrong_call;
         }
-        const auto& options = std::get<Options>(parsed);
-        return options.make_sample.empty() ? run(options) : make_sample(options.make_sample);
+        return run(std::get<Options>(parsed));
     } catch (const std::exception& error) {  // memory or the system ran out on the way to the first window
-        return complain(error.what());
+        return complain(error.what(), exit_failed);
     }
 }

@@ -1,7 +1,7 @@
 #include "app/linux/options.h"
 
-#include <cstring>
 #include <functional>
+#include <string_view>
 #include <vector>
 
 #include "base/text.h"
@@ -16,14 +16,18 @@ const char* const usage =
     "  --screenshot FILE        render the main window into a PNG file, and end\n"
     "  --page N                 the page of the screenshot, 1 to 9\n"
     "  --user NAME              the user whose marks the screenshot shows\n"
-    "  --make-sample DIR        make a small Windows XP installation to try things on, and end\n";
+    "  --make-sample DIR        make a small Windows XP installation to try things on, and end\n"
+    "  --help, --version        tell about the program, and end\n"
+    "\n"
+    "A value can also follow its option after '='. The exit code is 0 (done), 1 (failed), 2 (wrong call) or\n"
+    "3 (the display or the installation could not be opened).\n";
 
 namespace {
 
 using Setter = std::function<bool(Options&, const std::string&)>;
 
 struct Known {
-    const char* name;
+    std::string_view name;
     Setter set;
 };
 
@@ -60,24 +64,58 @@ const std::vector<Known>& known_options() {
     return all;
 }
 
+const Known* find_option(std::string_view name) {
+    for (const Known& known : known_options()) {
+        if (known.name == name) return &known;
+    }
+    return nullptr;
+}
+
+/// The words of a command line, in their order.
+class Words {
+  public:
+    Words(int argc, const char* const* argv) : words_(argv + 1, argv + argc) {}
+    bool at_end() const { return next_ == words_.size(); }
+    std::string take() { return words_[next_++]; }
+
+  private:
+    std::vector<std::string> words_;
+    size_t next_ = 0;
+};
+
+/// One option with its value, behind '=' or in the next word. Empty, or what is wrong.
+std::string take_option(const std::string& word, Words& words, Options& options) {
+    const size_t equals = word.find('=');
+    const std::string name = word.substr(0, equals);
+    const Known* known = find_option(name);
+    if (!known) return "unknown option " + name;
+    if (equals == std::string::npos && words.at_end()) return name + " wants a value";
+    const std::string value = equals == std::string::npos ? words.take() : word.substr(equals + 1);
+    return known->set(options, value) ? "" : name + " does not take the value '" + value + "'";
+}
+
+/// A command of the program's own.
+std::string take_command(const std::string& word, Options& options) {
+    if (word != "/icon" && word != "/uninstall") return "unknown command " + word;
+    if (!options.command_line.empty()) return word + " and " + options.command_line + " exclude each other";
+    options.command_line = word;
+    return "";
+}
+
 }  // namespace
 
 std::variant<Options, std::string> parse_options(int argc, const char* const* argv) {
     Options options;
-    int i = 1;
-    for (; i < argc && std::strncmp(argv[i], "--", 2) == 0; i += 2) {
-        const Known* found = nullptr;
-        for (const Known& known : known_options()) {
-            if (std::strcmp(known.name, argv[i]) == 0) found = &known;
+    for (Words words(argc, argv); !words.at_end();) {
+        const std::string word = words.take();
+        if (word == "--help" || word == "--version") {
+            options.tell = word == "--help" ? Options::Tell::help : Options::Tell::version;
+            return options;
         }
-        if (!found) return "unknown option " + std::string(argv[i]);
-        if (i + 1 == argc) return std::string(argv[i]) + " wants a value";
-        if (!found->set(options, argv[i + 1])) {
-            return std::string(argv[i]) + " does not take the value '" + argv[i + 1] + "'";
-        }
+        const std::string wrong =
+            word.starts_with('-') ? take_option(word, words, options) : take_command(word, options);
+        if (!wrong.empty()) return wrong;
     }
-    for (; i < argc; ++i)
-        options.command_line += (options.command_line.empty() ? "" : " ") + std::string(argv[i]);
     if (options.make_sample.empty() && !options.drives.contains('C'))
         return std::string("--machine is missing");
     return options;

@@ -5,9 +5,10 @@
 #include <string>
 #include <variant>
 
-/// What the Linux edition is started with. Its own options come first; the rest is the program's command
-/// line.
+/// What the Linux edition is started with: its own options, and the program's command line.
 struct Options {
+    enum class Tell { nothing, help, version };
+    Tell tell = Tell::nothing;
     std::map<char, std::string> drives;  ///< host folders by letter; C is the installation
     std::string program_directory;       ///< where the program lies for Windows; empty: the default
     std::string state_folder;            ///< empty: the usual one
@@ -15,7 +16,7 @@ struct Options {
     int page = 1;                        ///< of the screenshot
     std::string user;                    ///< whose marks the screenshot shows; empty: those at the start
     std::string make_sample;             ///< folder to make a sample installation in; empty: none
-    std::string command_line;
+    std::string command_line;            ///< /icon, /uninstall or nothing
 };
 
 extern const char* const usage;

@@ -14,15 +14,15 @@ namespace toolkit::qt {
 namespace {
 
 struct Choice {
-    const char* caption;
+    Word caption;
     Answer answer;
 };
 
 std::span<const Choice> choices(Buttons buttons) {
-    static constexpr Choice ok[] = {{"OK", Answer::ok}};
-    static constexpr Choice yes_no[] = {{"&Yes", Answer::yes}, {"&No", Answer::no}};
+    static constexpr Choice ok[] = {{Word::ok, Answer::ok}};
+    static constexpr Choice yes_no[] = {{Word::yes, Answer::yes}, {Word::no, Answer::no}};
     static constexpr Choice abort_retry_ignore[] = {
-        {"&Abort", Answer::abort}, {"&Retry", Answer::retry}, {"&Ignore", Answer::ignore}};
+        {Word::abort, Answer::abort}, {Word::retry, Answer::retry}, {Word::ignore, Answer::ignore}};
     switch (buttons) {
         case Buttons::yes_no:
             return yes_no;
@@ -52,13 +52,14 @@ QMessageBox::Icon picture(Icon icon) {
 
 }  // namespace
 
-Answer ask(const Box& box, QWidget* parent) {
+Answer ask(const Box& box, Language language, QWidget* parent) {
     QMessageBox window(picture(box.icon), shown(box.title), shown(box.text), QMessageBox::NoButton, parent);
     window.setTextFormat(Qt::PlainText);
     const auto offered = choices(box.buttons);
     for (const Choice& choice : offered) {
         // The same role for all: Qt would take a "No" for the answer of Esc and of the close button.
-        QPushButton* button = window.addButton(QLatin1String(choice.caption), QMessageBox::AcceptRole);
+        QPushButton* button =
+            window.addButton(shown(word(choice.caption, language)), QMessageBox::AcceptRole);
         if (choice.answer == box.default_answer) window.setDefaultButton(button);
     }
     window.exec();
@@ -66,7 +67,8 @@ Answer ask(const Box& box, QWidget* parent) {
     return offered[std::max<qsizetype>(pressed, 0)].answer;
 }
 
-std::string ask_line(const std::string& title, const std::string& prompt, QWidget* parent) {
+std::string ask_line(const std::string& title, const std::string& prompt, Language language,
+                     QWidget* parent) {
     QDialog window(parent);
     window.setWindowTitle(shown(title));
     auto* text = new QLabel(shown(prompt));
@@ -74,8 +76,8 @@ std::string ask_line(const std::string& title, const std::string& prompt, QWidge
     text->setWordWrap(true);
     auto* line = new AnsiLine(&window);
     auto* buttons = new QDialogButtonBox;
-    buttons->addButton(QStringLiteral("OK"), QDialogButtonBox::AcceptRole);
-    buttons->addButton(QStringLiteral("Cancel"), QDialogButtonBox::RejectRole);
+    buttons->addButton(shown(word(Word::ok, language)), QDialogButtonBox::AcceptRole);
+    buttons->addButton(shown(word(Word::cancel, language)), QDialogButtonBox::RejectRole);
     QObject::connect(buttons, &QDialogButtonBox::accepted, &window, &QDialog::accept);
     QObject::connect(buttons, &QDialogButtonBox::rejected, &window, &QDialog::reject);
 
@@ -83,6 +85,7 @@ std::string ask_line(const std::string& title, const std::string& prompt, QWidge
     rows->addWidget(text);
     rows->addWidget(line);
     rows->addWidget(buttons);
+    text->setBuddy(line);
     line->setFocus();
     window.setMinimumWidth(pixels(5400));
     return window.exec() == QDialog::Accepted ? line->ansi_text() : std::string();

@@ -1,7 +1,6 @@
 #include <QComboBox>
 #include <QKeyEvent>
 #include <QStylePainter>
-#include <QWheelEvent>
 
 #include "toolkit/qt/conversion.h"
 #include "toolkit/qt/lines.h"
@@ -61,15 +60,6 @@ class ListOnlyCombo : public Shown<QComboBox, C> {
                 return QComboBox::keyPressEvent(event);
             default:
                 event->ignore();
-        }
-    }
-
-    /// Scrolling over the window must not choose in passing.
-    void wheelEvent(QWheelEvent* event) override {
-        if (this->hasFocus()) {
-            QComboBox::wheelEvent(event);
-        } else {
-            event->ignore();
         }
     }
 };

@@ -8,8 +8,9 @@
 #include <utility>
 
 #include "base/text.h"
+#include "toolkit/file_filter.h"
+#include "toolkit/qt/boxes.h"
 #include "toolkit/qt/conversion.h"
-#include "toolkit/qt/file_filter.h"
 #include "toolkit/qt/folder_list.h"
 
 namespace toolkit::qt {
@@ -28,7 +29,7 @@ auto or_empty(Ask ask) {
 
 class FileWindow : public QDialog {
   public:
-    FileWindow(const FileDialog& dialog, FolderSource& source, QWidget* parent);
+    FileWindow(const FileDialog& dialog, FolderSource& source, Language language, QWidget* parent);
 
     /// False where there is no such folder.
     bool open_folder(const std::string& path);
@@ -37,12 +38,15 @@ class FileWindow : public QDialog {
 
   private:
     void connect_lists();
-    void lay_out(const QString& accept_caption);
+    QString said(Word of) const { return shown(word(of, language_)); }
+    void choose_drive();
+    void lay_out();
     void show_drive();
     void show_files();
     void accept() override;
 
     const FileDialog::Action action_;
+    const Language language_;
     FolderSource& source_;
     const std::vector<Filter> filters_;
     std::string pattern_ = "*.*";
@@ -57,17 +61,21 @@ class FileWindow : public QDialog {
     QComboBox* drive_box_ = new QComboBox(this);
 };
 
-FileWindow::FileWindow(const FileDialog& dialog, FolderSource& source, QWidget* parent)
-    : QDialog(parent), action_(dialog.action), source_(source), filters_(parse_filters(dialog.filter)) {
-    const bool save = action_ == FileDialog::Action::save;
-    setWindowTitle(dialog.title.empty() ? QLatin1String(save ? "Save As" : "Open") : shown(dialog.title));
+FileWindow::FileWindow(const FileDialog& dialog, FolderSource& source, Language language, QWidget* parent)
+    : QDialog(parent),
+      action_(dialog.action),
+      language_(language),
+      source_(source),
+      filters_(parse_filters(dialog.filter)) {
+    const Word usual_title = action_ == FileDialog::Action::save ? Word::save_as : Word::open;
+    setWindowTitle(dialog.title.empty() ? said(usual_title) : shown(dialog.title));
     if (!filters_.empty()) pattern_ = filters_.front().pattern;
     for (const Filter& filter : filters_)
         filter_box_->addItem(shown(filter.description));
     for (const char letter : or_empty([&] { return source_.drives(); }))
         drive_box_->addItem(QString(QLatin1Char(letter)) + ':');
     connect_lists();
-    lay_out(save ? QStringLiteral("&Save") : QStringLiteral("&Open"));
+    lay_out();
     show_drive();
     name_->setFocus();
 }
@@ -88,23 +96,31 @@ void FileWindow::connect_lists() {
         pattern_ = filters_[index].pattern;
         show_files();
     });
-    connect(drive_box_, &QComboBox::activated, this, [this] {
-        open_folder(*ansi(drive_box_->currentText()) + "\\");
-        show_drive();
-    });
+    connect(drive_box_, &QComboBox::activated, this, [this] { choose_drive(); });
 }
 
-void FileWindow::lay_out(const QString& accept_caption) {
-    auto* accept_button = new QPushButton(accept_caption);
-    auto* cancel_button = new QPushButton(QStringLiteral("Cancel"));
+void FileWindow::choose_drive() {
+    const std::string drive = *ansi(drive_box_->currentText());
+    if (open_folder(drive + "\\")) return;
+    show_drive();
+    ask({.text = drive + word(Word::no_such_drive, language_),
+         .title = Toolkit::product_title,
+         .icon = Icon::exclamation},
+        language_, this);
+}
+
+void FileWindow::lay_out() {
+    const bool save = action_ == FileDialog::Action::save;
+    auto* accept_button = new QPushButton(said(save ? Word::save_button : Word::open_button));
+    auto* cancel_button = new QPushButton(said(Word::cancel));
     accept_button->setDefault(true);
     connect(accept_button, &QPushButton::clicked, this, [this] { accept(); });
     connect(cancel_button, &QPushButton::clicked, this, &QDialog::reject);
 
     auto* grid = new QGridLayout(this);
     QWidget* last = cancel_button;
-    const auto add = [&](const char* caption, QWidget* widget, int row, int column) {
-        auto* label = new QLabel(QLatin1String(caption));
+    const auto add = [&](Word caption, QWidget* widget, int row, int column) {
+        auto* label = new QLabel(said(caption));
         label->setBuddy(widget);
         grid->addWidget(label, row, column);
         grid->addWidget(widget, row + 1, column);
@@ -112,11 +128,11 @@ void FileWindow::lay_out(const QString& accept_caption) {
     };
     grid->addWidget(accept_button, 1, 2);
     grid->addWidget(cancel_button, 3, 2, Qt::AlignTop);
-    add("File &name:", name_, 0, 0);
-    add("F&iles:", file_list_, 2, 0);
-    add("Files of &type:", filter_box_, 4, 0);
-    add("&Folders:", folder_list_, 2, 1);
-    add("Dri&ve:", drive_box_, 4, 1);
+    add(Word::file_name, name_, 0, 0);
+    add(Word::files, file_list_, 2, 0);
+    add(Word::files_of_type, filter_box_, 4, 0);
+    add(Word::folders, folder_list_, 2, 1);
+    add(Word::drive, drive_box_, 4, 1);
     setTabOrder(drive_box_, accept_button);
     setTabOrder(accept_button, cancel_button);
     resize(pixels(8400), pixels(5100));
@@ -163,8 +179,8 @@ void FileWindow::accept() {
 }  // namespace
 
 std::string ask_file(const FileDialog& dialog, FolderSource& source, std::string& last_folder,
-                     QWidget* parent) {
-    FileWindow window(dialog, source, parent);
+                     Language language, QWidget* parent) {
+    FileWindow window(dialog, source, language, parent);
     std::vector<std::string> starts{dialog.start_folder, last_folder, "C:\\"};
     for (const char drive : or_empty([&] { return source.drives(); }))
         starts.push_back({drive, ':', '\\'});  // any that is there: a drive can be empty

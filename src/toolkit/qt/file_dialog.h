@@ -3,6 +3,7 @@
 #include <string>
 
 #include "toolkit/toolkit.h"
+#include "toolkit/words.h"
 
 class QWidget;
 
@@ -12,6 +13,6 @@ namespace toolkit::qt {
 /// `last_folder` is where it starts unless told otherwise, and takes the folder of the file chosen. "" where
 /// the person cancels.
 std::string ask_file(const FileDialog& dialog, FolderSource& source, std::string& last_folder,
-                     QWidget* parent);
+                     Language language, QWidget* parent);
 
 }  // namespace toolkit::qt

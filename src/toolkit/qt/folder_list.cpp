@@ -33,7 +33,8 @@ Line FolderList::folder_line(int row) const {
     const bool open = row < depth();
     const int left = step * std::min(row, depth());
     const QIcon icon = style()->standardIcon(open ? QStyle::SP_DirOpenIcon : QStyle::SP_DirIcon);
-    QPixmap picture(left + side, side);
+    QPixmap picture(QSize(left + side, side) * devicePixelRatioF());
+    picture.setDevicePixelRatio(devicePixelRatioF());
     picture.fill(Qt::transparent);
     QPainter painter(&picture);
     icon.paint(&painter, left, 0, side, side);

@@ -29,6 +29,12 @@ void Lines::refresh() {
     if (rows_ > 0) emit dataChanged(index(0), index(rows_ - 1));
 }
 
+void Lines::append() {
+    beginInsertRows({}, rows_, rows_);
+    ++rows_;
+    endInsertRows();
+}
+
 QVariant Lines::data(const QModelIndex& index, int role) const {
     // Between a change and its refresh the views still ask for lines that are gone.
     if (!index.isValid() || index.row() >= count()) return {};
@@ -78,6 +84,17 @@ void LineList::select(int row) {
 int LineList::selected() const {
     const QModelIndexList chosen = selectionModel()->selectedIndexes();
     return chosen.isEmpty() ? -1 : chosen.first().row();
+}
+
+/// The frame shows where the keyboard is.
+void LineList::focusInEvent(QFocusEvent* event) {
+    QListView::focusInEvent(event);
+    update();
+}
+
+void LineList::focusOutEvent(QFocusEvent* event) {
+    QListView::focusOutEvent(event);
+    update();
 }
 
 void LineList::mousePressEvent(QMouseEvent* event) {

@@ -26,6 +26,8 @@ class Lines : public QAbstractListModel {
 
     /// The owner's lines are others now.
     void refresh();
+    /// One more at the end, and nothing else.
+    void append();
 
     int rowCount(const QModelIndex& parent = {}) const override { return parent.isValid() ? 0 : rows_; }
     QVariant data(const QModelIndex& index, int role) const override;
@@ -55,6 +57,8 @@ class LineList : public QListView {
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
 
   private:
     Lines* lines_;

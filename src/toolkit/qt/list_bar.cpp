@@ -4,6 +4,7 @@
 #include <QPushButton>
 #include <QScrollBar>
 #include <QStyledItemDelegate>
+#include <utility>
 
 #include "toolkit/qt/conversion.h"
 #include "toolkit/qt/lines.h"
@@ -18,18 +19,21 @@ constexpr int picture_side = 32;
 constexpr int margin = 5;
 constexpr int header_height = 22;
 
-/// The picture above its caption, both in the middle of the bar.
+/// The picture above its caption, both in the middle of the bar. The item of the page on show is marked,
+/// whichever way led there; the frame shows where the keyboard is.
 class ItemPainter : public QStyledItemDelegate {
   public:
-    using QStyledItemDelegate::QStyledItemDelegate;
+    ItemPainter(const ListBar& control, QObject* owner) : QStyledItemDelegate(owner), control_(control) {}
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override {
-        // No mark stays on the item last pressed: the page on show may have come by another way.
-        if (option.state & QStyle::State_MouseOver)
+        if (index.row() == control_.marked()) {
             painter->fillRect(option.rect, option.palette.highlight());
+        } else if (option.state & QStyle::State_MouseOver) {
+            painter->fillRect(option.rect, option.palette.mid());
+        }
         if (option.state & QStyle::State_HasFocus) {
-            painter->setPen(option.palette.color(QPalette::Mid));
+            painter->setPen(option.palette.color(QPalette::Text));
             painter->drawRect(option.rect.adjusted(1, 1, -2, -2));
         }
         const QRect place = option.rect.adjusted(0, margin, 0, -margin);
@@ -41,6 +45,9 @@ class ItemPainter : public QStyledItemDelegate {
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const override {
         return {1, picture_side + 3 * margin + option.fontMetrics.height()};
     }
+
+  private:
+    const ListBar& control_;
 };
 
 /// The group's header above a dark column of pictures with their captions.
@@ -50,7 +57,7 @@ class ListBarWidget : public Shown<LineList, ListBar> {
         : Shown(control, parent), header_(new QPushButton(this)) {
         header_->setFocusPolicy(Qt::NoFocus);  // the only group is always open
         setViewportMargins(0, header_height, 0, 0);
-        setItemDelegate(new ItemPainter(this));
+        setItemDelegate(new ItemPainter(control, this));
         setVerticalScrollMode(ScrollPerPixel);
         darken();
         lines().count = [this] { return static_cast<int>(control_.items().size()); };
@@ -63,13 +70,13 @@ class ListBarWidget : public Shown<LineList, ListBar> {
   private:
     QPushButton* header_;
     std::vector<QPixmap> pictures_;
+    int marked_ = -1;  // as last shown
 
     void darken() {
         QPalette colours = palette();
         colours.setColor(QPalette::Base, QColor(0x6e, 0x6e, 0x6e));
         colours.setColor(QPalette::Text, Qt::white);
-        colours.setColor(QPalette::Mid, QColor(0xb0, 0xb0, 0xb0));
-        colours.setColor(QPalette::Highlight, QColor(0x58, 0x58, 0x58));
+        colours.setColor(QPalette::Mid, QColor(0x58, 0x58, 0x58));
         setPalette(colours);
         verticalScrollBar()->setPalette(QApplication::palette());
     }
@@ -83,6 +90,9 @@ class ListBarWidget : public Shown<LineList, ListBar> {
                 pictures_[i] = draw(*drawing, picture_side, devicePixelRatioF());
         }
         lines().refresh();
+        if (std::exchange(marked_, control_.marked()) == marked_) return;
+        select(marked_);
+        scrollTo(lines().index(marked_));
     }
 
     void resizeEvent(QResizeEvent* event) override {

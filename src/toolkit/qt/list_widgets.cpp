@@ -19,6 +19,7 @@ class ListBoxWidget : public Shown<LineList, ListBox> {
         lines().refresh();
         select(control_.selected());
     }
+    void show_appended() override { lines().append(); }
 };
 
 class ListViewWidget : public Shown<LineList, ListView> {
@@ -34,6 +35,7 @@ class ListViewWidget : public Shown<LineList, ListView> {
 
   private:
     void show_state() override { lines().refresh(); }
+    void show_appended() override { lines().append(); }
 };
 
 class DirListWidget : public Shown<FolderList, DirListBox> {

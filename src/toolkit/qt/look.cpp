@@ -1,8 +1,11 @@
 #include "toolkit/qt/look.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
+#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFont>
+#include <QPainter>
 #include <QPalette>
 #include <QProxyStyle>
 
@@ -30,9 +33,39 @@ class Look : public QProxyStyle {
                 return 0;
             case SH_UnderlineShortcut:
                 return 1;
+            case SH_ComboBox_AllowWheelScrolling:  // scrolling over the window must not choose in passing
+                return widget && widget->hasFocus();
             default:
                 return QProxyStyle::styleHint(hint, option, widget, data);
         }
+    }
+
+    using QProxyStyle::polish;
+    void polish(QWidget* widget) override {
+        QProxyStyle::polish(widget);
+        // The wheel would give a combo box the focus, and then turn it.
+        if (qobject_cast<QComboBox*>(widget)) widget->setFocusPolicy(Qt::StrongFocus);
+    }
+
+    /// The frame of a list: whole lines of the screen at every scale, and in the colour of the focus.
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override {
+        if (element != CE_ShapedFrame || !qobject_cast<const QAbstractItemView*>(widget))
+            return QProxyStyle::drawControl(element, option, painter, widget);
+        const bool focused = option->state & State_HasFocus;
+        const QColor colour = option->palette.color(focused ? QPalette::Highlight : QPalette::Dark);
+        const int width = pixelMetric(PM_DefaultFrameWidth, option, widget);
+        const QRect& all = option->rect;
+        const QRect inner = all.adjusted(width, width, -width, -width);
+        for (const QRect& edge : QRegion(all) - QRegion(inner))
+            painter->fillRect(edge, colour);
+    }
+
+    QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
+                           const QWidget* widget) const override {
+        const QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
+        // Marks of neighbouring lines must not touch.
+        return type == CT_ItemViewItem ? size + QSize(0, 4) : size;
     }
 
     int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override {
@@ -43,6 +76,7 @@ class Look : public QProxyStyle {
             case PM_CheckBoxLabelSpacing:
                 return 5;
             case PM_ButtonMargin:
+            case PM_DefaultFrameWidth:  // wide enough to show the focus
                 return 2;
             default:
                 return QProxyStyle::pixelMetric(metric, option, widget);

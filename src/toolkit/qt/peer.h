@@ -20,25 +20,32 @@ class WidgetPeer : public Peer {
     WidgetPeer(const WidgetPeer&) = delete;
     WidgetPeer& operator=(const WidgetPeer&) = delete;
 
-    void refresh(const Control& control) final;
+    void refresh(const Control& control, Change change) final;
+    Control& control() const { return control_; }
     QWidget& widget() const { return widget_; }
+    /// A widget is taking over what the program changed: nothing that happens now is a person's doing.
+    static bool refreshing() { return refreshing_ > 0; }
 
   protected:
     /// Shows what this kind of control has besides place, font and the like. Must emit nothing that act()
     /// hears.
     virtual void show_state() = 0;
+    /// The same where nothing but one more line is new.
+    virtual void show_appended() { show_state(); }
 
     /// Puts what a person did into the control, then shows what the control made of it: it may have refused.
     template <class Act>
     void act(Act what) {
         control_.form().toolkit().deliver(what);
-        refresh(control_);
+        refresh(control_, Change::all);
     }
     /// Only a move of the person's is one: not the focus that comes back from a menu, a box or another
     /// window.
     void focus_came(Qt::FocusReason reason);
 
   private:
+    void show_common(Change change);
+
     static inline int refreshing_ = 0;
     Control& control_;
     QWidget& widget_;

@@ -11,7 +11,8 @@ namespace {
 
 constexpr int drawing_units = 32;
 constexpr int longest_side = 16384;        // four times the widest desktop of Windows XP's time
-constexpr int allocation_megabytes = 256;  // a picture of 8192 by 8192 at 32 bits
+constexpr qint64 most_pixels = 8192 * 8192;
+constexpr int allocation_megabytes = 256;  // as many pixels of 32 bits
 
 void draw(QPainter& painter, const Shape& shape) {
     const auto& at = shape.points;
@@ -43,7 +44,13 @@ QImage decode_picture(std::string_view bytes) {
     QImageReader reader(&buffer);
     static const QList<QByteArray> formats = {"bmp", "ico", "cur", "gif", "jpeg", "jpg"};
     if (!formats.contains(reader.format())) return {};
-    QImage image = reader.read();
+    const QSize size = reader.size();
+    const bool too_large = qint64{size.width()} * size.height() > most_pixels;
+    if (too_large || size.width() > longest_side || size.height() > longest_side) return {};
+    // A file that ends early leaves the rest of the memory as it was: white, not what lay there before.
+    QImage image(size, reader.imageFormat());
+    image.fill(Qt::white);
+    if (!reader.read(&image)) return {};
     if (image.width() > longest_side || image.height() > longest_side) return {};
     return image;
 }
@@ -67,6 +74,13 @@ QPixmap draw(const Drawing& drawing, int size, qreal device_pixel_ratio) {
     QPainter painter(&pixmap);
     draw(painter, drawing, QRectF(0, 0, size, size));
     return pixmap;
+}
+
+QIcon icon_of(const Drawing& drawing) {
+    QIcon icon;
+    for (const int size : {16, 32, 48, 64})
+        icon.addPixmap(draw(drawing, size));
+    return icon;
 }
 
 }  // namespace toolkit::qt

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QIcon>
 #include <QImage>
 #include <QPixmap>
 #include <QRectF>
@@ -18,5 +19,7 @@ QImage decode_picture(std::string_view bytes);
 /// Draws into a square of this place.
 void draw(QPainter& painter, const Drawing& drawing, const QRectF& square);
 QPixmap draw(const Drawing& drawing, int size, qreal device_pixel_ratio = 1);
+/// In the sizes that window managers ask for.
+QIcon icon_of(const Drawing& drawing);
 
 }  // namespace toolkit::qt

@@ -1,11 +1,18 @@
 #include "toolkit/qt/qt_toolkit.h"
 
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <QApplication>
 #include <QScreen>
 #include <QThread>
 #include <QTimer>
+#include <cstdio>
 #include <cstdlib>
 
+#include "toolkit/qt/accessibility.h"
 #include "toolkit/qt/boxes.h"
 #include "toolkit/qt/conversion.h"
 #include "toolkit/qt/file_dialog.h"
@@ -20,6 +27,12 @@ namespace {
 
 qt::Window* window_of(const Form& form) { return static_cast<qt::Window*>(form.peer); }
 
+/// Qt's remarks about the desktop mean nothing to an admin; what ends the process is told.
+void tell_failures_only(QtMsgType type, const QMessageLogContext&, const QString& message) {
+    if (type == QtCriticalMsg || type == QtFatalMsg)
+        (void)std::fprintf(stderr, "britlock: %s\n", message.toLocal8Bit().constData());
+}
+
 /// What a question lies over: a window of ours also while another program is active.
 QWidget* in_front(const Toolkit& toolkit) {
     QWidget* active = QApplication::activeWindow();
@@ -31,20 +44,56 @@ QWidget* in_front(const Toolkit& toolkit) {
 struct QtToolkit::Private {
     QApplication app;
     FolderSource& folders;
-    Event before_end;
+    Language language;
+    std::function<int(Ending)> before_end;
+    std::vector<std::string> strip;
     std::string last_folder;  // where the person last chose a file
     QTimer idle;              // goes off when control is back in the event loop
 
-    Private(int& argc, char** argv, FolderSource& source, Event at_end)
-        : app((qt::prepare_look(), argc), argv), folders(source), before_end(std::move(at_end)) {
+    static void prepare() {
+        if (!qEnvironmentVariableIsSet("QT_LOGGING_TO_CONSOLE")) qInstallMessageHandler(tell_failures_only);
+        qt::prepare_look();
+    }
+    Private(int& argc, char** argv, FolderSource& source, Language its_language,
+            std::function<int(Ending)> at_end)
+        : app((prepare(), argc), argv),
+          folders(source),
+          language(its_language),
+          before_end(std::move(at_end)) {
         qt::apply_look(app);
+        qt::install_accessibility();
         idle.setSingleShot(true);
         QApplication::setQuitOnLastWindowClosed(false);  // the program ends itself
     }
 };
 
-QtToolkit::QtToolkit(int& argc, char** argv, FolderSource& folders, Event before_end)
-    : d_(std::make_unique<Private>(argc, argv, folders, std::move(before_end))) {}
+/// Tried by a child: what Qt does without a display ends the process.
+std::string QtToolkit::screen_trouble(bool unseen) {
+    const auto is_set = [](const char* name) { return !qEnvironmentVariableIsEmpty(name); };
+    const bool has_display = is_set("DISPLAY") || is_set("WAYLAND_DISPLAY") || is_set("QT_QPA_PLATFORM");
+    if (unseen && !has_display) qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (!unseen && !has_display) return "there is no display";
+    const pid_t child = fork();
+    if (child == 0) {
+        const int nowhere = open("/dev/null", O_WRONLY);
+        for (const int stream : {STDOUT_FILENO, STDERR_FILENO})
+            dup2(nowhere, stream);
+        const rlimit no_core{0, 0};
+        (void)setrlimit(RLIMIT_CORE, &no_core);
+        char name[] = "britlock";
+        char* arguments[] = {name, nullptr};
+        int count = 1;
+        const QGuiApplication attempt(count, arguments);
+        _exit(EXIT_SUCCESS);
+    }
+    int status = 0;
+    const bool answered = child > 0 && waitpid(child, &status, 0) == child && status == 0;
+    return answered ? "" : "the display cannot be opened";
+}
+
+QtToolkit::QtToolkit(int& argc, char** argv, FolderSource& folders, Language language,
+                     std::function<int(Ending)> before_end)
+    : d_(std::make_unique<Private>(argc, argv, folders, language, std::move(before_end))) {}
 
 QtToolkit::~QtToolkit() = default;
 
@@ -54,9 +103,14 @@ void QtToolkit::run(const Event& first) {
     end_process();
 }
 
-void QtToolkit::end_process() {
-    if (d_->before_end) d_->before_end();
-    std::_Exit(EXIT_SUCCESS);
+void QtToolkit::end_process(Ending ending) { std::_Exit(d_->before_end(ending)); }
+
+void QtToolkit::set_icon(const Drawing& icon) { QApplication::setWindowIcon(qt::icon_of(icon)); }
+
+void QtToolkit::set_strip(std::vector<std::string> lines) {
+    d_->strip = std::move(lines);
+    for (Form* form : forms())
+        window_of(*form)->set_strip(d_->strip);
 }
 
 bool QtToolkit::save_screenshot(const Form& form, const std::string& file) const {
@@ -65,14 +119,14 @@ bool QtToolkit::save_screenshot(const Form& form, const std::string& file) const
 
 // --- questions
 
-Answer QtToolkit::show_box(const Box& box) { return qt::ask(box, in_front(*this)); }
+Answer QtToolkit::show_box(const Box& box) { return qt::ask(box, d_->language, in_front(*this)); }
 
 std::string QtToolkit::show_input_box(const std::string& title, const std::string& prompt) {
-    return qt::ask_line(title, prompt, in_front(*this));
+    return qt::ask_line(title, prompt, d_->language, in_front(*this));
 }
 
 std::string QtToolkit::ask_file(const FileDialog& dialog) {
-    return qt::ask_file(dialog, d_->folders, d_->last_folder, in_front(*this));
+    return qt::ask_file(dialog, d_->folders, d_->last_folder, d_->language, in_front(*this));
 }
 
 void QtToolkit::beep() { QApplication::beep(); }
@@ -98,14 +152,15 @@ void QtToolkit::show_window(Form& form) {
     const bool is_new = !form.peer;
     if (is_new) new qt::Window(form);
     qt::Window* window = window_of(form);
-    window->refresh();
+    window->set_strip(d_->strip);
+    window->start_focus();
     if (is_new) {
         const QWidget* active = QApplication::activeWindow();
         const QRect around = active ? active->frameGeometry() : window->screen()->availableGeometry();
         window->move(around.center() - window->rect().center());
     }
     window->show();
-    window->raise();
+    if (QGuiApplication::platformName() != QLatin1String("offscreen")) window->raise();
     window->activateWindow();
 }
 

@@ -1,5 +1,6 @@
 #include <qdrawutil.h>
 #include <QCheckBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPainter>
@@ -54,7 +55,6 @@ class TextBoxWidget : public Shown<AnsiLine, TextBox> {
 class ButtonWidget : public Shown<QPushButton, Button> {
   public:
     ButtonWidget(Button& control, QWidget& parent) : Shown(control, parent) {
-        setAutoDefault(true);  // Enter presses the button that has the focus
         connect(this, &QPushButton::clicked, this, [this] { act([this] { control_.click(); }); });
     }
 
@@ -62,6 +62,15 @@ class ButtonWidget : public Shown<QPushButton, Button> {
     void show_state() override {
         setText(shown(control_.text()));
         setDefault(control_.is_default);
+    }
+
+    /// Enter is the window's.
+    void keyPressEvent(QKeyEvent* event) override {
+        if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+            event->ignore();
+        } else {
+            Shown::keyPressEvent(event);
+        }
     }
 };
 
@@ -150,11 +159,11 @@ class TimerPeer : public QTimer, public Peer {
         control.peer = this;
         connect(this, &QTimer::timeout, this,
                 [this] { control_.form().toolkit().deliver([this] { control_.tick(); }); });
-        refresh(control);
+        refresh(control, Change::all);
     }
     ~TimerPeer() override { control_.peer = nullptr; }
 
-    void refresh(const Control&) override {
+    void refresh(const Control&, Change) override {
         if (!control_.enabled() || control_.interval_ms == 0) {
             stop();
         } else if (!isActive() || interval() != control_.interval_ms) {

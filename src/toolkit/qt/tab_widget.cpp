@@ -2,10 +2,12 @@
 #include <QPainter>
 #include <QSignalBlocker>
 #include <QTabBar>
+#include <QWheelEvent>
 #include <functional>
 
 #include "toolkit/qt/conversion.h"
 #include "toolkit/qt/widgets.h"
+#include "toolkit/spoken.h"
 
 namespace toolkit::qt {
 
@@ -21,6 +23,7 @@ class Tabs : public QTabBar {
         QTabBar::focusInEvent(event);
         on_focus(event->reason());
     }
+    void wheelEvent(QWheelEvent* event) override { event->ignore(); }  // no page turns in passing
 };
 
 /// A row of tabs at the upper edge of a raised pane; the controls of the pages are children of the whole.
@@ -43,7 +46,8 @@ class TabWidget : public Shown<QWidget, TabContainer> {
     void show_state() override {
         show_captions();
         for (Control* control : control_.form().controls()) {
-            if (control->parent() == &control_ && control->peer) control->peer->refresh(*control);
+            if (control->parent() == &control_ && control->peer)
+                control->peer->refresh(*control, Change::visible);
         }
         update();
     }
@@ -55,9 +59,12 @@ class TabWidget : public Shown<QWidget, TabContainer> {
             tabs_->removeTab(count);
         while (tabs_->count() < count)
             tabs_->addTab(QString());
-        for (int i = 0; i < count; ++i)
+        for (int i = 0; i < count; ++i) {
             tabs_->setTabText(i, shown(control_.captions()[i]));
+            tabs_->setAccessibleTabName(i, shown(spoken_tab_name(control_, i)));
+        }
         tabs_->setCurrentIndex(control_.current());
+        tabs_->setAccessibleName(shown(spoken_name(control_)));
         tabs_->resize(width(), tabs_->sizeHint().height());
     }
 

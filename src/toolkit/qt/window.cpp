@@ -8,10 +8,13 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <algorithm>
+#include <utility>
 
 #include "toolkit/qt/conversion.h"
 #include "toolkit/qt/picture.h"
+#include "toolkit/qt/strip.h"
 #include "toolkit/qt/widgets.h"
+#include "toolkit/spoken.h"
 
 namespace toolkit::qt {
 
@@ -63,13 +66,6 @@ WidgetPeer* make_peer(Control& c, QWidget& parent) {
     return nullptr;
 }
 
-QIcon icon_of(const Drawing& drawing) {
-    QIcon icon;
-    for (const int size : {16, 32, 48, 64})
-        icon.addPixmap(draw(drawing, size));
-    return icon;
-}
-
 }  // namespace
 
 Window::Window(Form& form)
@@ -77,7 +73,8 @@ Window::Window(Form& form)
                            Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint),
       form_(form),
       menu_bar_(new QMenuBar(this)),
-      client_(new QWidget(this)) {
+      client_(new QWidget(this)),
+      strip_(new Strip(this)) {
     form.peer = this;
     make_menus();
     make_controls();
@@ -113,22 +110,17 @@ void Window::make(Control& control) {
     if (control.peer) return;
     if (control.parent()) make(*control.parent());
     WidgetPeer* peer = make_peer(control, control.parent() ? widget_of(*control.parent()) : *client_);
-    if (peer) peer->refresh(control);
+    if (peer) peer->refresh(control, Change::all);
 }
 
-/// What comes later lies above and is reached later by Tab. The access key of a label leads to the control
-/// that follows it.
+/// What comes later lies above.
 void Window::order_controls() {
-    QLabel* label = nullptr;
-    QWidget* last = menu_bar_;
     for (Control* control : form_.controls()) {
         if (control->kind() == Kind::timer) continue;
-        QWidget& widget = widget_of(*control);
-        widget.raise();
-        if (control->kind() == Kind::label) label = qobject_cast<QLabel*>(&widget);
-        if (!control->takes_focus()) continue;
-        if (label) std::exchange(label, nullptr)->setBuddy(&widget);
-        setTabOrder(std::exchange(last, &widget), &widget);
+        widget_of(*control).raise();
+        const Control* label = label_of(*control);
+        if (!label || label->kind() != Kind::label) continue;
+        static_cast<QLabel&>(widget_of(*label)).setBuddy(&widget_of(*control));
     }
 }
 
@@ -147,13 +139,22 @@ void Window::refresh() {
     menu_bar_->setVisible(has_menu);
     menu_bar_->setGeometry(0, 0, size.width(), bar_height);
     client_->setGeometry(QRect(QPoint(0, bar_height), size));
-    setFixedSize(size.width(), size.height() + bar_height);
+    const int strip_height = strip_->height_at(size.width());
+    strip_->setVisible(strip_height > 0);
+    strip_->setGeometry(0, bar_height + size.height(), size.width(), strip_height);
+    setFixedSize(size.width(), bar_height + size.height() + strip_height);
+}
+
+void Window::set_strip(const std::vector<std::string>& lines) {
+    strip_->show_lines(lines);
+    refresh();
 }
 
 void Window::refresh_menus() {
     for (const auto& [item, action] : actions_) {
         action->setText(item->separator() ? QString() : shown(item->caption()));
         action->setSeparator(item->separator());
+        action->setEnabled(item->responsive());
         action->setVisible(item->visible());
     }
 }
@@ -166,26 +167,76 @@ void Window::closeEvent(QCloseEvent* event) {
 }
 
 void Window::keyPressEvent(QKeyEvent* event) {
+    if (focus_is_claimed() && form_.toolkit().busy()) return;  // typed at a control that was there just now
     switch (event->key()) {
         case Qt::Key_Return:
         case Qt::Key_Enter:
-            return press(&Button::is_default);
+            return press(button_for_enter(form_, control_with_focus()));
         case Qt::Key_Escape:
-            return press(&Button::is_cancel);
+            return press(button_for_escape(form_));
         case Qt::Key_F1:
             if (form_.on_help) form_.toolkit().deliver(form_.on_help);
             return;
+        case Qt::Key_F10:
+            return open_menu();
         default:
             QWidget::keyPressEvent(event);
     }
 }
 
-void Window::press(bool Button::*role) {
-    for (Control* control : form_.controls()) {
-        if (control->kind() != Kind::button || !(as<Button>(*control).*role)) continue;
-        form_.toolkit().deliver([control] { as<Button>(*control).press_by_key(); });
+void Window::press(Button* button) {
+    if (button) form_.toolkit().deliver([button] { button->press_by_key(); });
+}
+
+void Window::open_menu() {
+    for (const auto& [item, action] : actions_) {
+        if (!action->isVisible() || !action->isEnabled()) continue;
+        menu_bar_->setActiveAction(action);
         return;
     }
+}
+
+// --- focus
+
+Control* Window::control_with_focus() const {
+    for (QWidget* widget = focus_is_claimed() ? claimant_.data() : focusWidget(); widget && widget != this;
+         widget = widget->parentWidget()) {
+        if (auto* peer = dynamic_cast<WidgetPeer*>(widget)) return &peer->control();
+    }
+    return nullptr;
+}
+
+bool Window::focus_is_claimed() const { return claimant_ && focusWidget() == this; }
+
+void Window::give_back_focus() {
+    if (!focus_is_claimed() || !claimant_->isEnabled() || !claimant_->isVisible()) return;
+    std::exchange(claimant_, nullptr)->setFocus(Qt::OtherFocusReason);
+}
+
+/// Called by Qt for Tab and arrow keys, and when the widget with the focus goes.
+bool Window::focusNextPrevChild(bool next) {
+    if (WidgetPeer::refreshing()) {
+        claimant_ = focusWidget();
+        setFocus(Qt::OtherFocusReason);
+    } else if (!focus_is_claimed() || !form_.toolkit().busy()) {
+        step_focus(next ? Step::forward : Step::back);
+    }
+    return true;
+}
+
+void Window::start_focus() {
+    Control* first = next_stop(form_, nullptr, Step::forward);
+    if (first && !focusWidget()) widget_of(*first).setFocus(Qt::OtherFocusReason);
+}
+
+/// The strip is the last stop of all.
+void Window::step_focus(Step step) {
+    const auto reason = step == Step::forward ? Qt::TabFocusReason : Qt::BacktabFocusReason;
+    const bool at_strip = strip_->hasFocus();
+    Control* to = next_stop(form_, at_strip ? nullptr : control_with_focus(), step);
+    if (!to && !strip_->isHidden() && !at_strip) return strip_->setFocus(reason);
+    if (!to) to = next_stop(form_, nullptr, step);
+    if (to) widget_of(*to).setFocus(reason);
 }
 
 }  // namespace toolkit::qt

@@ -15,7 +15,7 @@ T take(std::deque<T>& script, const std::string& question) {
 }  // namespace
 
 Answer ScriptToolkit::show_box(const Box& box) {
-    boxes.push_back(box);
+    (void)HeadlessToolkit::show_box(box);
     const auto foreseen = take(answers_, box.title + ": " + box.text);
     if (foreseen.title != box.title) {
         throw UnexpectedQuestion("expected the box '" + foreseen.title + "', came: " + box.title + ": " +
@@ -26,12 +26,12 @@ Answer ScriptToolkit::show_box(const Box& box) {
 }
 
 std::string ScriptToolkit::show_input_box(const std::string& title, const std::string& prompt) {
-    prompts.push_back(prompt);
+    (void)HeadlessToolkit::show_input_box(title, prompt);
     return take(inputs_, title);
 }
 
 std::string ScriptToolkit::ask_file(const FileDialog& dialog) {
-    file_dialogs.push_back(dialog);
+    (void)HeadlessToolkit::ask_file(dialog);
     return take(files_, dialog.title);
 }
 

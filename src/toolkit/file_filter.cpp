@@ -1,9 +1,9 @@
-#include "toolkit/qt/file_filter.h"
+#include "toolkit/file_filter.h"
 
 #include "base/text.h"
 #include "base/wildcards.h"
 
-namespace toolkit::qt {
+namespace toolkit {
 
 namespace {
 
@@ -55,4 +55,4 @@ std::string full_path(std::string_view folder, std::string_view typed) {
     return below(folder, typed);
 }
 
-}  // namespace toolkit::qt
+}  // namespace toolkit

@@ -5,7 +5,7 @@
 #include <vector>
 
 /// What a file dialog shows and how it completes a name.
-namespace toolkit::qt {
+namespace toolkit {
 
 struct Filter {
     std::string description;
@@ -24,4 +24,4 @@ std::string extension_of(std::string_view pattern);
 /// The full path of a typed name: one with a drive, from the drive's root, or in the folder.
 std::string full_path(std::string_view folder, std::string_view typed);
 
-}  // namespace toolkit::qt
+}  // namespace toolkit

@@ -1,0 +1,49 @@
+#include "toolkit/words.h"
+
+#include <array>
+
+#include "base/text.h"
+
+namespace toolkit {
+
+using namespace text::literals;
+
+namespace {
+
+struct Row {
+    Word word;
+    std::array<const char*, 2> text;  // by language
+};
+
+constexpr Row rows[] = {
+    {Word::ok, {"OK", "OK"}},
+    {Word::cancel, {"Abbrechen", "Cancel"}},
+    {Word::yes, {"&Ja", "&Yes"}},
+    {Word::no, {"&Nein", "&No"}},
+    {Word::abort, {"&Beenden", "&Abort"}},
+    {Word::retry, {"&Wiederholen", "&Retry"}},
+    {Word::ignore, {"&Ignorieren", "&Ignore"}},
+    {Word::open, {U"Öffnen"_ansi, "Open"}},
+    {Word::open_button, {U"Ö&ffnen"_ansi, "&Open"}},
+    {Word::save_as, {"Speichern unter", "Save As"}},
+    {Word::save_button, {"&Speichern", "&Save"}},
+    {Word::file_name, {"Datei&name:", "File &name:"}},
+    {Word::files, {"Date&ien:", "F&iles:"}},
+    {Word::files_of_type, {"Datei&typ:", "Files of &type:"}},
+    {Word::folders, {"&Ordner:", "&Folders:"}},
+    {Word::drive, {"&Laufwerk:", "Dri&ve:"}},
+    {Word::no_such_drive,
+     {U" ist nicht zu erreichen. Geben Sie seinen Ordner beim Start mit --drive an."_ansi,
+      " cannot be reached. Give its folder at the start, with --drive."}},
+};
+
+}  // namespace
+
+const char* word(Word word, Language language) {
+    for (const Row& row : rows) {
+        if (row.word == word) return row.text[static_cast<size_t>(language)];
+    }
+    return "";
+}
+
+}  // namespace toolkit

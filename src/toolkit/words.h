@@ -1,0 +1,31 @@
+#pragma once
+
+namespace toolkit {
+
+enum class Language { german = 0, english = 1 };
+
+/// The words that a renderer itself puts on the screen: buttons of boxes, the file dialog.
+enum class Word {
+    ok,
+    cancel,
+    yes,
+    no,
+    abort,
+    retry,
+    ignore,
+    open,
+    open_button,
+    save_as,
+    save_button,
+    file_name,
+    files,
+    files_of_type,
+    folders,
+    drive,
+    no_such_drive,  ///< behind the drive's name
+};
+
+/// ANSI, with the mark of the access key where it has one.
+const char* word(Word word, Language language);
+
+}  // namespace toolkit
