@@ -40,7 +40,7 @@ largest_windows_program=2000000
 # build_windows [name...]: the programs of the Windows edition into build/windows, and whatever else is named to its folder bin.
 build_windows() {
     local folder=build/windows name
-    build "$folder" -DCMAKE_TOOLCHAIN_FILE=cmake/windows-i486.cmake -DCMAKE_BUILD_TYPE=Release \
+    build "$folder" --no-warn-unused-cli -DCMAKE_TOOLCHAIN_FILE=cmake/windows-i486.cmake -DCMAKE_BUILD_TYPE=Release \
         -DBUILD_TESTING="$([ $# -eq 0 ] && echo OFF || echo ON)" --targets edition "$@"
     for name in $(cat "$folder/edition"); do
         cp "$folder/bin/$name.exe" "$folder/$name.exe"

@@ -193,6 +193,24 @@ TEST_P(Contract, FilesAnswerWithWindowsErrors) {
     EXPECT_EQ(files_.write("C:\\locked.txt", "x"), no_error);
 }
 
+TEST_P(Contract, FilesGrowPieceByPiece) {
+    const auto content = [&](std::string_view path) {
+        std::string bytes;
+        return files_.read(path, bytes) == no_error ? bytes : "(none)";
+    };
+    EXPECT_EQ(files_.write_at("C:\\grow.bin", 0, ""), no_error);
+    EXPECT_EQ(content("C:\\grow.bin"), "");
+    EXPECT_EQ(files_.write_at("C:\\GROW.BIN", 0, "abcdef"), no_error);
+    EXPECT_EQ(files_.write_at("C:\\grow.bin", 2, "XY"), no_error);
+    EXPECT_EQ(content("C:\\grow.bin"), "abXYef");
+    EXPECT_EQ(files_.write_at("C:\\grow.bin", 8, "Z"), no_error);
+    EXPECT_EQ(content("C:\\grow.bin"), std::string("abXYef\0\0Z", 9));
+    EXPECT_EQ(files_.write_at("C:\\nowhere\\x", 0, "a"), no_such_path);
+    EXPECT_EQ(files_.write_at("C:\\WINDOWS", 0, "a"), path_access);
+    ASSERT_EQ(files_.set_attributes("C:\\grow.bin", attribute_read_only), no_error);
+    EXPECT_EQ(files_.write_at("C:\\grow.bin", 0, "a"), permission_denied);
+}
+
 TEST_P(Contract, SearchIsSortedAndFitsAsOnNT) {
     const std::string folder = "C:\\Documents and Settings\\Anna\\";
     for (const char* name : {"b.lnk", U"Ärger.LNK"_ansi, "A.Lnk", "Docs", "docs.txt"})

@@ -18,7 +18,8 @@ struct WindowsSubject : Subject {
         auto& files = windows.machine().files;
         for (const char* folder : {"C:\\Icons", "C:\\Target", "C:\\Documents and Settings\\Anna"})
             remove_folder(folder);
-        for (const char* file : {"C:\\old.txt", "C:\\locked.txt", "C:\\new.txt", "C:\\WINDOWS\\new.ini"}) {
+        for (const char* file :
+             {"C:\\old.txt", "C:\\locked.txt", "C:\\new.txt", "C:\\grow.bin", "C:\\WINDOWS\\new.ini"}) {
             (void)files.set_attributes(file, machine::attribute_normal);
             (void)files.remove(file);
         }

@@ -76,6 +76,12 @@ class File {
         } while (size > 0);
         return no_error;
     }
+    FileError seek(int64_t offset) {
+        LONG high = static_cast<LONG>(offset >> 32);
+        const DWORD low = SetFilePointer(handle_, static_cast<LONG>(offset & 0xFFFFFFFF), &high, FILE_BEGIN);
+        return low == INVALID_SET_FILE_POINTER && GetLastError() != NO_ERROR ? file_error(GetLastError())
+                                                                             : no_error;
+    }
     /// Everything, and on the disk.
     FileError write(std::string_view bytes) {
         DWORD size = 0;
@@ -158,6 +164,15 @@ FileError WindowsFiles::write(std::string_view path, std::string_view bytes) {
     if (error == no_error) error = take_place(fresh, *place);
     if (error != no_error) (void)DeleteFileA(fresh);
     return error;
+}
+
+FileError WindowsFiles::write_at(std::string_view path, int64_t offset, std::string_view bytes) {
+    const Path place = checked_file(path);
+    if (!place) return place.error();
+    File file(*place, GENERIC_READ | GENERIC_WRITE, sharing, OPEN_ALWAYS);
+    if (!file.is_open()) return file.error();
+    if (const FileError error = file.seek(offset)) return error;
+    return file.write(bytes);
 }
 
 FileError WindowsFiles::remove(std::string_view path) {
