@@ -41,6 +41,11 @@ Path checked_file(std::string_view path) {
     return file;
 }
 
+bool is_read_only(const std::string& path) {
+    const uint32_t attributes = attributes_of(path);
+    return attributes != no_attributes && (attributes & attribute_read_only);
+}
+
 /// An open file; closed when it goes.
 class File {
   public:
@@ -155,8 +160,8 @@ FileError WindowsFiles::read(std::string_view path, std::string& bytes) {
 FileError WindowsFiles::write(std::string_view path, std::string_view bytes) {
     const Path place = checked_file(path);
     if (!place) return place.error();
+    if (is_read_only(*place)) return permission_denied;
     const uint32_t old = attributes_of(*place);
-    if (old != no_attributes && (old & attribute_read_only)) return permission_denied;
     char fresh[MAX_PATH] = {};
     if (!GetTempFileNameA(folder_of(*place).c_str(), "brl", 0, fresh)) return file_error(GetLastError());
     FileError error = write_new(fresh, bytes);
@@ -169,6 +174,7 @@ FileError WindowsFiles::write(std::string_view path, std::string_view bytes) {
 FileError WindowsFiles::write_at(std::string_view path, int64_t offset, std::string_view bytes) {
     const Path place = checked_file(path);
     if (!place) return place.error();
+    if (is_read_only(*place)) return permission_denied;
     File file(*place, GENERIC_READ | GENERIC_WRITE, sharing, OPEN_ALWAYS);
     if (!file.is_open()) return file.error();
     if (const FileError error = file.seek(offset)) return error;
@@ -178,8 +184,7 @@ FileError WindowsFiles::write_at(std::string_view path, int64_t offset, std::str
 FileError WindowsFiles::remove(std::string_view path) {
     const Path place = checked_file(path);
     if (!place) return place.error();
-    const uint32_t attributes = attributes_of(*place);
-    if (attributes != no_attributes && (attributes & attribute_read_only)) return permission_denied;
+    if (is_read_only(*place)) return permission_denied;
     return DeleteFileA(place->c_str()) ? no_error : file_error(GetLastError());
 }
 
@@ -253,10 +258,9 @@ bool WindowsFiles::write_profile(std::string_view section, std::string_view key,
                                  std::optional<std::string_view> value, std::string_view file) {
     const std::string text(value.value_or(""));
     const std::string name(file);
-    const uint32_t attributes = attributes_of(profile_path(file));
-    if (attributes == no_attributes && !value) return true;
-    // Windows 9X would find out later, and not tell.
-    if (attributes != no_attributes && (attributes & attribute_read_only)) return false;
+    const std::string path = profile_path(file);
+    if (!value && attributes_of(path) == no_attributes) return true;
+    if (is_read_only(path)) return false;  // Windows 9X would find out later, and not tell
     const BOOL written = WritePrivateProfileStringA(std::string(section).c_str(), std::string(key).c_str(),
                                                     value ? text.c_str() : nullptr, name.c_str());
     // Windows 9X keeps the file in memory for a while; this brings it to the disk.

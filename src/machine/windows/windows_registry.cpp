@@ -38,6 +38,8 @@ class OpenKey {
     WinCode code_;
 };
 
+bool is_nt() { return (GetVersion() & 0x80000000) == 0; }
+
 bool has_subkeys(Root root, std::string_view subkey) {
     std::string name;
     return WindowsRegistry().enum_key(root, subkey, 0, name) == more_data;
@@ -70,8 +72,9 @@ Outcome WindowsRegistry::set(Root root, std::string_view subkey, std::string_vie
                              const RawValue& value) {
     const OpenKey key(root, subkey, writing);
     if (key.code() != success) return {key.code(), success};
-    // Windows takes a NUL that happens to stand after a text for a part of it.
-    const std::string data = value.data + '\1';
+    // Windows NT takes a NUL that happens to stand after a text for a part of it; Windows 9X ends a text at a
+    // NUL, whatever the length says.
+    const std::string data = value.data + (is_nt() ? '\1' : '\0');
     const WinCode code = code_of(RegSetValueExA(key.handle(), std::string(name).c_str(), 0, value.type,
                                                 reinterpret_cast<const BYTE*>(data.data()),
                                                 static_cast<DWORD>(value.data.size())));
@@ -98,8 +101,7 @@ Registry::Disposition WindowsRegistry::create_key(Root root, std::string_view su
 
 WinCode WindowsRegistry::delete_key(Root root, std::string_view subkey) {
     // Windows 9X would take all keys below along.
-    const bool nt = (GetVersion() & 0x80000000) == 0;
-    if (!nt && has_subkeys(root, subkey)) return access_denied;
+    if (!is_nt() && has_subkeys(root, subkey)) return access_denied;
     return code_of(RegDeleteKeyA(handle_of(root), std::string(subkey).c_str()));
 }
 
