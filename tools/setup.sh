@@ -49,4 +49,5 @@ build_windows() {
         i686-w64-mingw32-strip "$folder/$name.exe"
         [ "$(stat -c %s "$folder/$name.exe")" -lt $largest_windows_program ] || { echo "$name.exe is too large" >&2; return 1; }
     done
+    tools/windows-setup "$folder"
 }
