@@ -1,7 +1,5 @@
 #include "toolkit/words.h"
 
-#include <array>
-
 #include "base/text.h"
 
 namespace toolkit {
@@ -12,7 +10,7 @@ namespace {
 
 struct Row {
     Word word;
-    std::array<const char*, 2> text;  // by language
+    Twin text;
 };
 
 constexpr Row rows[] = {
@@ -41,7 +39,7 @@ constexpr Row rows[] = {
 
 const char* word(Word word, Language language) {
     for (const Row& row : rows) {
-        if (row.word == word) return row.text[static_cast<size_t>(language)];
+        if (row.word == word) return pick(row.text, language);
     }
     return "";
 }

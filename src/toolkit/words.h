@@ -1,8 +1,8 @@
 #pragma once
 
-namespace toolkit {
+#include "base/twin.h"
 
-enum class Language { german = 0, english = 1 };
+namespace toolkit {
 
 /// The words that a renderer itself puts on the screen: buttons of boxes, the file dialog.
 enum class Word {
@@ -22,7 +22,7 @@ enum class Word {
     files_of_type,
     folders,
     drive,
-    no_such_drive,  ///< behind the drive's name
+    no_such_drive,  ///< after the drive's name
 };
 
 /// ANSI, with the mark of the access key where it has one.
