@@ -33,6 +33,11 @@ constexpr Row rows[] = {
     {Word::no_such_drive,
      {U" ist nicht zu erreichen. Geben Sie seinen Ordner beim Start mit --drive an."_ansi,
       " cannot be reached. Give its folder at the start, with --drive."}},
+    {Word::print_setup, {"Drucker einrichten", "Print Setup"}},
+    {Word::printer, {"&Drucker:", "&Printer:"}},
+    {Word::pdf_file, {"PDF-Datei", "PDF file"}},
+    {Word::file, {"Da&tei:", "&File:"}},
+    {Word::browse, {"D&urchsuchen...", "&Browse..."}},
 };
 
 }  // namespace

@@ -4,7 +4,8 @@
 
 namespace toolkit {
 
-/// The words that a renderer itself puts on the screen: buttons of boxes, the file dialog.
+/// The words that a renderer itself puts on the screen: buttons of boxes, the file dialog, the printer
+/// set-up.
 enum class Word {
     ok,
     cancel,
@@ -23,6 +24,11 @@ enum class Word {
     folders,
     drive,
     no_such_drive,  ///< after the drive's name
+    print_setup,
+    printer,
+    pdf_file,
+    file,
+    browse,
 };
 
 /// ANSI, with the mark of the access key where it has one.

@@ -50,9 +50,9 @@ struct BatchCommand : testing::Test {
     }
 
     static std::vector<std::string> pupils() {
-        std::vector<std::string> names;
-        for (int i = 0; i < 10; ++i)
-            names.push_back("pupil" + std::to_string(i));
+        std::vector<std::string> names(10, "pupil");
+        for (size_t i = 0; i < names.size(); ++i)
+            names[i] += std::to_string(i);
         return names;
     }
     void set_password(const std::string& password) {
@@ -210,6 +210,7 @@ TEST_F(BatchCommand, TellsAWrongCall) {
         EXPECT_THAT(answer.err, StartsWith(std::string("britlock: ") + text));
         EXPECT_THAT(answer.err, HasSubstr("Usage:"));
     }
+    EXPECT_THAT(run({"show", "--help"}).out, StartsWith("Usage:"));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <functional>
 #include <iostream>
 #include <memory>
@@ -161,7 +162,7 @@ int BatchRun::for_each_user(const Work& work) {
         if (!failure.empty()) code = exit_failed;
         if (failure.empty() && shows) continue;
         const std::string what = failure.empty() ? say(done) : say(failed) + text::to_utf8(failure);
-        (shows ? std::cerr : std::cout) << name + ": " + what << std::endl;
+        (shows ? std::cerr : std::cout) << name << ": " << what << std::endl;
     }
     return code;
 }
@@ -206,6 +207,10 @@ Failure BatchRun::write_file(const RestrictionSet& set) const {
 
 int run_batch(const std::vector<std::string>& words, const std::string& executables, int language) {
     const auto complain = [](const std::string& why) { std::cerr << "britlock: " << why << "\n"; };
+    if (std::find(words.begin(), words.end(), "--help") != words.end()) {
+        std::cout << batch_usage;
+        return exit_done;
+    }
     const auto parsed = parse_batch_options(words);
     if (const auto* wrong = std::get_if<std::string>(&parsed)) {
         complain(*wrong);

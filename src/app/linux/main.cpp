@@ -7,8 +7,6 @@
 #include <iostream>
 #include <memory>
 
-#include "app/linux/batch_command.h"
-#include "app/linux/batch_options.h"
 #include "app/linux/exit_code.h"
 #include "app/linux/options.h"
 #include "app/linux/strip.h"
@@ -248,8 +246,6 @@ int run(const Options& options) {
 int main(int argc, char** argv) {
     (void)std::signal(SIGCHLD, SIG_DFL);  // ignored by who started us, the hive tool's end would be lost
     try {
-        if (argc > 1 && is_batch_verb(argv[1]))
-            return run_batch({argv + 1, argv + argc}, executables_folder(), BRITLOCK_LANGUAGE);
         const auto parsed = parse_options(argc, argv);
         if (const auto* wrong = std::get_if<std::string>(&parsed)) {
             (void)complain(*wrong, exit_wrong_call);

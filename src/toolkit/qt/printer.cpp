@@ -3,10 +3,12 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QDialogButtonBox>
+#include <QFile>
 #include <QFileDialog>
 #include <QFontMetricsF>
 #include <QFormLayout>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
 #include <QPrinter>
@@ -29,9 +31,7 @@ constexpr double bottom = 15480;
 class PagePrinter : public Printer {
   public:
     explicit PagePrinter(const PrinterChoice& choice);
-    ~PagePrinter() override {
-        if (painter_.isActive()) printer_.abort();
-    }
+    ~PagePrinter() override;
 
     void set_font(const Font& font) override;
     void set_left(int twips) override;
@@ -67,6 +67,12 @@ PagePrinter::PagePrinter(const PrinterChoice& choice) {
     printer_.setPageSize(QPageSize(QPageSize::A4));
     printer_.setFullPage(true);
     if (!printer_.isValid() || !painter_.begin(&printer_)) throw RuntimeError(482);
+}
+
+PagePrinter::~PagePrinter() {
+    if (!painter_.isActive()) return;
+    printer_.abort();
+    if (!printer_.outputFileName().isEmpty()) (void)QFile::remove(printer_.outputFileName());
 }
 
 void PagePrinter::set_font(const Font& font) {
@@ -121,27 +127,32 @@ void PagePrinter::end_document() {
 /// Printers of this system, and a file.
 class SetupWindow : public QDialog {
   public:
-    SetupWindow(const PrinterChoice& choice, QWidget* parent);
+    SetupWindow(const PrinterChoice& choice, Language language, QWidget* parent);
     PrinterChoice chosen() const;
 
   private:
+    QString said(Word of) const { return shown(word(of, language_)); }
     bool means_file() const { return printers_->currentIndex() == printers_->count() - 1; }
     void show_use();
     void browse();
 
+    const Language language_;
     QComboBox* printers_ = new QComboBox(this);
     QLineEdit* file_ = new QLineEdit(this);
-    QPushButton* browse_ = new QPushButton(QStringLiteral("&Browse..."), this);
-    QDialogButtonBox* buttons_ = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+    QPushButton* browse_ = new QPushButton(said(Word::browse), this);
+    QDialogButtonBox* buttons_ = new QDialogButtonBox(this);
+    QPushButton* ok_ = buttons_->addButton(said(Word::ok), QDialogButtonBox::AcceptRole);
 };
 
-SetupWindow::SetupWindow(const PrinterChoice& choice, QWidget* parent) : QDialog(parent) {
-    setWindowTitle(QStringLiteral("Print Setup"));
+SetupWindow::SetupWindow(const PrinterChoice& choice, Language language, QWidget* parent)
+    : QDialog(parent), language_(language) {
+    setWindowTitle(said(Word::print_setup));
     printers_->addItems(QPrinterInfo::availablePrinterNames());
-    printers_->addItem(QStringLiteral("PDF file"));
+    printers_->addItem(said(Word::pdf_file));
     const int known = printers_->findText(choice.printer);
     printers_->setCurrentIndex(choice.pdf_file.isEmpty() && known >= 0 ? known : printers_->count() - 1);
     file_->setText(choice.pdf_file);
+    buttons_->addButton(said(Word::cancel), QDialogButtonBox::RejectRole);
     connect(printers_, &QComboBox::currentIndexChanged, this, [this] { show_use(); });
     connect(file_, &QLineEdit::textChanged, this, [this] { show_use(); });
     connect(browse_, &QPushButton::clicked, this, [this] { browse(); });
@@ -152,8 +163,9 @@ SetupWindow::SetupWindow(const PrinterChoice& choice, QWidget* parent) : QDialog
     file_row->addWidget(file_, 1);
     file_row->addWidget(browse_);
     auto* rows = new QFormLayout(this);
-    rows->addRow(QStringLiteral("&Printer:"), printers_);
-    rows->addRow(QStringLiteral("&File:"), file_row);
+    rows->addRow(said(Word::printer), printers_);
+    rows->addRow(said(Word::file), file_row);
+    qobject_cast<QLabel*>(rows->labelForField(file_row))->setBuddy(file_);
     rows->addRow(buttons_);
     setMinimumWidth(pixels(6600));
     show_use();
@@ -162,11 +174,11 @@ SetupWindow::SetupWindow(const PrinterChoice& choice, QWidget* parent) : QDialog
 void SetupWindow::show_use() {
     file_->setEnabled(means_file());
     browse_->setEnabled(means_file());
-    buttons_->button(QDialogButtonBox::Ok)->setEnabled(!means_file() || !file_->text().isEmpty());
+    ok_->setEnabled(!means_file() || !file_->text().isEmpty());
 }
 
 void SetupWindow::browse() {
-    const QString file = QFileDialog::getSaveFileName(this, QStringLiteral("PDF file"), file_->text(),
+    const QString file = QFileDialog::getSaveFileName(this, said(Word::pdf_file), file_->text(),
                                                       QStringLiteral("PDF (*.pdf)"));
     if (!file.isEmpty()) file_->setText(file);
 }
@@ -186,8 +198,8 @@ std::unique_ptr<Printer> open_printer(const PrinterChoice& choice) {
     return std::make_unique<PagePrinter>(choice);
 }
 
-void ask_printer(PrinterChoice& choice, QWidget* parent) {
-    SetupWindow window(choice, parent);
+void ask_printer(PrinterChoice& choice, Language language, QWidget* parent) {
+    SetupWindow window(choice, language, parent);
     if (window.exec() == QDialog::Accepted) choice = window.chosen();
 }
 

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "toolkit/printer.h"
+#include "toolkit/words.h"
 
 class QWidget;
 
@@ -21,6 +22,6 @@ struct PrinterChoice {
 std::unique_ptr<Printer> open_printer(const PrinterChoice& choice);
 
 /// Lets a person choose anew; Cancel leaves the choice.
-void ask_printer(PrinterChoice& choice, QWidget* parent);
+void ask_printer(PrinterChoice& choice, Language language, QWidget* parent);
 
 }  // namespace toolkit::qt

@@ -145,7 +145,7 @@ std::unique_ptr<Printer> QtToolkit::open_printer() {
 
 void QtToolkit::set_up_printer() {
     if (!d_->printer) d_->printer = qt::PrinterChoice::usual();
-    qt::ask_printer(*d_->printer, in_front(*this));
+    qt::ask_printer(*d_->printer, d_->language, in_front(*this));
 }
 
 void QtToolkit::beep() { QApplication::beep(); }
