@@ -1,6 +1,7 @@
 #pragma once
 
 #include "machine/files.h"
+#include "machine/internet.h"
 #include "machine/registry.h"
 #include "machine/system.h"
 
@@ -12,6 +13,7 @@ struct Machine {
     Files& files;
     Processes& processes;
     System& system;
+    Internet& internet;
 };
 
 }  // namespace machine

@@ -88,6 +88,16 @@ FileError MemoryFiles::write(std::string_view path, std::string_view bytes) {
     return no_error;
 }
 
+FileError MemoryFiles::write_at(std::string_view path, int64_t offset, std::string_view bytes) {
+    const Found found = look_for_file(path);
+    if (found.error != no_error) return found.error;
+    std::string content = found.entry ? found.entry->bytes : "";
+    const auto start = static_cast<size_t>(offset);
+    content.resize(std::max(content.size(), start + bytes.size()));
+    content.replace(start, bytes.size(), bytes);
+    return write(path, content);
+}
+
 FileError MemoryFiles::remove(std::string_view path) {
     const Found found = look_for_file(path);
     if (found.error != no_error) return found.error;

@@ -34,6 +34,7 @@ class MemoryFiles : public Files {
     Measured open_binary(std::string_view path) override;
     FileError read(std::string_view path, std::string& bytes) override;
     FileError write(std::string_view path, std::string_view bytes) override;
+    FileError write_at(std::string_view path, int64_t offset, std::string_view bytes) override;
     FileError remove(std::string_view path) override;
     uint32_t attributes(std::string_view path) override;
     FileError set_attributes(std::string_view path, uint32_t attributes) override;

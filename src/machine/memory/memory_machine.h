@@ -8,6 +8,7 @@
 #include "machine/machine.h"
 #include "machine/memory/journal.h"
 #include "machine/memory/memory_files.h"
+#include "machine/memory/memory_internet.h"
 #include "machine/memory/memory_registry.h"
 
 namespace machine {
@@ -112,11 +113,12 @@ class MemoryMachine {
     JournalRegistry journal{registry};
     MemoryFiles files{system, registry};
     MemoryProcesses processes{system, files, registry};
+    MemoryInternet internet;
 
     /// A profile folder with its hive, which is returned.
     MemoryKey& add_profile(std::string_view name);
     /// What the program is given.
-    Machine machine() { return {journal, files, processes, system}; }
+    Machine machine() { return {journal, files, processes, system, internet}; }
 };
 
 }  // namespace machine

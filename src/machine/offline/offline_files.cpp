@@ -79,6 +79,17 @@ FileError OfflineFiles::write(std::string_view path, std::string_view bytes) {
     return replace_file(*place, [&](int file) { return write_all(file, bytes); });
 }
 
+FileError OfflineFiles::write_at(std::string_view path, int64_t offset, std::string_view bytes) {
+    if (const Measured made = open_binary(path); made.error != no_error) return made.error;
+    const auto place = drives_.resolve(path);
+    if (!place) return place.error();
+    if (const FileError error = check_change(*place)) return error;
+    const auto file = open_file(*place, O_WRONLY);
+    if (!file) return file.error();
+    if (lseek(file->number(), offset, SEEK_SET) < 0) return file_error(errno);
+    return write_all(file->number(), bytes);
+}
+
 FileError OfflineFiles::remove(std::string_view path) {
     const auto place = drives_.resolve(path);
     if (!place) return place.error();

@@ -41,7 +41,8 @@ class OfflineMachine {
     const Installation& installation() const { return installation_; }
     const DriveMap& drives() const { return drives_; }
     const MountTable& mounts() const { return mounts_; }
-    Machine machine() { return {registry_, files_, processes_, system_}; }
+    /// Without the internet: that is the entry's to add.
+    Machine machine() { return {registry_, files_, processes_, system_, no_internet()}; }
 
   private:
     OfflineMachine(DriveMap drives, Installation installation, HostPlace software_hive, HostPlace user_hive,

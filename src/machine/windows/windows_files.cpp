@@ -2,8 +2,6 @@
 
 #include <windows.h>
 
-#include <algorithm>
-
 #include "base/text.h"
 #include "machine/protected_folders.h"
 #include "machine/windows/file_errors.h"
@@ -30,12 +28,16 @@ Path checked(std::string_view path) {
     return is_in_network(path) ? "\\" + parsed->text().substr(2) : parsed->text();
 }
 
-/// The same for a file's content.
+std::string folder_of(const std::string& path) { return path.substr(0, path.rfind('\\') + 1); }
+
+/// The same for a file's content: no folder, and in one that is there.
 Path checked_file(std::string_view path) {
     Path file = checked(path);
     if (!file) return file;
     const uint32_t attributes = attributes_of(*file);
-    if (attributes != no_attributes && (attributes & attribute_directory)) return path_access;
+    const bool missing = attributes == no_attributes;
+    if (missing && attributes_of(folder_of(*file)) == no_attributes) return no_such_path;
+    if (!missing && (attributes & attribute_directory)) return path_access;
     return file;
 }
 
@@ -45,7 +47,10 @@ class File {
     File(const std::string& path, DWORD access, DWORD sharing, DWORD how)
         : handle_(CreateFileA(path.c_str(), access, sharing, nullptr, how, FILE_ATTRIBUTE_NORMAL, nullptr)),
           error_(handle_ == INVALID_HANDLE_VALUE ? GetLastError() : ERROR_SUCCESS) {
-        if (is_open() && GetFileType(handle_) != FILE_TYPE_DISK) error_ = ERROR_INVALID_NAME;
+        if (!is_open() || GetFileType(handle_) == FILE_TYPE_DISK) return;
+        CloseHandle(handle_);  // a pipe of another machine
+        handle_ = INVALID_HANDLE_VALUE;
+        error_ = ERROR_ACCESS_DENIED;
     }
     File(const File&) = delete;
     File& operator=(const File&) = delete;
@@ -70,6 +75,12 @@ class File {
             bytes.append(piece, size);
         } while (size > 0);
         return no_error;
+    }
+    FileError seek(int64_t offset) {
+        LONG high = static_cast<LONG>(offset >> 32);
+        const DWORD low = SetFilePointer(handle_, static_cast<LONG>(offset & 0xFFFFFFFF), &high, FILE_BEGIN);
+        return low == INVALID_SET_FILE_POINTER && GetLastError() != NO_ERROR ? file_error(GetLastError())
+                                                                             : no_error;
     }
     /// Everything, and on the disk.
     FileError write(std::string_view bytes) {
@@ -146,14 +157,22 @@ FileError WindowsFiles::write(std::string_view path, std::string_view bytes) {
     if (!place) return place.error();
     const uint32_t old = attributes_of(*place);
     if (old != no_attributes && (old & attribute_read_only)) return permission_denied;
-    const std::string folder = place->substr(0, place->rfind('\\') + 1);
     char fresh[MAX_PATH] = {};
-    if (!GetTempFileNameA(folder.c_str(), "brl", 0, fresh)) return file_error(GetLastError());
+    if (!GetTempFileNameA(folder_of(*place).c_str(), "brl", 0, fresh)) return file_error(GetLastError());
     FileError error = write_new(fresh, bytes);
     if (error == no_error) error = set_attributes_of(fresh, old == no_attributes ? attribute_archive : old);
     if (error == no_error) error = take_place(fresh, *place);
     if (error != no_error) (void)DeleteFileA(fresh);
     return error;
+}
+
+FileError WindowsFiles::write_at(std::string_view path, int64_t offset, std::string_view bytes) {
+    const Path place = checked_file(path);
+    if (!place) return place.error();
+    File file(*place, GENERIC_READ | GENERIC_WRITE, sharing, OPEN_ALWAYS);
+    if (!file.is_open()) return file.error();
+    if (const FileError error = file.seek(offset)) return error;
+    return file.write(bytes);
 }
 
 FileError WindowsFiles::remove(std::string_view path) {
@@ -186,11 +205,8 @@ std::optional<std::vector<FoundFile>> WindowsFiles::find(std::string_view patter
         if (is_plain_name(file.name)) found.push_back(file);
         return no_error;
     });
-    if (error != no_error) return std::nullopt;
-    std::sort(found.begin(), found.end(), [](const FoundFile& a, const FoundFile& b) {
-        return text::less_ignoring_case(a.name, b.name);
-    });
-    return found;
+    if (error != no_error && error != no_such_file) return std::nullopt;
+    return search_result({{}, names}, std::move(found));
 }
 
 FileError WindowsFiles::delete_folder(std::string_view path) {
@@ -237,7 +253,10 @@ bool WindowsFiles::write_profile(std::string_view section, std::string_view key,
                                  std::optional<std::string_view> value, std::string_view file) {
     const std::string text(value.value_or(""));
     const std::string name(file);
-    if (!value && attributes_of(profile_path(file)) == no_attributes) return true;
+    const uint32_t attributes = attributes_of(profile_path(file));
+    if (attributes == no_attributes && !value) return true;
+    // Windows 9X would find out later, and not tell.
+    if (attributes != no_attributes && (attributes & attribute_read_only)) return false;
     const BOOL written = WritePrivateProfileStringA(std::string(section).c_str(), std::string(key).c_str(),
                                                     value ? text.c_str() : nullptr, name.c_str());
     // Windows 9X keeps the file in memory for a while; this brings it to the disk.

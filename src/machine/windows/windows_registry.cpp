@@ -106,15 +106,14 @@ WinCode WindowsRegistry::delete_key(Root root, std::string_view subkey) {
 WinCode WindowsRegistry::enum_key(Root root, std::string_view subkey, uint32_t index, std::string& name) {
     const OpenKey key(root, subkey, enumerating);
     if (key.code() != success) return no_more_items;
+    // Without a buffer for the class: asked with one that is too small, not every Windows fills in the name.
     char buffer[255 + 1] = {};
-    DWORD length = 255;
-    char no_class[] = "";
-    DWORD class_length = 0;
-    FILETIME written{};
-    const WinCode code = code_of(
-        RegEnumKeyExA(key.handle(), index, buffer, &length, nullptr, no_class, &class_length, &written));
-    if (code == more_data || code == success) name = buffer;
-    return code == success ? more_data : code;
+    DWORD length = sizeof buffer;
+    const WinCode code =
+        code_of(RegEnumKeyExA(key.handle(), index, buffer, &length, nullptr, nullptr, nullptr, nullptr));
+    if (code != success) return code;
+    name = buffer;
+    return more_data;
 }
 
 }  // namespace machine
