@@ -1,6 +1,8 @@
 # What ./run and ./check share. Sourced from the project's root.
 
 build_packages=(g++ cmake ninja-build qt6-base-dev fonts-liberation)
+# What the program itself asks for: the opener of folders and web addresses, and Qt's own words in German.
+run_packages=(xdg-utils qt6-translations-l10n)
 test_packages=(git libgtest-dev libgmock-dev libbenchmark-dev python3 python3-hivex libhivex-bin reglookup xvfb xdotool openbox imagemagick
     clang-format clang-tidy)
 windows_build_packages=(g++-mingw-w64-i686-win32 cmake ninja-build nsis python3)
@@ -31,8 +33,22 @@ build() {
     [ $# -eq 0 ] || targets=(--target "${@:2}")
     if command -v ccache >/dev/null; then options+=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache); fi
     cmake -S . -B "$folder" -G Ninja "${options[@]}" >/dev/null
-    cmake --build "$folder" "${targets[@]}" | grep -vE '^\[[0-9/]+\] ' || true
-    cmake --build "$folder" "${targets[@]}" >/dev/null
+    (set -o pipefail; NINJA_STATUS='[%p] ' cmake --build "$folder" "${targets[@]}" | show_progress)
+}
+
+# Of a build's steps one line in a while, of the rest everything.
+show_progress() {
+    local line last=-10 percent
+    while IFS= read -r line; do
+        if [[ $line =~ ^\[\ *([0-9]+)%\]\  ]]; then
+            percent=${BASH_REMATCH[1]}
+            [ "$percent" -ge $((last + 10)) ] || continue
+            last=$percent
+            echo "building: $percent %"
+        elif [ "$line" != "ninja: no work to do." ]; then
+            printf '%s\n' "$line"
+        fi
+    done
 }
 
 largest_windows_program=2000000

@@ -15,8 +15,8 @@ constexpr const char* help_file = "britlock.hlp";
 /// The maker's key is made before the product's.
 constexpr const char* maker_key = R"(Software\Morvane)";
 constexpr const char* key = R"(Software\Morvane\BRLCK)";
-/// What the control panel's list of installed programs shows. The doubled backslash is part of the text; Windows
-/// takes it for one.
+/// What the control panel's list of installed programs shows. The doubled backslash is part of the text;
+/// Windows takes it for one.
 constexpr const char* uninstall_key =
     R"(Software\Microsoft\Windows\CurrentVersion\\Uninstall\Brightlock Suite)";
 

@@ -9,8 +9,8 @@
 /// The rules of the list of programs that alone may run. Its lines are bare file names.
 namespace britlock {
 
-/// The program's own entry: whoever may run only what is listed must be able to run it, since it brings the icons
-/// at logon. Case-sensitive.
+/// The program's own entry: whoever may run only what is listed must be able to run it, since it brings the
+/// icons at logon. Case-sensitive.
 constexpr const char* this_program = "BRITLOCK.EXE";
 
 /// What the maker suggests.
@@ -27,9 +27,9 @@ enum class Removal { allowed, older_version, this_version };
 /// May a person take this line off the list?
 Removal may_remove(std::string_view entry);
 
-/// Walks a folder and all below it, breadth first, and adds the names of the program files that the list lacks, in
-/// whatever case. A RuntimeError ends it; what was found until then is in the list. 6, where list or walk grow
-/// beyond 32767.
+/// Walks a folder and all below it, breadth first, and adds the names of the program files that the list
+/// lacks, in whatever case. A RuntimeError ends it; what was found until then is in the list. 6, where list
+/// or walk grow beyond 32767.
 void scan_for_programs(FolderSource& folders, const std::string& start, std::vector<std::string>& list);
 
 }  // namespace britlock

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/texts.h"
+#include "base/twin.h"
 
 namespace britlock {
 

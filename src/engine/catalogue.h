@@ -4,8 +4,8 @@
 #include <span>
 #include <string>
 
+#include "base/twin.h"
 #include "engine/restriction_set.h"
-#include "platform/texts.h"
 
 namespace britlock {
 

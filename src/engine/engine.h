@@ -15,15 +15,15 @@ class Engine {
   public:
     Engine(const machine::Machine& machine, REGISTRY_MOD& reg) : machine_(machine), reg_(reg) {}
 
-    /// All that is stored of a user's restrictions; writes nothing to the registry. What no user's registry tells
-    /// is taken from `texts`. RuntimeError where the file of the start options cannot be read.
+    /// All that is stored of a user's restrictions; writes nothing to the registry. What no user's registry
+    /// tells is taken from `texts`. RuntimeError where the file of the start options cannot be read.
     RestrictionSet read(const Target& from, const MachineTexts& texts);
 
     enum class Written { done, refused };
     /// Turns a set into the user's registry: resets every restriction, then sets what is ticked. Nothing is
     /// compared with the old state, and only the first write is looked at: refused, where it fails.
-    /// RuntimeError as for reading, and 6 for a name of the machine's owner that begins with too large a number;
-    /// what was written until then stays.
+    /// RuntimeError as for reading, and 6 for a name of the machine's owner that begins with too large a
+    /// number; what was written until then stays.
     Written write(const Target& to, const RestrictionSet& set);
 
     /// What the window shows before a user is chosen, from the account that runs the program. Makes Internet

@@ -20,8 +20,8 @@ RestrictionSet Engine::read(const Target& from, const MachineTexts& texts) {
     const std::string beep = reg_.reg_read_string(from.root, from.prefix + key::sound, "Beep");
     set.boxes.set(90, beep == "No");
     read_rows(from, Step::shell, set);
-    set.boxes.set(96, is_set(from.root, from.prefix + from.family.command_line_key,
-                             from.family.command_line_value));
+    set.boxes.set(
+        96, is_set(from.root, from.prefix + from.family.command_line_key, from.family.command_line_value));
     read_rows(from, Step::printers, set);
     return set;
 }
@@ -84,9 +84,9 @@ void Engine::read_drives(Root root, const std::string& key, RestrictionSet& set)
     }
 }
 
-/// By names of the table in the root of the running account, since the paths were never filled in: these boxes
-/// start clear, unless a value of that very name lies there. Internet Explorer's rows alone are read where they
-/// are.
+/// By names of the table in the root of the running account, since the paths were never filled in: these
+/// boxes start clear, unless a value of that very name lies there. Internet Explorer's rows alone are read
+/// where they are.
 RestrictionSet Engine::at_start() {
     RestrictionSet set;
     for (const Restriction& row : Get_CR()) {

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/twin.h"
 #include "machine/machine.h"
-#include "platform/texts.h"
 #include "platform/windows_family.h"
 
 // Windows' header makes macros of these; a source that has included it must get the names below all the same.
@@ -56,7 +56,7 @@ class REGISTRY_MOD {
 
     /// A constant of the edition.
     int get_language() const { return language_; }
-    const char* pick(const Twin& twin) const { return britlock::pick(twin, get_language()); }
+    const char* pick(const Twin& twin) const { return ::pick(twin, get_language()); }
 
     const WindowsFamily& family() { return family_of(machine_.system.version()); }
 

@@ -147,7 +147,8 @@ Result<OpenFile> open_to_replace(const HostPlace& place) {
 
 Result<Durability> commit(const HostPlace& place, const Hive& hive, const FileIdentity& identity,
                           FileTime now, const Announce& announce) {
-    if (hive.changes().empty()) return Durability::flushed;
+    // What was written may be what stood there already: times alone are no reason to touch the file.
+    if (hive.changes().empty() || hive.count_differences() == 0) return Durability::flushed;
     const auto sealed = hive.sealed_image(now);
     if (!sealed) return sealed.error();
     const auto old = open_to_replace(place);

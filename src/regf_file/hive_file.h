@@ -46,8 +46,8 @@ Result<FileIdentity> identify(const HostPlace& place);
 /// Writes the sealed image of `hive` in place of the file that `identity` tells of: beside it, flushed, read
 /// back and compared, renamed over it, the folder flushed. What Replacement::take_over() takes over goes
 /// along; where something cannot be kept, `refused` and the old file stays. `changed` if the file is another
-/// one by now. A hive without changes is not written, recovered or not. `announce` is told what the file is
-/// about to become.
+/// one by now. A hive in which nothing differs is not written, recovered or not. `announce` is told what the
+/// file is about to become.
 using Announce = std::function<void(const HiveStamp&)>;
 Result<Durability> commit(const HostPlace& place, const Hive& hive, const FileIdentity& identity,
                           FileTime now, const Announce& announce = {});

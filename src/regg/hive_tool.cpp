@@ -60,7 +60,7 @@ Result<Done> load(const Setting& setting, const std::string& file, const std::st
     if (!lock) return lock.error();
     // Another unload has written it this moment, and its record is about to go.
     const auto old = setting.mounts.find(name);
-    if (old && machine::is_written(setting.drives, *old)) (void)setting.mounts.remove(name);
+    if (old && machine::is_written(setting.drives, *old)) (void)setting.mounts.remove(old->mount);
     const auto mounted = machine::is_mounted(setting.drives, setting.mounts, *place);
     if (!mounted) return mounted.error();
     if (*mounted) return Error{ErrorKind::in_use, file + " is mounted already"};
@@ -82,7 +82,8 @@ bool can_pass(ErrorKind kind) {
 }
 
 Result<Done> write_changes(const Setting& setting, const std::string& name, ToolReport& report) try {
-    const auto hive = machine::open_mounted(setting.drives, setting.mounts, name);
+    constexpr auto patience = std::chrono::seconds(2);  // for the tools of other instances, which are quick
+    const auto hive = machine::open_mounted(setting.drives, setting.mounts, name, patience);
     if (!hive) return hive.error();
     const auto announce = [&](const regf::HiveStamp& stamp) { setting.mounts.announce(hive->record, stamp); };
     const auto written =
@@ -91,7 +92,11 @@ Result<Done> write_changes(const Setting& setting, const std::string& name, Tool
     report.changed = hive->file.hive.count_differences();
     if (*written == regf::Durability::uncertain)
         report.detail = "the hive is written, but its folder could not be flushed: do not cut the power yet";
-    return Done{};
+    if (hive->record.unsealed) {
+        report.changes_lost = true;
+        report.detail = "the unfinished changes of a run that was broken off are dropped";
+    }
+    return setting.mounts.remove(hive->record.mount);  // while nobody else can add to it
 } catch (const std::bad_alloc&) {
     return Error{ErrorKind::no_space, "there is not enough memory for this hive"};
 }
@@ -101,45 +106,30 @@ Result<Done> write_changes(const Setting& setting, const std::string& name, Tool
 Result<Done> keep_or_drop(const Setting& setting, const MountRecord& record, const Error& why,
                           ToolReport& report) {
     if (why.kind == ErrorKind::in_use) return why;
+    if (record.sealed.empty()) return setting.mounts.remove(record.mount);
     if (can_pass(why.kind) && !record.failed_before && setting.mounts.note_failure(record))
         return Error{why.kind, why.message + "; it is kept for the next unload"};
-    if (auto removed = setting.mounts.remove(record.mount.name); !removed) return removed;
+    if (auto removed = setting.mounts.remove(record.mount); !removed) return removed;
     report.changes_lost = true;
     return Error{why.kind, why.message + "; what was to be written to it is dropped"};
-}
-
-/// Nothing is to be written. Only a run that works on the hive this moment holds on to it.
-Result<Done> let_go(const Setting& setting, const MountRecord& record) {
-    const auto place = machine::locate_hive(setting.drives, record.mount.file);
-    if (place) {
-        const auto lock =
-            hostfile::lock_with_patience(*place, hostfile::FileLock::Purpose::work, hostfile::a_moment);
-        if (!lock && lock.error().kind == ErrorKind::in_use) return lock.error();
-    }
-    return setting.mounts.remove(record.mount.name);
 }
 
 Result<Done> unload(const Setting& setting, const std::string& name, ToolReport& report) {
     const auto record = setting.mounts.find(name);
     if (!record && record.error().kind == ErrorKind::damaged) {
         report.changes_lost = true;
-        if (auto removed = setting.mounts.remove(name); !removed) return removed;
+        if (auto removed = setting.mounts.remove({name, {}, {}}); !removed) return removed;
     }
     if (!record) return record.error();
-    const auto done =
-        record->sealed.empty() ? let_go(setting, *record) : write_changes(setting, name, report);
-    if (done && record->unsealed) {
-        report.changes_lost = true;
-        report.detail = "the unfinished changes of a run that was broken off are dropped";
-    }
-    if (done) return setting.mounts.remove(name);
+    const auto done = write_changes(setting, name, report);
+    if (done) return done;
     // Two unloads can meet: what the other one has written, or is about to end, is no loss.
     const auto now = setting.mounts.find(name);
     if (!now && now.error().kind == ErrorKind::missing) return Done{};
     if (!now) return now.error();
     if (now->mount != record->mount) return Done{};
-    if (machine::is_written(setting.drives, *now)) return setting.mounts.remove(name);
-    return record->sealed.empty() ? done : keep_or_drop(setting, *now, done.error(), report);
+    if (machine::is_written(setting.drives, *now)) return setting.mounts.remove(now->mount);
+    return keep_or_drop(setting, *now, done.error(), report);
 }
 
 Result<Done> work(const Setting& setting, const std::vector<std::string>& words, ToolReport& report) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -8,6 +9,7 @@
 #include "base/runtime_error.h"
 #include "toolkit/controls.h"
 #include "toolkit/form.h"
+#include "toolkit/printer.h"
 
 namespace toolkit {
 
@@ -49,6 +51,11 @@ class Toolkit {
     std::string input_box(std::string_view title, std::string_view prompt);
     /// The chosen file as a Windows path of the machine being worked on; "" where the person cancels.
     virtual std::string ask_file(const FileDialog& dialog) = 0;
+    /// Begins a document for the printer chosen in this run, else the default one. RuntimeError 482 where
+    /// there is none.
+    virtual std::unique_ptr<Printer> open_printer() = 0;
+    /// Lets the person choose the printer.
+    virtual void set_up_printer() = 0;
     virtual void beep() = 0;
     /// Lets waiting events run: handlers may be called meanwhile.
     virtual void process_events() = 0;

@@ -1,7 +1,5 @@
 #include "toolkit/words.h"
 
-#include <array>
-
 #include "base/text.h"
 
 namespace toolkit {
@@ -12,7 +10,7 @@ namespace {
 
 struct Row {
     Word word;
-    std::array<const char*, 2> text;  // by language
+    Twin text;
 };
 
 constexpr Row rows[] = {
@@ -35,13 +33,18 @@ constexpr Row rows[] = {
     {Word::no_such_drive,
      {U" ist nicht zu erreichen. Geben Sie seinen Ordner beim Start mit --drive an."_ansi,
       " cannot be reached. Give its folder at the start, with --drive."}},
+    {Word::print_setup, {"Drucker einrichten", "Print Setup"}},
+    {Word::printer, {"&Drucker:", "&Printer:"}},
+    {Word::pdf_file, {"PDF-Datei", "PDF file"}},
+    {Word::file, {"Da&tei:", "&File:"}},
+    {Word::browse, {"D&urchsuchen...", "&Browse..."}},
 };
 
 }  // namespace
 
 const char* word(Word word, Language language) {
     for (const Row& row : rows) {
-        if (row.word == word) return row.text[static_cast<size_t>(language)];
+        if (row.word == word) return pick(row.text, language);
     }
     return "";
 }

@@ -1,10 +1,11 @@
 #pragma once
 
+#include "base/twin.h"
+
 namespace toolkit {
 
-enum class Language { german = 0, english = 1 };
-
-/// The words that a renderer itself puts on the screen: buttons of boxes, the file dialog.
+/// The words that a renderer itself puts on the screen: buttons of boxes, the file dialog, the printer
+/// set-up.
 enum class Word {
     ok,
     cancel,
@@ -22,7 +23,12 @@ enum class Word {
     files_of_type,
     folders,
     drive,
-    no_such_drive,  ///< behind the drive's name
+    no_such_drive,  ///< after the drive's name
+    print_setup,
+    printer,
+    pdf_file,
+    file,
+    browse,
 };
 
 /// ANSI, with the mark of the access key where it has one.

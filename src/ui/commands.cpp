@@ -65,8 +65,8 @@ void MainForm::CPL_All() {
 
 // --- page 3: desktop
 
-/// Picks the bitmap, and puts it on the desktop of the person who runs the tool: the choice is seen at once. The
-/// chosen user's registry changes at the next save. Every failure is passed over.
+/// Picks the bitmap, and puts it on the desktop of the person who runs the tool: the choice is seen at once.
+/// The chosen user's registry changes at the next save. Every failure is passed over.
 void MainForm::cm31_Click() {
     dialog = {
         .title = program_.pick({U"Festen Desktop Hintergrund auswählen"_ansi, "Select fixed Wallpaper"}),

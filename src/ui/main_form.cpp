@@ -145,6 +145,11 @@ void MainForm::connect_events() {
     cm51.on_click = [this] { change([this](RestrictionSet& set) { hide_drives(set, drives_to_choose()); }); };
     cm52.on_click = [this] { change(show_all_drives); };
 
+    mm11.on_click = [this] { mm11_Click(); };
+    mm12.on_click = [this] { mm12_Click(); };
+    mm13.on_click = [this] { mm13_Click(); };
+    mm14.on_click = [this] { mm14_Click(); };
+    mm15.on_click = [this] { program_.toolkit.set_up_printer(); };
     mm16.on_click = [this] { program_.toolkit.end_process(); };
     mm21.on_click = [this] { mm21_Click(); };
     mm22.on_click = [this] { change(unmark_all); };

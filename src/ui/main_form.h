@@ -53,6 +53,14 @@ struct MainForm : ProgramForm {
     void mm41_Click();
     void mm42_Click();
 
+    // --- files
+    void dateispeichern(const std::string& file);
+    void dateioeffnen(const std::string& file);
+    void mm11_Click();
+    void mm12_Click();
+    void mm13_Click();
+    void mm14_Click();
+
     // --- the pages' own commands
     void CPL_All();
     void get_drives();
@@ -70,6 +78,7 @@ struct MainForm : ProgramForm {
     std::array<std::string, 11> page_name;  ///< from 1
     std::array<std::string, 10> page_help_text;
     toolkit::FileDialog dialog;  ///< the one file dialog; cleared before each show
+    std::string last_file_name;  ///< last saved to in this run
 
     // --- the frame of the window
     toolkit::ListBar SSListBar1{*this, "SSListBar1"};
@@ -159,6 +168,7 @@ struct MainForm : ProgramForm {
     void show_boxes(const RestrictionSet& set);
     /// Changes boxes, applets and drives by a rule of the engine.
     void change(const std::function<void(RestrictionSet&)>& rule);
+    bool may_overwrite(const std::string& file);
     void show_picture();
     uint32_t drives_to_choose() const;
     void add_programs(const std::vector<std::string>& wanted);

@@ -69,10 +69,10 @@ constexpr Twin unreadable_text{
     "and make "
     "also sure that you have all the rights the acess the files below..."};
 
-
 constexpr Twin sid_problems[] = {
     {U"Der Registryeintrag konnte nicht geöffnet werden."_ansi, "Registry could not be opened."},
-    {"Der Registryeintrag konnte nicht gelesen oder gefunden werden.", "Registry entry could not be read/found."},
+    {"Der Registryeintrag konnte nicht gelesen oder gefunden werden.",
+     "Registry entry could not be read/found."},
     {"SID not found.", "SID not found."},
 };
 

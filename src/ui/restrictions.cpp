@@ -41,8 +41,8 @@ RestrictionSet MainForm::marks() {
     return set;
 }
 
-/// A click that a box fires on the way is overtaken by what comes after it: box 16 ticks 31, and 41 adds to a list
-/// that is filled anew.
+/// A click that a box fires on the way is overtaken by what comes after it: box 16 ticks 31, and 41 adds to a
+/// list that is filled anew.
 void MainForm::show(const RestrictionSet& set) {
     show_boxes(set);
     t31.set_text(set.wallpaper);
@@ -79,8 +79,8 @@ void MainForm::REG_Save32() {
     say(program_, program_.engine.write(target_of_writing(program_.reg, Combo_user.text()), marks()));
 }
 
-/// Reads the chosen user into the controls, or writes the controls to the user. Where Windows has no hives for users
-/// who are not logged on, the running account's registry is worked on at once.
+/// Reads the chosen user into the controls, or writes the controls to the user. Where Windows has no hives
+/// for users who are not logged on, the running account's registry is worked on at once.
 void MainForm::hive(int mode) {
     if (mode != hive_save && mode != hive_load) {
         program_.toolkit.message_box({.text = "Interner Fehler bei Sub:HIVE"});

@@ -15,6 +15,7 @@
 #include <csignal>
 #include <cstdio>
 
+#include "base/text.h"
 #include "machine/hive_editing.h"
 #include "machine/memory/memory_registry.h"
 #include "machine/offline_fixture.h"
@@ -43,6 +44,13 @@ Ran run_tool(const std::string& arguments, const std::string& environment) {
     return {WEXITSTATUS(pclose(pipe)), output};
 }
 
+/// Runs the tool in this process, where calls of the system can be made to fail.
+ToolReport run_here(const OfflineFixture& fixture, const std::string& key_to_unload) {
+    regg::Setting setting{DriveMap(), MountTable(fixture.mounts_folder())};
+    EXPECT_TRUE(setting.drives.add_drive('C', fixture.disk().string()));
+    return regg::run(setting, {"unload", key_to_unload});
+}
+
 Registry::Disposition make_lock_key(OfflineFixture& fixture) {
     return fixture.machine().registry.create_key(Root::users, key);
 }
@@ -62,6 +70,11 @@ int stored(const OfflineFixture& fixture) {
 void write_record(const fs::path& file, std::string_view bytes) {
     write_bytes(file, bytes);
     fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);
+}
+
+regf::Bytes bytes_as_vector(const fs::path& file) {
+    const std::string bytes = bytes_of(file);
+    return {bytes.begin(), bytes.end()};
 }
 
 /// The only record of a mount.
@@ -227,15 +240,54 @@ TEST(HiveTool, SaysInOneLineWhyItRefuses) {
 TEST(HiveTool, KeepsAwayFromAHiveThatAnotherRunWorksOn) {
     OfflineFixture fixture;
     ASSERT_EQ(fixture.load("Anna"), 0u);
+    const ToolReport refused = run_here(fixture, "HKU\\Anna");
+    EXPECT_EQ(refused.why, regf::ErrorKind::in_use);
+    EXPECT_THAT(refused.detail, HasSubstr("in use by another program"));
     EXPECT_EQ(make_lock_key(fixture), Registry::Disposition::created);
-    const std::string mounts = "BRIGHTLOCK_MOUNTS='" + fixture.offline().mounts().folder() + "' ";
-    const std::string drives = "BRIGHTLOCK_DRIVES='C=" + fixture.disk().string() + "' ";
-    const Ran refused = run_tool("unload 'HKU\\Anna'", mounts + drives);
-    EXPECT_EQ(refused.code, 1);
-    EXPECT_THAT(refused.line, HasSubstr("in use by another program"));
     EXPECT_EQ(set(fixture, 3), success);
     EXPECT_EQ(fixture.unload("Anna"), 0u);
     EXPECT_EQ(stored(fixture), 3);
+}
+
+TEST(HiveTool, TwoInstancesOnOneUserLoseNothing) {
+    OfflineFixture fixture;
+    constexpr int rounds = 12;
+    const auto work = [&](const std::string& name) {
+        fixture.open();
+        Registry& registry = fixture.machine().registry;
+        int written = 0;
+        for (int32_t number = 1; number <= rounds; ++number) {
+            (void)fixture.unload("Anna");  // as the program does, to be on the safe side
+            if (fixture.load("Anna") != 0) continue;
+            ++written;
+            if (registry.create_key(Root::users, key) == Registry::Disposition::failed ||
+                registry.set(Root::users, key, name, dword_value(number)).action != success)
+                return 2;
+            fixture.reports.clear();
+            (void)fixture.unload("Anna");  // fails where the other's unload came first
+            if (fixture.troubles() != "") return 4;
+            std::optional<regf::Value> value;  // the other may be at it this moment
+            for (int look = 0; !value && look < 100; ++look) {
+                const auto file = regf::Hive::open(bytes_as_vector(fixture.hive_of("Anna")));
+                const auto at = file ? file->find(u"Software\\Lock") : std::nullopt;
+                value = at ? file->value(*at, text::to_utf16(name)) : std::nullopt;
+            }
+            if (!value || value->data.at(0) != number) return 3;
+        }
+        return written > 0 ? 0 : 6;
+    };
+    std::array<pid_t, 2> instances{};
+    for (size_t i = 0; i < instances.size(); ++i) {
+        instances[i] = fork();
+        if (instances[i] == 0) _exit(work(i == 0 ? "first" : "second"));
+    }
+    for (const pid_t instance : instances) {
+        int status = 0;
+        ASSERT_EQ(waitpid(instance, &status, 0), instance);
+        EXPECT_TRUE(WIFEXITED(status));
+        EXPECT_EQ(WEXITSTATUS(status), 0);
+    }
+    EXPECT_EQ(findings(fixture.hive_of("Anna")), "");
 }
 
 TEST(HiveTool, DropsTheUnfinishedChangesOfARunThatDied) {
@@ -405,15 +457,8 @@ TEST(HiveTool, AFullDiskUnderTheHiveKeepsTheChangesForOneMoreUnload) {
     EXPECT_TRUE(fixture.reports.back().changes_lost);
     EXPECT_EQ(fixture.reports.back().why, regf::ErrorKind::no_space);
     disk.make_room();
-    EXPECT_EQ(fixture.load("Anna"), 0u) << "the user is free again";
     EXPECT_EQ(stored(fixture), 9);
-}
-
-/// Runs the tool in this process, where calls of the system can be made to fail.
-ToolReport run_here(const OfflineFixture& fixture, const std::string& words) {
-    regg::Setting setting{DriveMap(), MountTable(fixture.mounts_folder())};
-    EXPECT_TRUE(setting.drives.add_drive('C', fixture.disk().string()));
-    return regg::run(setting, {"unload", words});
+    EXPECT_EQ(fixture.load("Anna"), 0u) << "the user is free again";
 }
 
 TEST(HiveTool, WhicheverCallFailsChangesAreWrittenOrKeptOrReportedAsLost) {

@@ -77,7 +77,7 @@ std::string lines_of(const Control& control, QListView& list) {
 }  // namespace
 
 QtPerson::QtPerson(int& argc, char** argv)
-    : screen_(argc, argv, folders_, Language::german, [](Ending ending) {
+    : screen_(argc, argv, folders_, german, [](Ending ending) {
           std::fputs("before the end\n", stderr);
           return ending == Ending::done ? 0 : 1;
       }) {

@@ -205,15 +205,6 @@ TEST_F(Model, EverythingThatTakesTheFocusHasANameToSpeak) {
     EXPECT_EQ(label_of(gallery.combo), nullptr) << "what stands in another frame names nothing";
 }
 
-TEST_F(Model, WhatDoesNothingIsGrey) {
-    EXPECT_FALSE(gallery.unbuilt.usable());
-    EXPECT_FALSE(gallery.m_unbuilt.responsive());
-    EXPECT_TRUE(gallery.m_more.responsive());
-    gallery.m_file.set_enabled(false);
-    gallery.m_open.click();
-    EXPECT_EQ(log(), "");
-}
-
 TEST_F(Model, ListsTellTheScreenWhatIsNew) {
     struct Counting : Peer {
         void refresh(const Control&, Change change) override { changes.push_back(change); }

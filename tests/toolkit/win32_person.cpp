@@ -191,7 +191,7 @@ void CALLBACK on_tick(HWND, UINT, UINT_PTR id, DWORD) {
 std::unique_ptr<Person> make_person(int&, char**) { return std::make_unique<Win32Person>(); }
 
 Win32Person::Win32Person()
-    : screen_(Language::german, [](Ending ending) {
+    : screen_(german, [](Ending ending) {
           std::fputs("before the end\n", stderr);
           return ending == Ending::done ? 0 : 1;
       }) {

@@ -27,7 +27,7 @@ using namespace text::literals;
 /// toolkit.
 namespace {
 
-constexpr auto language = static_cast<toolkit::Language>(BRITLOCK_LANGUAGE);
+constexpr auto language = static_cast<Language>(BRITLOCK_LANGUAGE);
 
 int complain(const std::string& what, ExitCode code) {
     std::cerr << "britlock: " << what << "\n";
@@ -69,15 +69,9 @@ std::string clock_time() {
     return text;
 }
 
-/// What is said around the name of the user whose changes did not reach the disk, by language.
-struct LostChanges {
-    std::string before;
-    std::string after;
-};
-const LostChanges lost_changes[] = {
-    {U"Die Einschränkungen von "_ansi, " wurden nicht gespeichert: "},
-    {"The restrictions of ", " were not saved: "},
-};
+/// What is said around the name of the user whose changes did not reach the disk.
+constexpr Twin before_name{U"Die Einschränkungen von "_ansi, "The restrictions of "};
+constexpr Twin after_name{" wurden nicht gespeichert: ", " were not saved: "};
 
 /// Nobody sees the windows of this start.
 bool unseen(const Options& options) { return !options.screenshot.empty() || options.command_line == "/icon"; }
@@ -163,9 +157,9 @@ void Session::note(const machine::ToolReport& report) {
     strip_.push_back(*line);
     screen_->set_strip(strip_);
     if (!report.changes_lost || ending_) return;
-    const LostChanges& says = lost_changes[BRITLOCK_LANGUAGE];
+    const std::string why = text::from_utf8(report.detail).value_or("regg.exe");
     screen_->message_box(
-        {.text = says.before + report.name + says.after + text::from_utf8(report.detail).value_or("regg.exe"),
+        {.text = pick(before_name, language) + report.name + pick(after_name, language) + why,
          .icon = toolkit::Icon::critical});
 }
 
@@ -194,12 +188,17 @@ void Session::take_screenshot() {
     program_->show<britlock::MainForm>();
     britlock::MainForm& window = *program_->loaded<britlock::MainForm>();
     window.go_to_page(options_.page);
-    if (!choose_user(window)) std::exit(complain("there is no user " + options_.user, exit_failed));
+    const bool chosen = choose_user(window);
     window.Timer1_Timer();
     screen_->process_events();
-    if (!screen_->save_screenshot(window, options_.screenshot))
-        std::exit(complain("cannot write " + options_.screenshot, exit_failed));
-    screen_->end_process();
+    if (!chosen) {
+        (void)complain("there is no user " + options_.user, exit_failed);
+    } else if (!screen_->save_screenshot(window, options_.screenshot)) {
+        (void)complain("cannot write " + options_.screenshot, exit_failed);
+    } else {
+        screen_->end_process();
+    }
+    screen_->end_process(toolkit::Ending::failed);
 }
 
 int Session::run() {
@@ -217,7 +216,7 @@ int Session::run() {
     if (options_.command_line != "/icon") britlock::prepare_installation(its.registry);
     folders_ = std::make_unique<britlock::FolderBrowser>(its);
     start_screen();
-    program_ = std::make_unique<britlock::Program>(its, *screen_, BRITLOCK_LANGUAGE);
+    program_ = std::make_unique<britlock::Program>(its, *screen_, language);
     britlock::add_forms(*program_);
     screen_->run([this] { options_.screenshot.empty() ? program_->start() : take_screenshot(); });
     return exit_done;

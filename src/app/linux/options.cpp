@@ -8,6 +8,7 @@
 
 const char* const usage =
     "Usage: britlock --machine DIR [--drive D=DIR]... [OPTION]... [/icon | /uninstall]\n"
+    "       britlock (apply | show | save) --help    the work without a window\n"
     "\n"
     "  --machine DIR            the folder of a Windows installation: its drive C\n"
     "  --drive D=DIR            the folder of a further drive\n"

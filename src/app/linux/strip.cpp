@@ -1,17 +1,12 @@
 #include "app/linux/strip.h"
 
-#include <array>
-
 #include "base/text.h"
 
 namespace strip {
 
 using base::ErrorKind;
-using toolkit::Language;
 
 namespace {
-
-using Twin = std::array<const char*, 2>;  // by language
 
 constexpr Twin in{" in ", " in "};
 constexpr Twin only_read{", nur lesbar", ", read-only"};
@@ -40,8 +35,6 @@ constexpr Meaning meanings[] = {
     {ErrorKind::invalid, "die Angabe ist ungültig"},
 };
 
-const char* pick(const Twin& twin, Language language) { return twin[static_cast<size_t>(language)]; }
-
 }  // namespace
 
 std::string open_windows(const std::string& family, const std::string& folder, bool read_only,
@@ -63,7 +56,7 @@ std::optional<std::string> outcome(const machine::ToolReport& report, std::strin
 }
 
 std::string reason(std::optional<ErrorKind> why, const std::string& detail, Language language) {
-    if (language == Language::english || !why) return detail;
+    if (language == english || !why) return detail;
     for (const Meaning& meaning : meanings) {
         if (meaning.kind == *why) return std::string(meaning.german) + " (" + detail + ")";
     }

@@ -1,5 +1,6 @@
 #include <cstdlib>
 
+#include "base/twin.h"
 #include "machine/windows/windows_machine.h"
 #include "startup/program.h"
 #include "toolkit/win32/win32_toolkit.h"
@@ -12,7 +13,7 @@ int main() {
     const auto exit_code = [](toolkit::Ending ending) {
         return ending == toolkit::Ending::done ? EXIT_SUCCESS : EXIT_FAILURE;
     };
-    toolkit::Win32Toolkit screen(static_cast<toolkit::Language>(BRITLOCK_LANGUAGE), exit_code);
+    toolkit::Win32Toolkit screen(static_cast<Language>(BRITLOCK_LANGUAGE), exit_code);
     britlock::Program program(windows.machine(), screen, BRITLOCK_LANGUAGE);
     britlock::add_forms(program);
     screen.run([&program] { program.start(); });

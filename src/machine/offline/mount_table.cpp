@@ -71,6 +71,13 @@ base::Result<HostPlace> MountTable::place_of(std::string_view name) const {
     return HostPlace{std::move(*folder), hex(text::lower(name)) + std::string(ending), true};
 }
 
+base::Result<HostPlace> MountTable::lock_place_of(std::string_view name) const {
+    auto place = place_of(name);
+    if (place && flock(place->folder.number(), LOCK_EX) != 0)
+        return hostfile::system_error(folder_, "cannot be locked");
+    return place;
+}
+
 base::Result<std::vector<Mount>> MountTable::mounts() const {
     std::vector<Mount> mounts;
     const auto folder = open_folder();
@@ -101,11 +108,9 @@ base::Result<Done> MountTable::add(const Mount& mount) const {
     if (mount.name.size() > longest_name)
         return base::Error{base::ErrorKind::invalid, "the name of the key is too long"};
     if (const auto made = hostfile::make_folders(folder_); !made) return made.error();
-    const auto place = place_of(mount.name);
-    if (!place) return place.error();
     // Two tools at a time must not take one name: not every file system can rename without replacing.
-    if (flock(place->folder.number(), LOCK_EX) != 0)
-        return hostfile::system_error(folder_, "cannot be locked");
+    const auto place = lock_place_of(mount.name);
+    if (!place) return place.error();
     const auto there = find(mount.name);
     if (there) return base::Error{base::ErrorKind::refused, "another hive is mounted there"};
     const base::ErrorKind why = there.error().kind;
@@ -120,11 +125,15 @@ base::Result<Done> MountTable::add(const Mount& mount) const {
     return placed ? base::Result<Done>(Done{}) : placed.error();
 }
 
-base::Result<Done> MountTable::remove(std::string_view name) const {
-    const auto place = place_of(name);
+base::Result<Done> MountTable::remove(const Mount& mount) const {
+    const auto place = lock_place_of(mount.name);
     if (!place) return place.error();
+    const auto there = find(mount.name);
+    const bool gone = !there && there.error().kind == base::ErrorKind::missing;
+    if (gone || (there && there->mount != mount)) return Done{};
+    if (!there && there.error().kind != base::ErrorKind::damaged) return there.error();
     const int folder = place->folder.number();
-    if (unlinkat(folder, place->name.c_str(), 0) != 0 && errno != ENOENT)
+    if (unlinkat(folder, place->name.c_str(), 0) != 0)
         return hostfile::system_error(folder_, "the record of the mount cannot be removed");
     (void)fsync(folder);  // some file systems flush no folder
     return Done{};
@@ -180,12 +189,12 @@ std::string mounts_folder(const std::string& state_folder, const std::string& dr
 }
 
 base::Result<MountedHive> open_mounted(const DriveMap& drives, const MountTable& mounts,
-                                       std::string_view name) {
+                                       std::string_view name, std::chrono::milliseconds patience) {
     const auto found = mounts.find(name);
     if (!found) return found.error();
     auto place = locate_hive(drives, found->mount.file);
     if (!place) return place.error();
-    auto lock = hostfile::lock_with_patience(*place, hostfile::FileLock::Purpose::work, hostfile::a_moment);
+    auto lock = hostfile::lock_with_patience(*place, hostfile::FileLock::Purpose::work, patience);
     if (!lock) return lock.error();
     auto record = mounts.find(name);  // again, as only the lock keeps others from adding to it
     if (!record) return record.error();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,8 +27,9 @@ class MountTable {
     /// `refused` where the name is taken; a record that nobody can read takes none. The record is there as a
     /// whole or not at all.
     base::Result<Done> add(const Mount& mount) const;
-    /// What is gone already is removed.
-    base::Result<Done> remove(std::string_view name) const;
+    /// Removes the record of this very mount, or one that nobody can read; what another instance has mounted
+    /// under its name since stays.
+    base::Result<Done> remove(const Mount& mount) const;
     /// Opens a record for appending, with all behind its last seal cut off.
     base::Result<Descriptor> open_sealed(const MountRecord& record) const;
     /// Notes what the hive is about to become; where it cannot, the next unload of a killed one says less.
@@ -38,6 +40,8 @@ class MountTable {
   private:
     base::Result<Descriptor> open_folder() const;
     base::Result<HostPlace> place_of(std::string_view name) const;
+    /// Holds the table against other instances as long as the place is kept.
+    base::Result<HostPlace> lock_place_of(std::string_view name) const;
     bool append(const MountRecord& record, const std::string& frame) const;
 
     std::string folder_;
@@ -61,7 +65,8 @@ struct MountedHive {
 /// `changed`: somebody else has written the file since it was mounted. `missing`: nothing is mounted there,
 /// or the file is no longer in its folder.
 base::Result<MountedHive> open_mounted(const DriveMap& drives, const MountTable& mounts,
-                                       std::string_view name);
+                                       std::string_view name,
+                                       std::chrono::milliseconds patience = hostfile::a_moment);
 /// A run wrote the sealed changes into the file and died before it could remove the record.
 bool is_written(const DriveMap& drives, const MountRecord& record);
 /// A hive of the table is this very file.

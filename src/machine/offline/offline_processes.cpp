@@ -130,7 +130,7 @@ uint32_t OfflineProcesses::exit_code(uint32_t id) {
     return child.code;
 }
 
-void OfflineProcesses::report(const Child& child, const std::string& end) {
+void OfflineProcesses::report(Child& child, const std::string& end) {
     std::string bytes;
     std::array<char, 4096> piece{};
     for (ssize_t size = 0; (size = read(child.reports.number(), piece.data(), piece.size())) > 0;)
@@ -148,6 +148,14 @@ void OfflineProcesses::report(const Child& child, const std::string& end) {
         told.changes_lost = true;
         told.why = child.sealed == disk_full ? base::ErrorKind::no_space : base::ErrorKind::io;
         told.detail = "the changes could not be noted down: the disk is full or broken";
+    }
+    // Another instance clears away what a crashed run may have left, and takes a mount that nobody holds for
+    // it.
+    if (told.verb == ToolReport::Verb::load && told.succeeded && !registry_.hold(told.name)) {
+        told.succeeded = false;
+        told.why = base::ErrorKind::in_use;
+        told.detail = "another instance of the program works on this user";
+        child.code = 1;
     }
     if (on_report_) return on_report_(told);
     if (!told.succeeded) (void)write_all(STDERR_FILENO, "regg: " + told.detail + "\n");

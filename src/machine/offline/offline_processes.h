@@ -41,7 +41,7 @@ class OfflineProcesses : public Processes {
     Started start_hive_tool(const std::string& host_program, const std::string& arguments);
     Started open_folder_window(const std::string& folder);
     Started run(const std::vector<std::string>& arguments, Child child, const Descriptor& reports);
-    void report(const Child& child, const std::string& end);
+    void report(Child& child, const std::string& end);
 
     const DriveMap& drives_;
     const MountTable& mounts_;

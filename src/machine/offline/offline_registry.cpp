@@ -167,6 +167,11 @@ WinCode OfflineRegistry::enum_key(Root root, std::string_view subkey, uint32_t i
     return more_data;
 }
 
+bool OfflineRegistry::hold(std::string_view name) {
+    WinCode code = success;
+    return mounted(name, code) != nullptr;
+}
+
 WinCode OfflineRegistry::release_mounts() {
     WinCode worst = success;
     for (const auto& [name, hive] : open_mounts_) {

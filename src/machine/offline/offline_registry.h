@@ -28,6 +28,8 @@ class OfflineRegistry : public Registry {
     WinCode delete_key(Root root, std::string_view subkey) override;
     WinCode enum_key(Root root, std::string_view subkey, uint32_t index, std::string& name) override;
 
+    /// Takes hold of a mounted hive, so that no other instance can unmount it. False where one has.
+    bool hold(std::string_view name);
     /// Lets go of every mounted hive, its changes sealed: the hive tool may have it next. Not success where a
     /// hive's last changes are lost.
     WinCode release_mounts();

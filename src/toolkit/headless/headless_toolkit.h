@@ -1,9 +1,11 @@
 #pragma once
 
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "toolkit/printer.h"
 #include "toolkit/toolkit.h"
 
 namespace toolkit {
@@ -35,6 +37,9 @@ class HeadlessToolkit : public Toolkit {
     Ending ending = Ending::done;  ///< once it has ended
 
     std::string ask_file(const FileDialog& dialog) override;
+    /// There is none.
+    std::unique_ptr<Printer> open_printer() override { throw RuntimeError(482); }
+    void set_up_printer() override {}
     void beep() override { ++beeps; }
     void process_events() override {}
     /// Knows bitmaps by their first letters.

@@ -92,7 +92,6 @@ class ListBarWidget : public Shown<LineList, ListBar> {
         lines().refresh();
         if (std::exchange(marked_, control_.marked()) == marked_) return;
         select(marked_);
-        scrollTo(lines().index(marked_));
     }
 
     void resizeEvent(QResizeEvent* event) override {

@@ -15,6 +15,8 @@ namespace toolkit::qt {
 
 namespace {
 
+constexpr int focus_frame = 2;  // around a list
+
 class Look : public QProxyStyle {
   public:
     explicit Look(QObject& owner) : QProxyStyle(QStringLiteral("Fusion")) { setParent(&owner); }
@@ -47,18 +49,14 @@ class Look : public QProxyStyle {
         if (qobject_cast<QComboBox*>(widget)) widget->setFocusPolicy(Qt::StrongFocus);
     }
 
-    /// The frame of a list: whole lines of the screen at every scale, and in the colour of the focus.
     void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
                      const QWidget* widget) const override {
-        if (element != CE_ShapedFrame || !qobject_cast<const QAbstractItemView*>(widget))
-            return QProxyStyle::drawControl(element, option, painter, widget);
-        const bool focused = option->state & State_HasFocus;
-        const QColor colour = option->palette.color(focused ? QPalette::Highlight : QPalette::Dark);
-        const int width = pixelMetric(PM_DefaultFrameWidth, option, widget);
-        const QRect& all = option->rect;
-        const QRect inner = all.adjusted(width, width, -width, -width);
-        for (const QRect& edge : QRegion(all) - QRegion(inner))
-            painter->fillRect(edge, colour);
+        if (element == CE_ShapedFrame && qobject_cast<const QAbstractItemView*>(widget))
+            return draw_list_frame(*option, *painter);
+        QProxyStyle::drawControl(element, option, painter, widget);
+        if (element != CE_TabBarTabLabel || !(option->state & State_HasFocus)) return;
+        painter->setPen(option->palette.color(QPalette::Highlight));
+        painter->drawRect(option->rect.adjusted(4, 3, -5, -3));
     }
 
     QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
@@ -76,11 +74,23 @@ class Look : public QProxyStyle {
             case PM_CheckBoxLabelSpacing:
                 return 5;
             case PM_ButtonMargin:
-            case PM_DefaultFrameWidth:  // wide enough to show the focus
                 return 2;
+            case PM_DefaultFrameWidth:
+                return focus_frame;
             default:
                 return QProxyStyle::pixelMetric(metric, option, widget);
         }
+    }
+
+  private:
+    /// Whole lines of the screen at every scale, and wider and in the colour of the focus where that is.
+    static void draw_list_frame(const QStyleOption& option, QPainter& painter) {
+        const bool focused = option.state & State_HasFocus;
+        const int width = focused ? focus_frame : 1;
+        const QRect inner = option.rect.adjusted(width, width, -width, -width);
+        painter.fillRect(option.rect, option.palette.base());
+        for (const QRect& edge : QRegion(option.rect) - QRegion(inner))
+            painter.fillRect(edge, option.palette.color(focused ? QPalette::Highlight : QPalette::Dark));
     }
 };
 

@@ -52,6 +52,7 @@ void WidgetPeer::show_common(Change change) {
 void WidgetPeer::focus_came(Qt::FocusReason reason) {
     const bool by_person = reason == Qt::MouseFocusReason || reason == Qt::TabFocusReason ||
                            reason == Qt::BacktabFocusReason || reason == Qt::ShortcutFocusReason;
+    if (auto* window = static_cast<Window*>(control_.form().peer)) window->scroll_to(widget_);
     if (by_person && !refreshing()) {
         act([this] { control_.form().toolkit().set_focus(&control_); });
     }

@@ -10,7 +10,7 @@ namespace toolkit::qt {
 namespace {
 
 constexpr int drawing_units = 32;
-constexpr int longest_side = 16384;        // four times the widest desktop of Windows XP's time
+constexpr int longest_side = 16384;  // four times the widest desktop of Windows XP's time
 constexpr qint64 most_pixels = 8192 * 8192;
 constexpr int allocation_megabytes = 256;  // as many pixels of 32 bits
 

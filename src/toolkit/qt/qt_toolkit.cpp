@@ -6,11 +6,14 @@
 #include <unistd.h>
 
 #include <QApplication>
+#include <QLibraryInfo>
 #include <QScreen>
 #include <QThread>
 #include <QTimer>
+#include <QTranslator>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 
 #include "toolkit/qt/accessibility.h"
 #include "toolkit/qt/boxes.h"
@@ -19,6 +22,7 @@
 #include "toolkit/qt/look.h"
 #include "toolkit/qt/peer.h"
 #include "toolkit/qt/picture.h"
+#include "toolkit/qt/printer.h"
 #include "toolkit/qt/window.h"
 
 namespace toolkit {
@@ -47,8 +51,10 @@ struct QtToolkit::Private {
     Language language;
     std::function<int(Ending)> before_end;
     std::vector<std::string> strip;
-    std::string last_folder;  // where the person last chose a file
-    QTimer idle;              // goes off when control is back in the event loop
+    std::optional<qt::PrinterChoice> printer;  // chosen in this run
+    std::string last_folder;                   // where the person last chose a file
+    QTranslator words;
+    QTimer idle;  // goes off when control is back in the event loop
 
     static void prepare() {
         if (!qEnvironmentVariableIsSet("QT_LOGGING_TO_CONSOLE")) qInstallMessageHandler(tell_failures_only);
@@ -61,6 +67,10 @@ struct QtToolkit::Private {
           language(its_language),
           before_end(std::move(at_end)) {
         qt::apply_look(app);
+        // Menus of Qt's own, as that of a text line; without the file they stay English.
+        if (language == german &&
+            words.load(QStringLiteral("qtbase_de"), QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+            QCoreApplication::installTranslator(&words);
         qt::install_accessibility();
         idle.setSingleShot(true);
         QApplication::setQuitOnLastWindowClosed(false);  // the program ends itself
@@ -127,6 +137,15 @@ std::string QtToolkit::show_input_box(const std::string& title, const std::strin
 
 std::string QtToolkit::ask_file(const FileDialog& dialog) {
     return qt::ask_file(dialog, d_->folders, d_->last_folder, d_->language, in_front(*this));
+}
+
+std::unique_ptr<Printer> QtToolkit::open_printer() {
+    return qt::open_printer(d_->printer ? *d_->printer : qt::PrinterChoice::usual());
+}
+
+void QtToolkit::set_up_printer() {
+    if (!d_->printer) d_->printer = qt::PrinterChoice::usual();
+    qt::ask_printer(*d_->printer, d_->language, in_front(*this));
 }
 
 void QtToolkit::beep() { QApplication::beep(); }

@@ -35,6 +35,8 @@ class QtToolkit : public Toolkit {
     bool save_screenshot(const Form& form, const std::string& file) const;
 
     std::string ask_file(const FileDialog& dialog) override;
+    std::unique_ptr<Printer> open_printer() override;
+    void set_up_printer() override;
     void beep() override;
     void process_events() override;
     bool can_show_picture(std::string_view bytes) override;

@@ -13,15 +13,19 @@ Strip::Strip(QWidget* parent) : QLabel(parent) {
     setContentsMargins(4, 1, 4, 3);
 }
 
-void Strip::show_lines(const std::vector<std::string>& lines) {
+bool Strip::show_lines(const std::vector<std::string>& lines) {
     QStringList out;
     for (const std::string& line : lines)
         out << QString::fromStdString(line);
     const QString now = out.join('\n');
-    if (now == text()) return;
+    if (now == text()) return false;
     setText(now);
     setAccessibleName(now);
-    // A notification is read out when it shows.
+    return true;
+}
+
+/// A notification is read out when it shows.
+void Strip::announce() {
     QAccessibleEvent shows(this, QAccessible::ObjectShow);
     QAccessible::updateAccessibility(&shows);
 }

@@ -11,8 +11,10 @@ namespace toolkit::qt {
 class Strip : public QLabel {
   public:
     explicit Strip(QWidget* parent);
-    /// UTF-8. Without lines the strip takes no room.
-    void show_lines(const std::vector<std::string>& lines);
+    /// UTF-8. Without lines the strip takes no room. True where they are news.
+    bool show_lines(const std::vector<std::string>& lines);
+    /// Has a screen reader read it out.
+    void announce();
     int height_at(int width) const;
 
   private:

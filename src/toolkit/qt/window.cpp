@@ -2,11 +2,15 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QGuiApplication>
 #include <QIcon>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
+#include <QScreen>
+#include <QScrollArea>
+#include <QStyle>
 #include <algorithm>
 #include <utility>
 
@@ -73,9 +77,13 @@ Window::Window(Form& form)
                            Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint),
       form_(form),
       menu_bar_(new QMenuBar(this)),
-      client_(new QWidget(this)),
+      view_(new QScrollArea(this)),
+      client_(new QWidget),
       strip_(new Strip(this)) {
     form.peer = this;
+    view_->setFrameShape(QFrame::NoFrame);
+    view_->setFocusPolicy(Qt::NoFocus);
+    view_->setWidget(client_);
     make_menus();
     make_controls();
     order_controls();
@@ -136,18 +144,33 @@ void Window::refresh() {
     const auto& menus = form_.menus();
     const bool has_menu = std::any_of(menus.begin(), menus.end(), [](auto* item) { return item->visible(); });
     const int bar_height = has_menu ? menu_bar_->heightForWidth(size.width()) : 0;
-    menu_bar_->setVisible(has_menu);
-    menu_bar_->setGeometry(0, 0, size.width(), bar_height);
-    client_->setGeometry(QRect(QPoint(0, bar_height), size));
     const int strip_height = strip_->height_at(size.width());
+    const QSize view = room_for(size, bar_height + strip_height);
+    client_->resize(size);
+    menu_bar_->setVisible(has_menu);
+    menu_bar_->setGeometry(0, 0, view.width(), bar_height);
+    view_->setGeometry(QRect(QPoint(0, bar_height), view));
     strip_->setVisible(strip_height > 0);
-    strip_->setGeometry(0, bar_height + size.height(), size.width(), strip_height);
-    setFixedSize(size.width(), bar_height + size.height() + strip_height);
+    strip_->setGeometry(0, bar_height + view.height(), view.width(), strip_height);
+    setFixedSize(view.width(), bar_height + view.height() + strip_height);
 }
 
+/// The client area, or as much of it as a small screen has room for: the rest is scrolled to.
+QSize Window::room_for(QSize client, int around) const {
+    if (QGuiApplication::platformName() == QLatin1String("offscreen")) return client;  // nothing is too small
+    const QSize frame(8, 32);  // what a window manager adds
+    const QSize room = screen()->availableGeometry().size() - frame - QSize(0, around);
+    const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    const QSize bars(client.height() > room.height() ? bar : 0, client.width() > room.width() ? bar : 0);
+    return (client + bars).boundedTo(room);
+}
+
+void Window::scroll_to(QWidget& widget) { view_->ensureWidgetVisible(&widget); }
+
 void Window::set_strip(const std::vector<std::string>& lines) {
-    strip_->show_lines(lines);
+    const bool news = strip_->show_lines(lines);
     refresh();
+    if (news) strip_->announce();
 }
 
 void Window::refresh_menus() {

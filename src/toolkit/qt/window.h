@@ -10,6 +10,7 @@
 
 class QAction;
 class QMenuBar;
+class QScrollArea;
 
 namespace toolkit::qt {
 
@@ -29,6 +30,8 @@ class Window : public QWidget, public WindowPeer {
     /// The program disabled or hid the widget with the focus: nothing else has it meanwhile, and when the
     /// widget can be used again it is there again.
     void give_back_focus();
+    /// On a screen with no room for the whole form.
+    void scroll_to(QWidget& widget);
 
   private:
     void make_menus();
@@ -39,6 +42,7 @@ class Window : public QWidget, public WindowPeer {
     void refresh_menus();
     void press(Button* button);
     void open_menu();
+    QSize room_for(QSize client, int around) const;
     Control* control_with_focus() const;
     void step_focus(Step step);
     /// The focus is claimed by a widget that cannot have it now.
@@ -50,7 +54,8 @@ class Window : public QWidget, public WindowPeer {
 
     Form& form_;
     QMenuBar* menu_bar_;
-    QWidget* client_;
+    QScrollArea* view_;
+    QWidget* client_;  ///< in the view
     Strip* strip_;
     QPointer<QWidget> claimant_;
     std::vector<std::pair<MenuItem*, QAction*>> actions_;

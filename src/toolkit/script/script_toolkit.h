@@ -5,6 +5,7 @@
 #include <string>
 
 #include "toolkit/headless/headless_toolkit.h"
+#include "toolkit/script/recording_printer.h"
 
 namespace toolkit {
 
@@ -27,12 +28,20 @@ class ScriptToolkit : public HeadlessToolkit {
     /// Answers that nobody asked for.
     size_t left_over() const { return answers_.size() + inputs_.size() + files_.size(); }
 
+    bool has_printer = true;
+    std::string printed;  ///< the last document, as RecordingPrinter tells it
+    int printer_setups = 0;
     /// Run by each process_events(): what a person does while the program waits.
     std::function<void()> meanwhile;
     /// Run while a box is open.
     std::function<void(const Box&)> while_box;
 
     std::string ask_file(const FileDialog& dialog) override;
+    std::unique_ptr<Printer> open_printer() override {
+        if (!has_printer) throw RuntimeError(482);
+        return std::make_unique<RecordingPrinter>(printed);
+    }
+    void set_up_printer() override { ++printer_setups; }
     void process_events() override;
 
   protected:

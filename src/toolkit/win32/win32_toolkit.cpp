@@ -8,6 +8,7 @@
 #include "toolkit/win32/file_dialog.h"
 #include "toolkit/win32/message_queue.h"
 #include "toolkit/win32/picture.h"
+#include "toolkit/win32/printer.h"
 #include "toolkit/win32/window.h"
 
 namespace toolkit {
@@ -30,13 +31,17 @@ HWND in_front(const Toolkit& toolkit) {
 }  // namespace
 
 struct Win32Toolkit::Private {
+    Private(Language its_language, std::function<int(Ending)> at_end)
+        : language(its_language), before_end(std::move(at_end)) {}
+
     Language language;
     std::function<int(Ending)> before_end;
     win32::IdleCalls idle;
+    win32::PrinterChoice printer;
 };
 
 Win32Toolkit::Win32Toolkit(Language language, std::function<int(Ending)> before_end)
-    : d_(std::make_unique<Private>(Private{language, std::move(before_end), {}})) {
+    : d_(std::make_unique<Private>(language, std::move(before_end))) {
     InitCommonControls();
 }
 
@@ -72,6 +77,14 @@ std::string Win32Toolkit::ask_file(const FileDialog& dialog) {
     HWND const owner = in_front(*this);
     const Modal modal(*this, owner);
     return win32::ask_file(dialog, owner, d_->language);
+}
+
+std::unique_ptr<Printer> Win32Toolkit::open_printer() { return d_->printer.open(); }
+
+void Win32Toolkit::set_up_printer() {
+    HWND const owner = in_front(*this);
+    const Modal modal(*this, owner);
+    d_->printer.ask(owner);
 }
 
 void Win32Toolkit::beep() { MessageBeep(MB_OK); }

@@ -4,8 +4,8 @@
 #include <memory>
 #include <string>
 
+#include "base/twin.h"
 #include "toolkit/toolkit.h"
-#include "toolkit/words.h"
 
 namespace toolkit {
 
@@ -21,6 +21,8 @@ class Win32Toolkit : public Toolkit {
     void run(const Event& first);
 
     std::string ask_file(const FileDialog& dialog) override;
+    std::unique_ptr<Printer> open_printer() override;
+    void set_up_printer() override;
     void beep() override;
     void process_events() override;
     bool can_show_picture(std::string_view bytes) override;

@@ -1,11 +1,9 @@
 #pragma once
 
-namespace britlock {
-
 /// Languages by number, a constant of the edition.
 enum Language { german = 0, english = 1 };
 
-/// One text in both languages, ANSI bytes.
+/// One text in both languages.
 struct Twin {
     const char* german;
     const char* english;
@@ -17,5 +15,3 @@ constexpr const char* pick(const Twin& twin, int language) {
     if (language == english) return twin.english;
     return "";
 }
-
-}  // namespace britlock

@@ -1,0 +1,216 @@
+#include "app/linux/batch_command.h"
+
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include <set>
+#include <sstream>
+
+#include "base/product.h"
+#include "base/text.h"
+#include "files/restriction_file.h"
+#include "hostfile/file_lock.h"
+#include "machine/offline_fixture.h"
+#include "platform/product_setup.h"
+#include "startup/password.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+struct Answer {
+    int code;
+    std::string out;
+    std::string err;
+};
+
+/// A school's Windows: ten more users, each with the hive of Anna.
+struct BatchCommand : testing::Test {
+    OfflineFixture windows;
+    fs::path file = windows.scratch() / "set.brl";
+
+    void SetUp() override {
+        britlock::prepare_installation(windows.machine().registry);
+        set_password(
+            "s\xE4"
+            "cret");
+        for (const std::string& user : pupils()) {
+            fs::create_directories(windows.hive_of(user).parent_path());
+            fs::copy_file(windows.hive_of("Anna"), windows.hive_of(user));
+        }
+        britlock::RestrictionSet set;
+        for (const int box : {11, 90, 610})
+            set.boxes.set(box, 1);
+        set.programs = {"CALC.EXE"};
+        set.drives[3] = 1;
+        write_bytes(file, brl_text(set));
+    }
+
+    static std::vector<std::string> pupils() {
+        std::vector<std::string> names(10, "pupil");
+        for (size_t i = 0; i < names.size(); ++i)
+            names[i] += std::to_string(i);
+        return names;
+    }
+    void set_password(const std::string& password) {
+        const std::string stored = britlock::encode_password(password, britlock::password_key);
+        machine::RawValue value{machine::reg_sz, stored + '\0'};
+        (void)windows.machine().registry.set(machine::Root::local_machine, product::key, "UserPW", value);
+    }
+    /// Gives the password, in UTF-8, on a pipe.
+    Answer run(std::vector<std::string> words, const std::string& password = "s\u00E4cret\n") const {
+        std::array<int, 2> ends{};
+        EXPECT_EQ(pipe(ends.data()), 0);
+        EXPECT_EQ(write(ends[1], password.data(), password.size()), static_cast<ssize_t>(password.size()));
+        close(ends[1]);
+        for (const std::string& word :
+             {std::string("--machine"), windows.disk().string(), std::string("--state"),
+              windows.options.state_folder, "--password-fd=" + std::to_string(ends[0])}) {
+            words.push_back(word);
+        }
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
+        const int code = run_batch(words, PROGRAM_FOLDER, english);
+        close(ends[0]);
+        const std::string out = testing::internal::GetCapturedStdout();
+        return {code, out, testing::internal::GetCapturedStderr()};
+    }
+    using Hives = std::map<std::string, std::string>;
+    Hives hives() const {
+        Hives out;
+        for (const auto& profile : fs::directory_iterator(windows.disk() / "Documents and Settings"))
+            out[profile.path().filename()] = bytes_of(profile.path() / "NTUSER.DAT");
+        return out;
+    }
+    /// Whose hives are no longer what they were, byte for byte.
+    std::set<std::string> changed_since(const Hives& before) const {
+        std::set<std::string> names;
+        for (const auto& [name, bytes] : hives()) {
+            if (before.at(name) != bytes) names.insert(name);
+        }
+        return names;
+    }
+};
+
+TEST_F(BatchCommand, RestrictsAllUsersButThoseItCannot) {
+    std::string damaged = bytes_of(windows.hive_of("pupil3"));
+    damaged.replace(0x1000, 4, "nope");
+    write_bytes(windows.hive_of("pupil3"), damaged);
+    const auto place = hostfile::place_of(windows.hive_of("pupil6").string());
+    const auto lock = hostfile::FileLock::acquire(*place);
+    ASSERT_TRUE(lock);
+    const auto before = hives();
+
+    const Answer first = run({"apply", file.string(), "--all-users"});
+    EXPECT_EQ(first.code, 1);
+    EXPECT_EQ(first.err, "");
+    std::istringstream lines(first.out);
+    std::set<std::string> done, failed;
+    for (std::string line; std::getline(lines, line);) {
+        const std::string name = line.substr(0, line.find(':'));
+        line == name + ": done" ? done.insert(name) : failed.insert(line);
+    }
+    EXPECT_EQ(done.size(), 11u) << first.out;
+    EXPECT_EQ(changed_since(before), done);
+    ASSERT_EQ(failed.size(), 2u) << first.out;
+    EXPECT_THAT(*failed.begin(), StartsWith("pupil3: failed: the file NTUSER.DAT could not be loaded (HKU"));
+    EXPECT_THAT(*failed.rbegin(), StartsWith("pupil6: failed: the file NTUSER.DAT "));
+
+    const auto after = hives();
+    EXPECT_EQ(run({"apply", file.string(), "--all-users"}).out, first.out);
+    EXPECT_THAT(changed_since(after), IsEmpty()) << "by a second run";
+    EXPECT_TRUE(windows.offline().mounts().mounts()->empty());
+
+    const Answer shown = run({"show", "--user", "pupil9", "--user=nobody", "--user", "ANNA"});
+    EXPECT_EQ(shown.code, 1);
+    const std::string marks =
+        "  Disable ShutDown\n  Disable Printer-Sharing Settings\n  No Windows Beep on Error\n  Hidden "
+        "drives: D\n";
+    EXPECT_EQ(shown.out, "pupil9:\n" + marks + "ANNA:\n" + marks);
+    EXPECT_EQ(shown.err, "nobody: failed: there is no such user here\n");
+    EXPECT_THAT(run({"show", "--json", "--user", "Ben"}).out,
+                HasSubstr("\"ticked\": [\"c11\", \"c610\", \"c90\"]"));
+    EXPECT_THAT(changed_since(after), IsEmpty()) << "by a look";
+}
+
+TEST_F(BatchCommand, SavesWhatItAppliesToOthers) {
+    const std::string copy = (windows.scratch() / "copy.brl").string();
+    ASSERT_EQ(run({"apply", file.string(), "--user", "Anna"}).code, 0);
+    EXPECT_EQ(run({"save", copy, "--user", "Anna"}).out, "Anna: done\n");
+    ASSERT_EQ(run({"apply", copy, "--user", "Ben", "--user", "pupil1"}).code, 0);
+    const auto first = britlock::read_brl(bytes_of(file), {});
+    auto second = britlock::read_brl(bytes_of(copy), {});
+    ASSERT_TRUE(first && second);
+    second->machine = first->machine;                  // those of the machine it was saved on
+    second->programs.erase(second->programs.begin());  // a user's list always begins with the program itself
+    second->wallpaper = first->wallpaper;              // the user's own picture, not fixed
+    EXPECT_EQ(*first, *second);
+
+    const std::string saved = bytes_of(copy);
+    const Answer again = run({"save", copy, "--user", "Anna"});
+    EXPECT_EQ(again.code, 3);
+    EXPECT_EQ(again.err, "britlock: " + copy + " already exists\n");
+    EXPECT_EQ(run({"save", copy, "--user", "pupil2", "--overwrite"}).code, 0);
+    EXPECT_NE(bytes_of(copy), saved);
+    EXPECT_THAT(run({"save", "/nowhere/x.brl", "--user", "Anna"}).out,
+                HasSubstr("Anna: failed: /nowhere/x.brl cannot be written"));
+}
+
+TEST_F(BatchCommand, OpensNothingWithoutThePasswordOrTheFile) {
+    const auto before = hives();
+    const auto refusal = [&](const std::vector<std::string>& words, const std::string& password) {
+        const Answer answer = run(words, password);
+        EXPECT_EQ(answer.code, 3);
+        EXPECT_EQ(answer.out, "");
+        return answer.err;
+    };
+    const std::vector<std::string> apply = {"apply", file.string(), "--all-users"};
+    for (const char* wrong : {"", "\n", "secret\n", "S\u00E4cret", "s\u00E4cret \u4E00\n"})
+        EXPECT_EQ(refusal(apply, wrong), "britlock: the password is incorrect\n") << wrong;
+    EXPECT_EQ(run({"show", "--user", "Anna"}, "s\u00E4cret").code, 0) << "the line may end with the input";
+
+    const std::string cut = (windows.scratch() / "cut.brl").string();
+    write_bytes(cut, bytes_of(file).substr(0, 200));
+    EXPECT_EQ(refusal({"apply", cut, "--all-users"}, "s\u00E4cret"),
+              "britlock: " + cut + " cannot be read: Input past end of file\n");
+    write_bytes(cut, "PK,x");
+    EXPECT_EQ(refusal({"apply", cut, "--all-users"}, "s\u00E4cret"),
+              "britlock: " + cut + " is not a Brightlock Suite file\n");
+    EXPECT_THAT(refusal({"apply", "/nowhere.brl", "--all-users"}, "s\u00E4cret"),
+                HasSubstr("File not found"));
+    set_password("");
+    EXPECT_THAT(refusal(apply, ""), HasSubstr("no password has been set yet"));
+    fs::remove_all(windows.disk() / "WINDOWS");
+    EXPECT_THAT(refusal(apply, "s\u00E4cret"), HasSubstr("britlock: "));
+    EXPECT_THAT(changed_since(before), IsEmpty());
+}
+
+TEST_F(BatchCommand, TellsAWrongCall) {
+    const std::pair<std::vector<std::string>, const char*> calls[] = {
+        {{"apply", "--all-users"}, "apply wants a file"},
+        {{"apply", "x"}, "apply wants either --user or --all-users"},
+        {{"show", "--user", "A", "--all-users"}, "show wants either --user or --all-users"},
+        {{"show", "x", "--all-users"}, "nothing is known of 'x'"},
+        {{"save", "x", "--user", "A", "--user", "B"}, "save wants one --user"},
+        {{"save", "x", "--all-users"}, "save wants one --user"},
+        {{"apply", "x", "--all-users", "--json"}, "--json goes with show"},
+        {{"apply", "x", "--all-users", "--overwrite"}, "--overwrite goes with save"},
+        {{"show", "--all-users=yes"}, "--all-users takes no value"},
+        {{"show", "--password=secret"}, "unknown option --password"},
+        {{"show", "--user="}, "--user does not take the value ''"},
+        {{"show", "--drive", "C=/"}, "--machine does not take the value"},
+        {{"show", "--password-fd", "3x"}, "--password-fd does not take the value '3x'"},
+    };
+    for (const auto& [words, text] : calls) {
+        const Answer answer = run(words);
+        EXPECT_EQ(answer.code, 2);
+        EXPECT_THAT(answer.err, StartsWith(std::string("britlock: ") + text));
+        EXPECT_THAT(answer.err, HasSubstr("Usage:"));
+    }
+    EXPECT_THAT(run({"show", "--help"}).out, StartsWith("Usage:"));
+}
+
+}  // namespace

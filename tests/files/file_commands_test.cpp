@@ -1,0 +1,184 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "files/restriction_file.h"
+#include "program/random_marks.h"
+#include "program/world.h"
+
+namespace britlock {
+namespace {
+
+using namespace machine;
+using testing::HasSubstr;
+using testing::Not;
+using toolkit::Answer;
+
+struct FileCommands : testing::Test {
+    World w;
+    MemoryKey& anna = w.windows.add_profile("Anna");
+    MainForm* window = &w.enter();
+
+    std::string content(const std::string& path) {
+        std::string bytes;
+        EXPECT_EQ(w.windows.files.read(path, bytes), no_error) << path;
+        return bytes;
+    }
+    bool save_as(const std::string& path) {
+        w.screen.expect_file(path);
+        return w.click(window->mm13);
+    }
+    bool open(const std::string& path) {
+        w.screen.expect_file(path);
+        return w.click(window->mm11);
+    }
+};
+
+TEST_F(FileCommands, SaveAsksForANameOnceAndSaveAsAlways) {
+    w.screen.expect_file("");
+    w.click(window->mm12);
+    w.screen.expect_file("C:\\a.brl");
+    w.click(window->mm12);
+    EXPECT_EQ(content("C:\\a.brl"), brl_text(window->marks()));
+    w.click(window->c11);
+    w.click(window->mm12);
+    EXPECT_EQ(content("C:\\a.brl"), brl_text(window->marks())) << "written over without a question";
+    EXPECT_EQ(w.screen.beeps, 0);
+    const toolkit::FileDialog& asked = w.screen.file_dialogs.back();
+    EXPECT_EQ(asked.title, "Save Settings");
+    EXPECT_EQ(asked.filter, "*.BRL (Brightlock)|*.brl");
+    EXPECT_EQ(asked.start_folder, "");
+    EXPECT_EQ(asked.action, toolkit::FileDialog::Action::save);
+
+    w.windows.files.add_file("C:\\b.brl", "old");
+    w.screen.expect_box("Save settings...", Answer::no);
+    save_as("C:\\b.brl");
+    EXPECT_EQ(content("C:\\b.brl"), "old");
+    EXPECT_EQ(window->last_file_name, "C:\\a.brl");
+    EXPECT_EQ(w.screen.beeps, 1);
+    EXPECT_EQ(w.screen.boxes.back().text, "This file already exists.\nOverwrite existing file ?");
+    EXPECT_EQ(w.screen.boxes.back().icon, toolkit::Icon::exclamation);
+    w.screen.expect_box("Save settings...", Answer::yes);
+    save_as("C:\\b.brl");
+    EXPECT_EQ(content("C:\\b.brl"), brl_text(window->marks()));
+    w.windows.files.add_file("C:\\empty.brl", "");
+    save_as("C:\\empty.brl");
+    EXPECT_EQ(window->last_file_name, "C:\\empty.brl");
+    open("C:\\a.brl");
+    EXPECT_EQ(window->last_file_name, "C:\\empty.brl") << "an opened file is not saved to";
+}
+
+TEST_F(FileCommands, OpenShowsTheSetAndApplyWritesIt) {
+    w.choose("Anna");
+    RandomPerson(w, 7).mark();
+    window->c16.set_value(1);
+    window->c31.set_value(0);
+    window->c41.set_value(1);
+    window->List1.clear();
+    window->List1.add("CALC.EXE");
+    window->c96.set_value(1);
+    window->t81.set_text("The School");
+    window->t82.set_text("M. Owner");
+    Marks saved = Marks::of(*window);
+    save_as("C:\\set.brl");
+
+    w.click(window->mm22);
+    w.screen.act([&] {
+        window->c39.set_value(1);
+        window->t32.set_text("C:\\Icons");
+        window->List1.clear();
+        window->gesamtfiles.set_text("the old count");
+    });
+    open("C:\\set.brl");
+    saved.lines["c96"] = "0";
+    saved.lines["c39"] = "1";
+    saved.lines["t32"] = "C:\\Icons";
+    EXPECT_EQ(Marks::of(*window).lines, saved.lines)
+        << "c16 ticks c31 for a moment, c41 adds a line that goes";
+    EXPECT_EQ(window->t81.text() + "|" + window->t82.text() + "|" + window->t810.text(),
+              "1|The School|M. Owner");
+    EXPECT_EQ(window->gesamtfiles.text(), "the old count");
+    EXPECT_THAT(anna.dump(), Not(HasSubstr("NoClose"))) << "an opened file writes nothing";
+
+    // The last text is not the folder of the profiles: the hive is not found until the person mends it.
+    w.screen.expect_box("Path not found...");
+    w.apply();
+    w.screen.act([&] { window->t810.set_text(w.program->users.profile_base_path); });
+    w.apply();
+    EXPECT_THAT(anna.dump(), HasSubstr("RestrictRun :  0 = \"CALC.EXE\""));
+    EXPECT_THAT(anna.dump(), HasSubstr("NoSetFolders = dword 1"));
+    EXPECT_THAT(anna.dump(), HasSubstr("FixedLNKUrl = \"C:\\Icons\""));
+}
+
+TEST_F(FileCommands, WhatIsNoRestrictionFileChangesNothing) {
+    w.windows.files.add_file("C:\\other.brl", "\"brlck\"\r\n\"x\"\r\n");
+    w.click(window->c11);
+    const Marks before = Marks::of(*window);
+    w.screen.expect_box("Error...");
+    EXPECT_TRUE(open("C:\\other.brl"));
+    EXPECT_EQ(w.screen.boxes.back().text, "This is not a Brightlock Suite-File.");
+    EXPECT_TRUE(open(""));
+    EXPECT_EQ(Marks::of(*window).lines, before.lines);
+}
+
+TEST(FileCommandsThatFail, EndTheProgramWithTheMarksAsTheyWere) {
+    RestrictionSet set;
+    set.boxes.set(12, 1);
+    const std::string whole = brl_text(set);
+    struct Case {
+        const char* path;
+        FileError fault;
+        std::string bytes;
+        const char* text;
+    };
+    const Case cases[] = {
+        {"C:\\cut.brl", no_error, whole.substr(0, whole.size() / 2), "'62'"},
+        {"C:\\empty.brl", no_error, "", "'62'"},
+        {"C:\\missing.brl", no_such_file, "", "'53'"},
+        {"C:\\held.brl", permission_denied, whole, "'70'"},
+        {"Q:\\gone.brl", no_such_path, "", "'76'"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.path);
+        World w;
+        MainForm& window = w.enter();
+        if (c.fault == no_error || c.fault == permission_denied) w.windows.files.add_file(c.path, c.bytes);
+        if (c.fault == permission_denied) w.windows.files.fail(c.path, c.fault);
+        w.click(window.c11);
+        const Marks before = Marks::of(window);
+        w.screen.expect_file(c.path);
+        w.screen.expect_box("Brightlock Suite");
+        EXPECT_FALSE(w.click(window.mm11));
+        EXPECT_THAT(w.screen.boxes.back().text, HasSubstr(c.text));
+        EXPECT_EQ(Marks::of(window).lines, before.lines) << "no part of a set is shown";
+    }
+    for (const char* path : {"Q:\\x.brl", "C:\\nowhere\\x.brl", "C:\\WINDOWS"}) {
+        World w;
+        MainForm& window = w.enter();
+        w.screen.expect_file(path);
+        w.screen.expect_box("Brightlock Suite");
+        EXPECT_FALSE(w.click(window.mm13)) << path;
+        EXPECT_THAT(w.screen.boxes.back().text, HasSubstr("Run-time error"));
+    }
+}
+
+TEST(FileCommandsInGerman, AskInGerman) {
+    World w(versions::winxp, german);
+    MainForm& window = w.enter();
+    w.windows.files.add_file("C:\\x.brl", "x,y");
+    w.screen.expect_file("C:\\x.brl");
+    w.screen.expect_box("Fehler...");
+    w.click(window.mm11);
+    w.screen.expect_file("C:\\x.brl");
+    w.screen.expect_box("Einschr\xE4nkungen speichern", Answer::no);
+    w.click(window.mm12);
+    EXPECT_EQ(w.screen.file_dialogs[0].title,
+              "Datei \xF6"
+              "ffnen...");
+    EXPECT_EQ(w.screen.file_dialogs[1].title, "Einstellungen speichern...");
+    EXPECT_EQ(w.screen.boxes.back().text,
+              "Diese Datei ist bereits vorhanden. \nBestehende Datei \xFC"
+              "berschreiben ?");
+}
+
+}  // namespace
+}  // namespace britlock

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <random>
+
+#include "engine/catalogue.h"
+
+namespace britlock {
+
+/// A set with anything in it that a window can hold and a file can carry.
+inline RestrictionSet random_set(std::mt19937& random) {
+    const auto below = [&](unsigned count) { return static_cast<int>(random() % count); };
+    const auto text = [&] {
+        static const char* const texts[] = {
+            "",       "C:\\WINDOWS\\x.bmp", "D:\\B\xE4r & S\xF6hne, Z\xFCrich",
+            "  two ", "line\r\nbreak",      "5000000000 AG",
+            "NO.EXE", "\x81\x9D\xFF"};
+        return texts[below(std::size(texts))];
+    };
+    RestrictionSet set;
+    for (const Restriction& row : Get_CR()) {
+        if (row.page != 0) set.boxes.set(row.box, below(3));
+    }
+    for (bool& hidden : set.hidden_applets)
+        hidden = below(2) == 1;
+    for (int i = below(5); i > 0; --i)
+        set.programs.emplace_back(text());
+    for (int& drive : set.drives)
+        drive = below(3);
+    for (std::string* field : {&set.wallpaper, &set.icon_folder, &set.machine.organisation,
+                               &set.machine.owner, &set.machine.profiles_path}) {
+        *field = text();
+    }
+    return set;
+}
+
+}  // namespace britlock

@@ -1,0 +1,251 @@
+#include "files/restriction_file.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "base/runtime_error.h"
+#include "files/random_set.h"
+
+namespace britlock {
+namespace {
+
+using testing::ElementsAre;
+
+/// The number of the run-time error that reading ends in; 0: none.
+int error_of_reading(std::string_view bytes, const RestrictionSet& shown = {}) {
+    try {
+        (void)read_brl(bytes, shown);
+    } catch (const RuntimeError& error) {
+        return error.number();
+    }
+    return 0;
+}
+
+std::string repeated(const std::string& line, int times) {
+    std::string lines;
+    for (int i = 0; i < times; ++i)
+        lines += line;
+    return lines;
+}
+
+/// A whole file, line by line, from those that differ between the cases.
+std::string file_with(const std::string& count_and_list,
+                      const std::string& drives = "0" + repeated(",0", 25) + "\r\n",
+                      const std::string& start_menu = "0" + repeated(",0", 9) + "\r\n") {
+    return "\"BRLCK\"\r\n\"NEVER EDIT THIS FILE!\"\r\n" + start_menu + repeated("0\r\n", 39) +
+           "0,0,0,0,0,0,0,0,0,0\r\n0,0,0,0,0,0,0,0\r\n\"\"\r\n0\r\n" + count_and_list + drives +
+           "0,0,0,0,0,0,0,0\r\n0,0,0,0,0,0,0,0,0,0\r\n\"org\",\"owner\"\r\n\"path\"\r\n";
+}
+
+TEST(RestrictionFile, IsWrittenByteForByte) {
+    RestrictionSet set;
+    for (const int box : {11, 16, 110, 22, 210, 37, 39, 41, 66, 610, 99, 61, 90, 96})
+        set.boxes.set(box, 1);
+    set.boxes.set(18, 2);
+    set.hidden_applets[0] = set.hidden_applets[30] = set.hidden_applets[38] = true;
+    set.wallpaper = "C:\\B\xE4r, gro\xDF.bmp";
+    set.icon_folder = "C:\\Icons";
+    set.programs = {"BRITLOCK.EXE", "a\"b.exe"};
+    set.drives['A' - 'A'] = set.drives['T' - 'A'] = set.drives['Z' - 'A'] = 1;
+    set.drives['C' - 'A'] = 2;
+    set.machine = {"Schule, Z\xFCrich", "M. B\xFCrgi", "C:\\Documents and Settings\\"};
+    EXPECT_EQ(brl_text(set),
+              "\"BRLCK\"\r\n"
+              "\"NEVER EDIT THIS FILE!\"\r\n"
+              "1,0,0,0,0,1,0,2,0,1\r\n"
+              "1\r\n"
+              "0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n"
+              "0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n"
+              "0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n"
+              "1\r\n"
+              "0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n"
+              "1\r\n"
+              "0,1,0,0,0,0,0,0,0,1\r\n"
+              "0,0,0,0,0,0,1,0\r\n"
+              "\"C:\\B\xE4r, gro\xDF.bmp\"\r\n"
+              "1\r\n"
+              "2\r\n"
+              "\"BRITLOCK.EXE\"\r\n"
+              "\"a\"b.exe\"\r\n"
+              "1,0,2,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,1,0,0,0,0,0,1\r\n"
+              "0,1,0,0,0,1,0,1\r\n"
+              "1,0,0,0,1,0,0,0,0,1\r\n"
+              "\"Schule, Z\xFCrich\",\"M. B\xFCrgi\"\r\n"
+              "\"C:\\Documents and Settings\\\"\r\n");
+}
+
+/// What a round trip changes, and nothing else.
+RestrictionSet after_a_round_trip(RestrictionSet set, const RestrictionSet& shown) {
+    set.machine = {std::to_string(set.boxes[96]), set.machine.organisation, set.machine.owner};
+    for (const Restriction& row : Get_CR()) {
+        if (row.page != 0) set.boxes.set(row.box, set.ticked(row.box));
+    }
+    set.boxes.set(96, 0);
+    set.boxes.set(39, shown.boxes[39]);
+    set.icon_folder = shown.icon_folder;
+    return set;
+}
+
+TEST(RestrictionFile, ComesBackWithTheTextsShifted) {
+    std::mt19937 random(5);
+    for (int i = 0; i < 300; ++i) {
+        const RestrictionSet set = random_set(random), shown = random_set(random);
+        const auto read = read_brl(brl_text(set), shown);
+        ASSERT_TRUE(read);
+        ASSERT_EQ(*read, after_a_round_trip(set, shown)) << brl_text(set);
+    }
+}
+
+TEST(RestrictionFile, BeginsWithTheExactWord) {
+    const std::string whole = brl_text({});
+    EXPECT_TRUE(read_brl(whole, {}));
+    for (const char* start : {"\"brlck\"\r\nx", "BRLCK2,x", "\" BRLCK\",\"\"", ",\r\n"})
+        EXPECT_FALSE(read_brl(start, {})) << start;
+    EXPECT_EQ(error_of_reading(""), 62);
+    EXPECT_EQ(error_of_reading("PK\x03\x04"), 62) << "two fields are read before one is looked at";
+    std::string edited = whole;
+    edited.replace(9, 23, "  BRLCK , whatever");  // quotes are not needed, and the warning is not looked at
+    edited.erase(0, 9);
+    EXPECT_EQ(edited.find("BRLCK"), 2u);
+    EXPECT_FALSE(read_brl(edited, {})) << "blanks behind a bare word belong to it";
+    edited.erase(7, 1);
+    EXPECT_TRUE(read_brl(edited, {}));
+}
+
+TEST(RestrictionFile, TakesNumbersAsTheyCome) {
+    // One row of ten boxes: what counts as the number 1.
+    const auto read = read_brl(
+        file_with("0\r\n", "0" + repeated(",0", 25) + "\r\n", "1,2,-1,yes,, 1,1.0,\"1\",&H1,1E0\r\n"), {});
+    ASSERT_TRUE(read);
+    std::vector<int> boxes;
+    for (const int box : boxes_of_page(1))
+        boxes.push_back(read->boxes[box]);
+    EXPECT_THAT(boxes, ElementsAre(1, 0, 0, 0, 0, 1, 1, 1, 1, 1));
+
+    struct Case {
+        const char* drive;
+        int error;
+        int value;
+    };
+    for (const Case& c : {Case{"2", 0, 2},
+                          {"1.5", 0, 2},
+                          {"0.5", 0, 0},
+                          {"C", 0, 0},
+                          {"3", 380, 0},
+                          {"-1", 380, 0},
+                          {"2.6", 380, 0},
+                          {"1E99", 6, 0}}) {
+        const std::string bytes =
+            file_with("0\r\n", "0,0," + std::string(c.drive) + repeated(",0", 23) + "\r\n");
+        EXPECT_EQ(error_of_reading(bytes), c.error) << c.drive;
+        if (c.error == 0) {
+            EXPECT_EQ(read_brl(bytes, {})->drives[2], c.value) << c.drive;
+        }
+    }
+}
+
+TEST(RestrictionFile, IsGovernedByTheCount) {
+    struct Case {
+        std::string list;
+        int error;
+        std::vector<std::string> programs;
+        const char* organisation;
+    };
+    const std::string two = "\"A.EXE\"\r\n\"B.EXE\"\r\n";
+    const Case cases[] = {
+        {"2\r\n" + two, 0, {"A.EXE", "B.EXE"}, "0"},
+        {"-3\r\n", 0, {}, "0"},
+        {"none\r\n", 0, {}, "0"},
+        // One too few: everything after the list is read one field too early, the texts of the machine too.
+        {"1\r\n" + two, 0, {"A.EXE"}, "0"},
+        {"3\r\n" + two, 0, {"A.EXE", "B.EXE", "0"}, "org"},
+        {"32767\r\n" + two, 62, {}, ""},
+        {"32768\r\n" + two, 6, {}, ""},
+        {"99999999999\r\n", 6, {}, ""},
+        // A quote ends the text, and what stands between it and the comma is gone.
+        {"2\r\n\"A\"B.EXE\"\r\n\"two\r\nlines, one program\"\r\n",
+         0,
+         {"A", "two\r\nlines, one program"},
+         "0"},
+        // Nothing of an entry is changed, and none is added or left out.
+        {"4\r\nbare.exe,\"\"\r\n\" britlock.exe \"\r\n\"nul" + std::string(1, '\0') + "byte\"\r\n",
+         0,
+         {"bare.exe", "", " britlock.exe ", "nul"},
+         "0"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.list);
+        ASSERT_EQ(error_of_reading(file_with(c.list)), c.error);
+        if (c.error != 0) continue;
+        const auto read = read_brl(file_with(c.list), {});
+        EXPECT_EQ(read->programs, c.programs);
+        EXPECT_EQ(read->machine.organisation, c.organisation);
+    }
+    const std::string full = "32767\r\n" + repeated("\r\n", 32767);
+    EXPECT_EQ(read_brl(file_with(full), {})->programs.size(), 32767u);
+}
+
+TEST(RestrictionFile, ThatEndsEarlyIsNotRead) {
+    std::mt19937 random(11);
+    RestrictionSet set = random_set(random);
+    set.programs = {"BRITLOCK.EXE", "WORD.EXE"};
+    set.machine.owner = "the owner";
+    const std::string whole = brl_text(set);
+    const size_t last_read = whole.rfind("\"the owner\"");
+    for (size_t length = 0; length < whole.size(); ++length) {
+        ASSERT_EQ(error_of_reading(whole.substr(0, length)), length > last_read ? 0 : 62) << length;
+        std::string marked = whole;
+        marked[length] = '\x1A';  // the end of a text, whatever follows
+        ASSERT_EQ(error_of_reading(marked), length > last_read ? 0 : 62) << length;
+    }
+}
+
+/// Changes a file as damage and malice would.
+void damage(std::string& bytes, std::mt19937& random) {
+    static const char* const pieces[] = {",",  "\"",    "\r\n",       "\x1A", "32767",
+                                         "-1", "1E308", "&HFFFFFFFF", "\xFF", "BRLCK"};
+    for (unsigned i = 1 + random() % 4; i > 0; --i) {
+        const size_t at = random() % (bytes.size() + 1);
+        const size_t length = random() % 8;
+        switch (random() % 4) {
+            case 0:
+                if (at < bytes.size()) bytes[at] = static_cast<char>(random());
+                break;
+            case 1:
+                bytes.insert(at, pieces[random() % std::size(pieces)]);
+                break;
+            case 2:
+                bytes.erase(at, length);
+                break;
+            default:
+                bytes.insert(at, bytes.substr(random() % (bytes.size() + 1), length * 20));
+        }
+    }
+}
+
+TEST(RestrictionFile, ThatIsDamagedGivesASetOrAnError) {
+    std::mt19937 random(2);
+    int sets = 0, errors = 0;
+    for (int i = 0; i < 5000; ++i) {
+        std::string bytes = brl_text(random_set(random));
+        damage(bytes, random);
+        const int error = error_of_reading(bytes);
+        ASSERT_THAT(error, testing::AnyOf(0, 6, 62, 380)) << bytes;
+        errors += error != 0;
+        if (error != 0) continue;
+        const auto read = read_brl(bytes, {});
+        if (!read) continue;
+        ++sets;
+        for (const Restriction& row : Get_CR())
+            ASSERT_LE(read->boxes[row.box], 1);
+        for (const int drive : read->drives)
+            ASSERT_TRUE(drive >= 0 && drive <= 2) << drive;
+        for (const std::string& program : read->programs)
+            ASSERT_EQ(program.find('\0'), std::string::npos);
+    }
+    EXPECT_GT(sets, 500);
+    EXPECT_GT(errors, 500);
+}
+
+}  // namespace
+}  // namespace britlock

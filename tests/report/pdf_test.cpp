@@ -1,0 +1,122 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTimer>
+#include <fstream>
+
+#include "base/folder_source.h"
+#include "base/runtime_error.h"
+#include "engine/catalogue.h"
+#include "report/report.h"
+#include "temporary_folder.h"
+#include "toolkit/qt/printer.h"
+#include "toolkit/qt/qt_toolkit.h"
+
+namespace britlock {
+namespace {
+
+struct NoFolders : FolderSource {
+    std::vector<char> drives() override { return {}; }
+    std::string folder(std::string_view) override { return {}; }
+    std::vector<std::string> folders(std::string_view) override { return {}; }
+    std::vector<std::string> files(std::string_view) override { return {}; }
+};
+
+struct Pdf : testing::Test {
+    static void SetUpTestSuite() { setenv("QT_QPA_PLATFORM", "offscreen", 1); }
+
+    static inline int count = 1;
+    static inline char name[] = "pdf_test";
+    static inline char* arguments[] = {name, nullptr};
+    NoFolders folders;
+    toolkit::QtToolkit screen{count, arguments, folders, english, [](toolkit::Ending) { return 0; }};
+    TemporaryFolder folder;
+
+    /// What a person does in the set-up.
+    void set_up(const std::function<void(QDialog&)>& act) {
+        QTimer::singleShot(0, [&] {
+            auto* window = dynamic_cast<QDialog*>(QApplication::activeModalWidget());
+            ASSERT_TRUE(window);
+            act(*window);
+        });
+        screen.set_up_printer();
+    }
+    void choose(const std::string& file) {
+        set_up([&](QDialog& window) {
+            auto* printers = window.findChild<QComboBox*>();
+            printers->setCurrentIndex(printers->findText("PDF file"));
+            auto* ok = window.findChild<QDialogButtonBox*>()->buttons().first();
+            window.findChild<QLineEdit*>()->clear();
+            EXPECT_FALSE(ok->isEnabled()) << "a file without a name";
+            window.findChild<QLineEdit*>()->setText(QString::fromStdString(file));
+            ok->click();
+        });
+    }
+    int error_of_printing(const RestrictionSet& set) {
+        const auto caption_of = [](std::string_view control) {
+            const bool is_box = control[0] == 'c';
+            return is_box ? restriction(std::stoi(std::string(control.substr(1)))).caption.german
+                          : std::string(
+                                "\xDC"
+                                "berschrift ") +
+                                std::string(control);
+        };
+        try {
+            print_report(*screen.open_printer(), set, caption_of, german);
+        } catch (const RuntimeError& error) {
+            return error.number();
+        }
+        return 0;
+    }
+    static int pages(const std::string& file) {
+        std::ifstream in(file, std::ios::binary);
+        const std::string bytes{std::istreambuf_iterator<char>(in), {}};
+        EXPECT_THAT(bytes, testing::StartsWith("%PDF-"));
+        int found = 0;
+        for (size_t at = 0; (at = bytes.find("/Type /Page\n", at)) != std::string::npos; ++at)
+            ++found;
+        return found;
+    }
+};
+
+TEST_F(Pdf, HoldsThreePagesAndMoreForALongList) {
+    RestrictionSet set;
+    choose(folder / "short.pdf");
+    EXPECT_EQ(error_of_printing(set), 0);
+    EXPECT_EQ(pages(folder / "short.pdf"), 3);
+
+    for (int i = 1; i <= 300; ++i)
+        set.programs.push_back("PROGRAM" + std::to_string(i) + ".EXE");
+    choose(folder / "long.pdf");
+    EXPECT_EQ(error_of_printing(set), 0);
+    EXPECT_EQ(pages(folder / "long.pdf"), 7);
+    if (const char* keep = std::getenv("KEEP_PDF")) std::filesystem::copy(folder.path(), keep);
+}
+
+TEST_F(Pdf, IsOnlyMadeWhereItCanBe) {
+    if (toolkit::qt::PrinterChoice::usual().printer.isEmpty()) {
+        EXPECT_EQ(error_of_printing({}), 482) << "no printer, and no file chosen";
+    }
+    choose("/nowhere/x.pdf");
+    EXPECT_EQ(error_of_printing({}), 482);
+    set_up([&](QDialog& window) {
+        window.findChild<QLineEdit*>()->setText(QString::fromStdString(folder / "never.pdf"));
+        window.reject();
+    });
+    EXPECT_EQ(error_of_printing({}), 482) << "the choice was not taken back";
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "never.pdf"));
+
+    // A document that is not ended leaves nothing.
+    choose(folder / "half.pdf");
+    screen.open_printer()->print("half a page");
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "half.pdf"));
+}
+
+}  // namespace
+}  // namespace britlock
