@@ -14,6 +14,8 @@ if(BRITLOCK_SANITIZE)
     target_link_options(brightlock_options INTERFACE -fsanitize=address,undefined)
 endif()
 
+file(WRITE ${CMAKE_BINARY_DIR}/floors.txt "")  # for tools/floors: a line for each: name, folder, root, links
+
 # brightlock_layer(engine FOLDER engine SOURCES a.cpp b.cpp LINK platform toolkit PRIVATE_LINK Qt6::Widgets)
 #
 # The library's headers are included as "<folder>/<header>", e.g. "regf/hive.h".
@@ -22,6 +24,8 @@ function(brightlock_layer name)
     if(NOT L_FOLDER)
         set(L_FOLDER ${name})
     endif()
+    string(JOIN " " links ${L_LINK} ${L_PRIVATE_LINK})
+    file(APPEND ${CMAKE_BINARY_DIR}/floors.txt "${name}|${L_FOLDER}|${PROJECT_SOURCE_DIR}|${links}\n")
     set(view ${CMAKE_BINARY_DIR}/layers/${name})
     file(MAKE_DIRECTORY ${view}/${L_FOLDER})
     file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}/src/${L_FOLDER}
@@ -48,7 +52,7 @@ function(brightlock_test name)
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
     target_link_libraries(${name} PRIVATE ${T_LINK} GTest::gmock GTest::gtest_main brightlock_options)
     target_compile_definitions(${name} PRIVATE
-        SAMPLE_HIVES="${PROJECT_SOURCE_DIR}/../shared/hives" PROGRAM_FOLDER="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+        PROGRAM_FOLDER="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
     if(NOT CMAKE_CROSSCOMPILING)  # a program for another system is run there
         gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600 LABELS "${T_LABELS}")
     endif()

@@ -1,10 +1,10 @@
 # What ./run and ./check share. Sourced from the project's root.
 
-build_packages=(g++ cmake ninja-build qt6-base-dev fonts-liberation)
+build_packages=(g++ cmake ninja-build qt6-base-dev halibut fonts-liberation)
 # What the program itself asks for: the opener of folders and web addresses, and Qt's own words in German.
 run_packages=(xdg-utils qt6-translations-l10n)
 test_packages=(git libgtest-dev libgmock-dev libbenchmark-dev python3 python3-hivex libhivex-bin reglookup xvfb xdotool openbox imagemagick
-    clang-format clang-tidy)
+    clang-format clang-tidy lintian desktop-file-utils appstream)
 windows_build_packages=(g++-mingw-w64-i686-win32 cmake ninja-build nsis python3)
 windows_test_packages=(debootstrap libgtest-dev xvfb xdotool openbox)
 
@@ -65,5 +65,8 @@ build_windows() {
         i686-w64-mingw32-strip "$folder/$name.exe"
         [ "$(stat -c %s "$folder/$name.exe")" -lt $largest_windows_program ] || { echo "$name.exe is too large" >&2; return 1; }
     done
+    # Its tables are printed by a program, which this system runs from a build of its own.
+    build build/release -DCMAKE_BUILD_TYPE=Release --targets help_pages
+    cp build/release/help/en/britlock.hlp "$folder/"
     tools/windows-setup "$folder"
 }

@@ -26,6 +26,7 @@ Section
     ClearErrors
     File "${PROGRAMS}/${PROGRAM_FILE}"
     File "${PROGRAMS}/${HIVE_TOOL_FILE}"
+    File "${PROGRAMS}/${HELP_FILE}"
     IfErrors refused
 
     ; Nothing else makes the product's key, and the program writes no value without it.
@@ -68,6 +69,7 @@ again:
     StrCmp $0 0 gone again
 gone:
     Delete "$INSTDIR\${HIVE_TOOL_FILE}"
+    Delete "$INSTDIR\${HELP_FILE}"
     Delete "$INSTDIR\brlckup.exe"  ; what an update has fetched
     RMDir "$INSTDIR"  ; a folder in which somebody keeps restriction files stays
 

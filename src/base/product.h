@@ -5,6 +5,17 @@
 namespace product {
 
 constexpr const char* title = "Brightlock Suite";
+/// Major, minor and revision, joined by points.
+extern const char* const version;
+
+constexpr const char* maker = "Morvane Computer";
+constexpr const char* years = "1998-2003";
+/// Settings of the build: hosts of plain HTTP, with a port if need be.
+extern const char* const german_update_host;
+extern const char* const update_host;
+/// Without "http://".
+constexpr const char* german_homepage = "www.brightlock.invalid/de";
+constexpr const char* homepage = "www.brightlock.invalid";
 
 /// The folder in which a set-up puts the program, as Windows names it.
 constexpr const char* default_folder = R"(C:\Program Files\Brightlock Suite)";

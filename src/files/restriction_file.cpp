@@ -18,6 +18,8 @@ constexpr const char* warning = "NEVER EDIT THIS FILE!";
 constexpr int icons_box = 39;
 constexpr int programs_box = 41;
 constexpr int command_line_box = 96;
+/// What a text box holds at most: a longer field is no text of this program.
+constexpr size_t longest_text = std::numeric_limits<uint16_t>::max();
 /// What a list box holds at most.
 constexpr int longest_list = std::numeric_limits<int16_t>::max();
 
@@ -70,11 +72,17 @@ void write_text(Writer& out, const std::string& text) {
 class Reader {
   public:
     explicit Reader(std::string_view bytes) : fields_(bytes) {}
-    std::string text() { return std::string(text::up_to_nul(fields_.next())); }
-    int number() { return to_long(leading_number(fields_.next())); }
-    bool tick() { return leading_number(fields_.next()) == 1; }
+    std::string text() { return std::string(text::up_to_nul(field())); }
+    int number() { return to_long(leading_number(field())); }
+    bool tick() { return leading_number(field()) == 1; }
 
   private:
+    std::string field() {
+        std::string field = fields_.next();
+        if (field.size() > longest_text) throw RuntimeError(380);
+        return field;
+    }
+
     FieldReader fields_;
 };
 

@@ -14,7 +14,7 @@ std::string brl_text(const RestrictionSet& set);
 
 /// The set that a file makes of the one on show: what files do not carry stays as it is. None for the bytes
 /// of some other file. RuntimeError 62 for a file that ends early, 6 for too large a number, 380 for a drive
-/// that is neither shown, hidden nor grey.
+/// that is neither shown, hidden nor grey, and for a text of more than 65535 bytes.
 ///
 /// Not the inverse of brl_text: box 96 comes out clear, and its number and the texts of the machine each land
 /// in the text after their own; the folder of the profiles is lost.

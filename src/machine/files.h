@@ -48,8 +48,9 @@ class Files {
     virtual FileError read(std::string_view path, std::string& bytes) = 0;
     /// The old content or the new one, whole, whatever happens.
     virtual FileError write(std::string_view path, std::string_view bytes) = 0;
-    /// Opens the file, makes it where it is missing, puts the bytes in at an offset from 0, closes it. What lies beyond
-    /// stays, and a gap becomes zeros. Not whole whatever happens: for a file that grows piece by piece.
+    /// Opens the file, makes it where it is missing, puts the bytes in at an offset from 0, closes it. What
+    /// lies beyond stays, and a gap becomes zeros. Not whole whatever happens: for a file that grows piece by
+    /// piece.
     virtual FileError write_at(std::string_view path, int64_t offset, std::string_view bytes) = 0;
     virtual FileError remove(std::string_view path) = 0;
 

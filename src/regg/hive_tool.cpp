@@ -121,7 +121,7 @@ Result<Done> unload(const Setting& setting, const std::string& name, ToolReport&
         if (auto removed = setting.mounts.remove({name, {}, {}}); !removed) return removed;
     }
     if (!record) return record.error();
-    const auto done = write_changes(setting, name, report);
+    auto done = write_changes(setting, name, report);
     if (done) return done;
     // Two unloads can meet: what the other one has written, or is about to end, is no loss.
     const auto now = setting.mounts.find(name);

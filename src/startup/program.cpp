@@ -55,4 +55,12 @@ void Program::say(const Notice& notice) {
     toolkit.message_box({.text = pick(notice.text), .title = pick(notice.title), .icon = notice.icon});
 }
 
+bool Program::confirm(const Notice& question) {
+    return toolkit.message_box({.text = pick(question.text),
+                                .title = pick(question.title),
+                                .icon = question.icon,
+                                .buttons = toolkit::Buttons::yes_no,
+                                .default_answer = toolkit::Answer::no}) == toolkit::Answer::yes;
+}
+
 }  // namespace britlock

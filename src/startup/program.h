@@ -75,6 +75,8 @@ class Program {
     const char* pick(const Twin& twin) const { return reg.pick(twin); }
     /// Shows a box with an OK button.
     void say(const Notice& notice);
+    /// Asks for Yes or No, No being the default.
+    bool confirm(const Notice& question);
 
     template <class F>
     void show() {

@@ -2,6 +2,7 @@
 
 #include "ui/main_form.h"
 #include "ui/profile.h"
+#include "ui/update_form.h"
 #include "ui/verzeichnis.h"
 
 namespace britlock {
@@ -9,6 +10,7 @@ namespace britlock {
 void add_forms(Program& program) {
     add_form<MainForm>(program);
     add_form<verzeichnis>(program);
+    add_form<Update>(program);
     add_form<profile>(program);
 }
 

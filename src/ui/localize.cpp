@@ -166,6 +166,7 @@ void MainForm::caption_all(int language) {
     for (const Restriction& row : Get_CR()) {
         if (row.page != 0) box(row.box).set_text(pick(row.caption, language));
     }
+    fill_syslist(language);
     for (const MenuCaption& row : menu_captions)
         (this->*row.item).set_caption(pick(row.caption, language));
 }

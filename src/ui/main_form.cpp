@@ -8,6 +8,7 @@
 #include "startup/pictures.h"
 #include "startup/setpass.h"
 #include "ui/outcome_boxes.h"
+#include "ui/update_form.h"
 #include "ui/verzeichnis.h"
 #include "uninstall/older_product.h"
 
@@ -90,6 +91,7 @@ void MainForm::Form_Load() {
     t32.set_text("");
     mm4.set_visible(false);
     if (!nt) REG_Load32();
+    if (program_.machine.system.command_line() == "/uninstall") mm132_Click();
 }
 
 void MainForm::fill_Combo_user() {
@@ -144,12 +146,16 @@ void MainForm::connect_events() {
     cm45.on_click = [this] { cm45_Click(); };
     cm51.on_click = [this] { change([this](RestrictionSet& set) { hide_drives(set, drives_to_choose()); }); };
     cm52.on_click = [this] { change(show_all_drives); };
+    syslist.on_click = [this] { syslist_Click(); };
+    t810.on_got_focus = [this] { t810_GotFocus(); };
+    t810.on_lost_focus = [this] { t810_LostFocus(); };
 
     mm11.on_click = [this] { mm11_Click(); };
     mm12.on_click = [this] { mm12_Click(); };
     mm13.on_click = [this] { mm13_Click(); };
     mm14.on_click = [this] { mm14_Click(); };
     mm15.on_click = [this] { program_.toolkit.set_up_printer(); };
+    mm132.on_click = [this] { mm132_Click(); };
     mm16.on_click = [this] { program_.toolkit.end_process(); };
     mm21.on_click = [this] { mm21_Click(); };
     mm22.on_click = [this] { change(unmark_all); };
@@ -162,6 +168,10 @@ void MainForm::connect_events() {
         pages[page - 1]->on_click = [this, page] { go_to_page(page); };
     mm51.on_click = [this] { open_help(); };
     mm52.on_click = [this] { open_help(); };
+    mm53.on_click = [this] { mm53_Click(); };
+    mm54.on_click = [this] { mm54_Click(); };
+    mm55.on_click = [this] { program_.show<Update>(); };
+    mm57.on_click = [this] { mm57_Click(); };
 }
 
 }  // namespace britlock

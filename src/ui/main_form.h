@@ -43,8 +43,6 @@ struct MainForm : ProgramForm {
     void tab_Click();
     void SSListBar1_Click(int item);
     void cm02_Click();
-    /// `topic`: the viewer's option that leads to one, with a blank after it; empty: the contents.
-    void open_help(const std::string& topic = "");
 
     // --- texts
     void localize();
@@ -73,6 +71,19 @@ struct MainForm : ProgramForm {
     void cm45_Click();
     void mm21_Click();
     void mm24_Click();
+    void mm132_Click();
+
+    // --- page 9
+    void syslist_Click();
+    void t810_GotFocus();
+    void t810_LostFocus();
+
+    // --- help
+    /// `topic`: the viewer's option that leads to one, with a blank after it; empty: the contents.
+    void open_help(const std::string& topic = "");
+    void mm53_Click();
+    void mm54_Click();
+    void mm57_Click();
 
     // --- the state of the form beside its controls
     std::array<std::string, 11> page_name;  ///< from 1
@@ -173,10 +184,12 @@ struct MainForm : ProgramForm {
     uint32_t drives_to_choose() const;
     void add_programs(const std::vector<std::string>& wanted);
     void show_count();
+    void lift_restrictions();
 
     void connect_events();
     void place_controls();
     void caption_all(int language);
+    void fill_syslist(int language);
 };
 
 }  // namespace britlock

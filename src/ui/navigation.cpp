@@ -35,7 +35,7 @@ constexpr Page pages[] = {
     {{"Hilfe", "Help"}, &pictures::help},
 };
 
-constexpr Twin homepage_address{"www.brightlock.invalid/de", "www.brightlock.invalid"};
+constexpr Twin homepage_address{product::german_homepage, product::homepage};
 
 /// Twips, by language.
 struct PanelWidth {
@@ -81,13 +81,6 @@ void MainForm::tab_Click() {
     help_context = first_help_context + tab.current();
     l01.set_text(page_name[tab.current() + 1]);
     l02.set_text(page_help_text[tab.current() + 1]);
-}
-
-/// Help is a file of Windows' own viewer; where viewer or file are missing, nothing is said.
-void MainForm::open_help(const std::string& topic) {
-    const std::string file = program_.machine.system.program_directory() + '\\' + product::help_file;
-    (void)program_.machine.processes.start("winhlp32.exe " + topic + file,
-                                           machine::WindowStyle::normal_focus);
 }
 
 void MainForm::homepage() { program_.toolkit.message_box({.text = "Hier kommt link zur Page"}); }

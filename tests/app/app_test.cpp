@@ -11,7 +11,6 @@
 #include "app/linux/strip.h"
 #include "temporary_folder.h"
 
-
 using machine::ToolReport;
 using testing::HasSubstr;
 

@@ -94,10 +94,8 @@ TEST(Crash, AKillAtAnyMomentOfAnApplyLeavesTheOldHiveOrTheNewOne) {
         person.set_password("secret");
     }
     const fs::path hive = windows.hive_of("Anna");
-    if (const fs::path sample = fs::path(SAMPLE_HIVES) / "xp-user.NTUSER.DAT"; fs::exists(sample)) {
-        fs::copy_file(sample, hive, fs::copy_options::overwrite_existing);
-        fs::permissions(hive, fs::perms::owner_read | fs::perms::owner_write);
-    }
+    fs::copy_file(fs::path(MADE_HIVES) / "sound/xp-user.NTUSER.DAT", hive,
+                  fs::copy_options::overwrite_existing);
     const std::string old_bytes = bytes_of(hive);
     const std::string old_state = state_of(hive);
 

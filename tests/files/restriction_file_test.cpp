@@ -181,6 +181,8 @@ TEST(RestrictionFile, IsGovernedByTheCount) {
         EXPECT_EQ(read->programs, c.programs);
         EXPECT_EQ(read->machine.organisation, c.organisation);
     }
+    EXPECT_EQ(error_of_reading(file_with("1\r\n" + std::string(65535, 'x') + "\r\n")), 0);
+    EXPECT_EQ(error_of_reading(file_with("1\r\n" + std::string(65536, 'x') + "\r\n")), 380);
     const std::string full = "32767\r\n" + repeated("\r\n", 32767);
     EXPECT_EQ(read_brl(file_with(full), {})->programs.size(), 32767u);
 }

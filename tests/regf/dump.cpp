@@ -87,8 +87,6 @@ std::string foreign_dump(const std::string& file) {
     return out;
 }
 
-bool foreign_reader_is_there() { return std::system("/usr/bin/python3 -c 'import hivex' 2>/dev/null") == 0; }
-
 void expect_same(const std::string& ours, const std::string& theirs, const std::string& what) {
     if (ours == theirs) return;
     const auto [a, b] = std::mismatch(ours.begin(), ours.end(), theirs.begin(), theirs.end());

@@ -18,7 +18,6 @@ void write_file(const std::string& path, const Bytes& bytes);
 
 /// What another reader says of a hive file; empty where it cannot read it.
 std::string foreign_dump(const std::string& file);
-bool foreign_reader_is_there();
 /// Fails the test with the surroundings of the first difference.
 void expect_same(const std::string& ours, const std::string& theirs, const std::string& what);
 

@@ -7,12 +7,15 @@
 #include <iostream>
 #include <memory>
 
+#include "app/help/help_processes.h"
+#include "app/help/help_window.h"
 #include "app/linux/exit_code.h"
 #include "app/linux/options.h"
 #include "app/linux/strip.h"
 #include "base/text.h"
 #include "machine/offline/offline_machine.h"
 #include "machine/offline/sample_installation.h"
+#include "machine/qt_internet/qt_internet.h"
 #include "platform/folder_browser.h"
 #include "platform/product_setup.h"
 #include "startup/pictures.h"
@@ -95,6 +98,8 @@ class Session {
     const Options& options_;
     std::string executables_ = executables_folder();
     std::unique_ptr<machine::OfflineMachine> windows_;
+    std::unique_ptr<britlock::HelpProcesses> processes_;
+    machine::QtInternet internet_;
     std::unique_ptr<britlock::FolderBrowser> folders_;
     std::unique_ptr<toolkit::QtToolkit> screen_;
     std::unique_ptr<britlock::Program> program_;
@@ -212,7 +217,10 @@ int Session::run() {
     auto opened = machine::OfflineMachine::open(*options);
     if (!opened) return refuse(opened.error());
     windows_ = std::move(*opened);
-    machine::Machine its = windows_->machine();
+    const machine::Machine offline = windows_->machine();
+    processes_ = std::make_unique<britlock::HelpProcesses>(
+        offline.processes, [](int topic) { britlock::show_help(topic, language); });
+    machine::Machine its{offline.registry, offline.files, *processes_, offline.system, internet_};
     if (options_.command_line != "/icon") britlock::prepare_installation(its.registry);
     folders_ = std::make_unique<britlock::FolderBrowser>(its);
     start_screen();

@@ -84,7 +84,7 @@ class Words {
     size_t next_ = 0;
 };
 
-/// One option with its value, behind '=' or in the next word. Empty, or what is wrong.
+/// One option with its value, after '=' or in the next word. Empty, or what is wrong.
 std::string take_option(const std::string& word, Words& words, Options& options) {
     const size_t equals = word.find('=');
     const std::string name = word.substr(0, equals);

@@ -120,7 +120,7 @@ base::Result<Done> MountTable::add(const Mount& mount) const {
     if (const FileError error = write_all(record->descriptor(), mount_frame(mount)))
         return base::Error{error == device_full ? base::ErrorKind::no_space : base::ErrorKind::io,
                            "cannot record the mount in " + folder_};
-    if (const auto flushed = record->flush(); !flushed) return flushed;
+    if (auto flushed = record->flush(); !flushed) return flushed;
     const auto placed = record->put_in_place(hostfile::Replacement::Old::may_exist);
     return placed ? base::Result<Done>(Done{}) : placed.error();
 }

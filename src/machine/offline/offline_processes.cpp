@@ -55,7 +55,7 @@ bool is_explorer(const std::string& program, System& system) {
 
 Processes::Started OfflineProcesses::start(std::string_view command_line, WindowStyle) {
     const CommandLine parsed = parse_command_line(command_line);
-    if (is_explorer(parsed.program, system_)) return open_folder_window(parsed.rest);
+    if (is_explorer(parsed.program, system_) && !parsed.rest.empty()) return open_folder_window(parsed.rest);
     const auto path = parse_path(parsed.program);
     const auto tool = parse_path(system_.program_directory() + "\\regg.exe");
     if (!path || !tool || !(*path == *tool)) return {no_such_file, 0};
@@ -140,15 +140,15 @@ void OfflineProcesses::report(Child& child, const std::string& end) {
         told.succeeded = end.empty();
         told.detail = end;
     }
-    // To be on the safe side the program unmounts what is not mounted: no news.
-    if (told.verb == ToolReport::Verb::unload && told.why == base::ErrorKind::missing && !told.changes_lost)
-        return;
-    if (child.sealed != success) {
+    if (told.verb == ToolReport::Verb::unload && child.sealed != success) {
         told.succeeded = false;
         told.changes_lost = true;
         told.why = child.sealed == disk_full ? base::ErrorKind::no_space : base::ErrorKind::io;
         told.detail = "the changes could not be noted down: the disk is full or broken";
     }
+    // To be on the safe side the program unmounts what is not mounted: no news.
+    if (told.verb == ToolReport::Verb::unload && told.why == base::ErrorKind::missing && !told.changes_lost)
+        return;
     // Another instance clears away what a crashed run may have left, and takes a mount that nobody holds for
     // it.
     if (told.verb == ToolReport::Verb::load && told.succeeded && !registry_.hold(told.name)) {

@@ -1,0 +1,59 @@
+"""Plants wrong arrows in a copy of the sources and of what the build tells of them: each must be found.
+
+usage: wrong_arrows.py PYTHON -B tools/floors BUILD
+"""
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+
+*tool, build = sys.argv[1:]
+floors = (pathlib.Path(build) / "floors.txt").read_text()
+commands = (pathlib.Path(build) / "compile_commands.json").read_text()
+source = pathlib.Path(floors.splitlines()[0].split("|")[2])
+views = "-I%s/layers/" % build
+qt = next(word for word in commands.split() if word.endswith("/qt6/QtWidgets"))
+
+# What is planted: a line for a file of the sources, or words to be replaced in what the build tells. What is said of it.
+ARROWS = [
+    ("engine/applets.cpp", "#include <unistd.h>", "engine/applets.cpp:1: includes <unistd.h>"),
+    ("platform/numbers.h", "#  include <windows.h>", "platform/numbers.h:1: includes <windows.h>"),
+    ("users/target.cpp", "#include <QString>", "users/target.cpp:1: includes <QString>"),
+    ("startup/program.cpp", "#include <filesystem>", "startup/program.cpp:1: includes <filesystem>"),
+    ("users/target.h", '#include "ui/main_form.h"', "a circle: engine -> users -> ui -> "),
+    ("commands", views + "engine ", views + "engine " + views + "toolkit_qt ", "engine reaches toolkit/qt/qt_toolkit.h"),
+    ("commands", views + "base ", views + "base " + views + "machine_offline ", "base reaches machine/offline/drive_map.h"),
+    ("commands", views + "users ", views + "users " + views + "startup ", "users reaches startup/program.h"),
+    ("commands", views + "ui ", "%sui -isystem %s " % (views, qt), "ui reaches QWidget"),
+    ("commands", views + "files ", "", "files does not reach its own"),
+    ("floors", "startup files report", "startup machine_offline files report", "an implementation, is linked into the program"),
+    ("floors", "|machine\n", "|machine ui\n", "a circle: "),
+]
+
+
+def said_of(arrow):
+    with tempfile.TemporaryDirectory() as place:
+        folder = pathlib.Path(place)
+        shutil.copytree(source / "src", folder / "src")
+        told = {"floors": floors.replace("|%s|" % source, "|%s|" % folder), "commands": commands}
+        where, what = arrow[:2]
+        if where in told:
+            assert what in told[where], "nothing to plant: " + what
+            told[where] = told[where].replace(what, arrow[2])
+        else:
+            file = folder / "src" / where
+            file.write_text(what + "\n" + file.read_text())
+        (folder / "floors.txt").write_text(told["floors"])
+        (folder / "compile_commands.json").write_text(told["commands"])
+        run = subprocess.run(tool + [place], text=True, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
+        return run.returncode, run.stderr
+
+
+failed = False
+for arrow in ARROWS:
+    code, said = said_of(arrow)
+    if code != 1 or arrow[-1] not in said:
+        failed = True
+        print("not found: %s\n%d %s" % (arrow, code, said))
+sys.exit(failed)
