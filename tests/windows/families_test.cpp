@@ -192,7 +192,7 @@ TEST_F(OnWindows, TheRunAtLogonBringsTheIconsThatItMayNotDelete) {
     ASSERT_EQ(files.write("C:\\Fixed\\Games\\two.lnk", "two"), machine::no_error);
     ASSERT_EQ(files.write("C:\\Desk\\kept.lnk", "kept"), machine::no_error);
     {
-        const HeldFile held("C:\\Fixed\\Games\\two.lnk");
+        const HeldFile held("C:\\Fixed\\Games\\two.lnk", HeldFile::Against::deleting);
         refresh_desktop(reg, files);
     }
     std::string bytes;

@@ -88,8 +88,15 @@ void remove_key(machine::Root root, const std::string& key) {
     remove_key_below(handle_of(root), key.c_str());
 }
 
-HeldFile::HeldFile(const std::string& path)
-    : handle_(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr)) {
+std::string short_name(const std::string& path) {
+    char buffer[MAX_PATH] = {};
+    GetShortPathNameA(path.c_str(), buffer, sizeof buffer);
+    return buffer;
+}
+
+HeldFile::HeldFile(const std::string& path, Against against)
+    : handle_(CreateFileA(path.c_str(), GENERIC_READ, against == Against::deleting ? FILE_SHARE_READ : 0,
+                          nullptr, OPEN_EXISTING, 0, nullptr)) {
     EXPECT_NE(handle_, INVALID_HANDLE_VALUE) << path;
 }
 

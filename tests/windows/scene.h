@@ -18,10 +18,14 @@ std::string stored(machine::Root root, const std::string& key, const char* value
 /// The key and all below it.
 void remove_key(machine::Root root, const std::string& key);
 
-/// Keeps others from deleting a file.
+/// The path with the names that DOS programs see.
+std::string short_name(const std::string& path);
+
+/// Holds a file as another program does.
 class HeldFile {
   public:
-    explicit HeldFile(const std::string& path);
+    enum class Against { deleting, everything };
+    HeldFile(const std::string& path, Against against);
     HeldFile(const HeldFile&) = delete;
     HeldFile& operator=(const HeldFile&) = delete;
     ~HeldFile();
