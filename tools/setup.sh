@@ -5,6 +5,8 @@ build_packages=(g++ cmake ninja-build qt6-base-dev halibut fonts-liberation)
 run_packages=(xdg-utils qt6-translations-l10n)
 test_packages=(git libgtest-dev libgmock-dev libbenchmark-dev python3 python3-hivex libhivex-bin reglookup xvfb xdotool openbox imagemagick
     clang-format clang-tidy lintian desktop-file-utils appstream)
+windows_build_packages=(g++-mingw-w64-i686-win32 cmake ninja-build nsis python3)
+windows_test_packages=(debootstrap libgtest-dev xvfb xdotool openbox)
 
 # Installs those of the packages that are missing.
 install_packages() {
@@ -47,4 +49,24 @@ show_progress() {
             printf '%s\n' "$line"
         fi
     done
+}
+
+largest_windows_program=2000000
+
+# build_windows [name...]: the programs of the Windows edition into build/windows, and whatever else is named to its folder bin.
+build_windows() {
+    local folder=build/windows name
+    build "$folder" --no-warn-unused-cli -DCMAKE_TOOLCHAIN_FILE=cmake/windows-i486.cmake -DCMAKE_BUILD_TYPE=Release \
+        -DBUILD_TESTING="$([ $# -eq 0 ] && echo OFF || echo ON)" --targets edition "$@"
+    for name in $(cat "$folder/edition"); do
+        cp "$folder/bin/$name.exe" "$folder/$name.exe"
+        tools/windows-for-486 "$folder/$name.exe"
+        tools/windows-imports "$folder/$name.exe"
+        i686-w64-mingw32-strip "$folder/$name.exe"
+        [ "$(stat -c %s "$folder/$name.exe")" -lt $largest_windows_program ] || { echo "$name.exe is too large" >&2; return 1; }
+    done
+    # Its tables are printed by a program, which this system runs from a build of its own.
+    build build/release -DCMAKE_BUILD_TYPE=Release --targets help_pages
+    cp build/release/help/en/britlock.hlp "$folder/"
+    tools/windows-setup "$folder"
 }

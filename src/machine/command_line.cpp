@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "base/text.h"
+
 namespace machine {
 
 CommandLine parse_command_line(std::string_view line) {
@@ -13,6 +15,16 @@ CommandLine parse_command_line(std::string_view line) {
     if (quoted && !rest.empty()) rest.remove_prefix(1);
     rest.remove_prefix(std::min(rest.find_first_not_of(" \t"), rest.size()));
     return {std::string(line.substr(0, end)), std::string(rest)};
+}
+
+std::string rest_of_command_line(std::string_view line, std::string_view module) {
+    constexpr std::string_view blanks = " \t";
+    std::string_view rest = line.substr(std::min(line.find_first_not_of(blanks), line.size()));
+    if (!text::equal_ignoring_case(rest.substr(0, module.size()), module))
+        return parse_command_line(line).rest;
+    rest.remove_prefix(module.size());
+    if (rest.find_first_of(blanks) != 0 && !rest.empty()) return parse_command_line(line).rest;
+    return std::string(rest.substr(std::min(rest.find_first_not_of(blanks), rest.size())));
 }
 
 std::vector<std::string> split_arguments(std::string_view rest) {

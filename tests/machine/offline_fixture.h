@@ -10,6 +10,7 @@
 
 #include "machine/offline/offline_machine.h"
 #include "machine/offline/sample_installation.h"
+#include "machine/subject.h"
 #include "temporary_folder.h"
 
 inline std::string bytes_of(const std::filesystem::path& file) {
@@ -19,17 +20,6 @@ inline std::string bytes_of(const std::filesystem::path& file) {
 
 inline void write_bytes(const std::filesystem::path& file, std::string_view bytes) {
     std::ofstream(file, std::ios::binary) << bytes;
-}
-
-/// Starts a command line and waits for its end, as the program does it; the start's error counts as a code
-/// beyond all others.
-inline uint32_t run_command(machine::Processes& processes, const std::string& command_line) {
-    const auto started = processes.start(command_line, machine::WindowStyle::hidden);
-    if (started.error != machine::no_error) return 1000u + static_cast<uint32_t>(started.error);
-    for (;;) {
-        const uint32_t code = processes.exit_code(started.id);
-        if (code != machine::still_active) return code;
-    }
 }
 
 /// A sample installation in a folder of its own, with a machine on it. The real hive tool serves it.

@@ -127,6 +127,15 @@ TEST(CommandLine, IsTakenApartAsWindowsDoesIt) {
     EXPECT_EQ(quoted.program, "C:\\Program Files\\regg.exe");
     EXPECT_EQ(quoted.rest, "load \"C:\\a b\" HKU\\c ");
     EXPECT_EQ(parse_command_line("explorer.exe C:\\a b").rest, "C:\\a b");
+
+    const std::string module = "C:\\Program Files\\Lock\\britlock.exe";
+    for (const std::string& line :
+         {"\"" + module + "\" /icon", module + "  /icon",
+          std::string("c:\\PROGRAM files\\Lock\\britlock.exe /icon"), std::string("britlock /icon")})
+        EXPECT_EQ(rest_of_command_line(line, module), "/icon") << line;
+    EXPECT_EQ(rest_of_command_line(module, module), "");
+    EXPECT_EQ(rest_of_command_line(module + "x /icon", module), "Files\\Lock\\britlock.exex /icon")
+        << "another program";
     const struct {
         const char* rest;
         const char* arguments;
