@@ -1,5 +1,7 @@
 #include "startup/program.h"
 
+#include <utility>
+
 #include "startup/getpass.h"
 #include "startup/program_form.h"
 #include "startup/setpass.h"
@@ -23,7 +25,9 @@ void FormRegistry::show(const std::string& name) {
             throw;
         }
     }
-    if (slot.form) program_.toolkit.show(*slot.form);  // its load may have given way to another form
+    if (!slot.form) return;  // its load has given way to another form
+    program_.toolkit.show(*slot.form);
+    if (const auto call = std::exchange(slot.when_shown, nullptr)) call();
 }
 
 void FormRegistry::unload(const std::string& name) {

@@ -36,6 +36,10 @@ class FormRegistry {
     void add(const std::string& name, Maker maker);
     /// Shows the form; one that is not loaded is made and loaded first, and is not there if that fails.
     void show(const std::string& name);
+    /// Called once, when the form has been shown for the first time.
+    void when_shown(const std::string& name, std::function<void()> call) {
+        slots_.at(name).when_shown = std::move(call);
+    }
     /// Takes the form away, if it is there.
     void unload(const std::string& name);
     /// Null while the form is not loaded.
@@ -45,6 +49,7 @@ class FormRegistry {
     struct Slot {
         Maker make;
         std::unique_ptr<ProgramForm> form;
+        std::function<void()> when_shown;
     };
     Program& program_;
     std::map<std::string, Slot> slots_;

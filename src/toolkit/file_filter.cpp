@@ -36,13 +36,6 @@ bool matches(std::string_view name, std::string_view pattern) {
     return false;
 }
 
-std::string extension_of(std::string_view pattern) {
-    const std::string_view first = text::trim_blanks(split(pattern, ';').front());
-    const size_t dot = first.rfind('.');
-    if (dot == std::string_view::npos || first.find_first_of("*?", dot) != std::string_view::npos) return {};
-    return std::string(first.substr(dot));
-}
-
 std::string full_path(std::string_view folder, std::string_view typed) {
     const auto below = [](std::string_view parent, std::string_view rest) {
         return std::string(parent) + (parent.ends_with('\\') ? "" : "\\") + std::string(rest);

@@ -18,9 +18,6 @@ std::vector<Filter> parse_filters(std::string_view text);
 /// Without case; * any letters, ? any one letter, *.* every name.
 bool matches(std::string_view name, std::string_view pattern);
 
-/// ".brl" of "*.brl;*.txt"; "" where the pattern gives none.
-std::string extension_of(std::string_view pattern);
-
 /// The full path of a typed name: one with a drive, from the drive's root, or in the folder.
 std::string full_path(std::string_view folder, std::string_view typed);
 

@@ -40,6 +40,10 @@ void MainForm::dateispeichern(const std::string& file) {
 void MainForm::dateioeffnen(const std::string& file) {
     std::string bytes;
     check(program_.machine.files.read(file, bytes));
+    show_file(bytes);
+}
+
+void MainForm::show_file(std::string_view bytes) {
     const auto set = read_brl(bytes, marks());
     if (!set) return program_.say(no_restriction_file);
     show(*set);

@@ -166,6 +166,10 @@ void MainForm::caption_all(int language) {
     for (const Restriction& row : Get_CR()) {
         if (row.page != 0) box(row.box).set_text(pick(row.caption, language));
     }
+    // What stands beside no label has a name for those who cannot see it.
+    Combo_user.set_spoken_name(pick({"Benutzer", "User"}, language));
+    cm31.set_spoken_name(pick({U"Bild auswählen"_ansi, "Choose a picture"}, language));
+    cm32.set_spoken_name(pick({U"Ordner auswählen"_ansi, "Choose a folder"}, language));
     fill_syslist(language);
     for (const MenuCaption& row : menu_captions)
         (this->*row.item).set_caption(pick(row.caption, language));

@@ -54,6 +54,8 @@ struct MainForm : ProgramForm {
     // --- files
     void dateispeichern(const std::string& file);
     void dateioeffnen(const std::string& file);
+    /// Shows what the bytes of a restriction file hold, or that they are none.
+    void show_file(std::string_view bytes);
     void mm11_Click();
     void mm12_Click();
     void mm13_Click();

@@ -47,6 +47,8 @@ verzeichnis::verzeichnis(Program& program) : ProgramForm(program, form_name) {
 
 void verzeichnis::Form_Load() {
     set_caption(program_.pick({U"Verzeichnis auswählen"_ansi, "Select Directory"}));
+    Drive1.set_spoken_name(program_.pick({"Laufwerk", "Drive"}));
+    Dir1.set_spoken_name(program_.pick({"Ordner", "Folder"}));
     Command1.set_text("&OK");
     Command2.set_text(program_.pick({"&Abbrechen", "&Cancel"}));
     Command3.set_text(program_.pick({"&Vorschau", "&Preview"}));

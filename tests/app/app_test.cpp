@@ -56,13 +56,14 @@ TEST(Strip, TellsOutcomesWithTheirReasons) {
 
 TEST(Options, TakeTheirValuesInEitherWayAndAnyOrder) {
     const char* const line[] = {"britlock", "/icon",    "--drive=d=/data", "--machine",
-                                "/mnt",     "--page=3", "--user=A=B"};
+                                "/mnt",     "--page=3", "--user=A=B",      "/home/a/Room 1.BRL"};
     const auto parsed = parse_options(std::size(line), line);
     const auto* options = std::get_if<Options>(&parsed);
     ASSERT_TRUE(options) << std::get<std::string>(parsed);
     EXPECT_EQ(options->drives, (std::map<char, std::string>{{'C', "/mnt"}, {'D', "/data"}}));
     EXPECT_EQ(options->command_line, "/icon");
     EXPECT_EQ(options->page, 3);
+    EXPECT_EQ(options->restriction_file, "/home/a/Room 1.BRL");
     EXPECT_EQ(options->user, "A=B");
 }
 
@@ -77,8 +78,8 @@ class Start : public testing::Test {
     Outcome start(const std::string& arguments,
                   const std::string& before = "unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM") {
         const std::string file = folder.path() / "output";
-        const std::string command = before + "; cd '" + folder.path().string() +
-                                    "'; '" PROGRAM_FOLDER "/britlock' " + arguments + " >output 2>&1";
+        const std::string command = before + "; cd '" + folder.path().string() + "'; '" PROGRAM_FOLDER +
+                                    edition + "/britlock' " + arguments + " >output 2>&1";
         const int status = std::system(command.c_str());
         std::ifstream in(file);
         return {WEXITSTATUS(status), {std::istreambuf_iterator<char>(in), {}}};
@@ -86,6 +87,7 @@ class Start : public testing::Test {
     void SetUp() override { ASSERT_EQ(start("--make-sample=xp").code, exit_done); }
 
     TemporaryFolder folder;
+    std::string edition;  ///< its folder; empty: the one that is built here
 };
 
 TEST_F(Start, ExitCodesAreTrueAndEachFailureIsOneLine) {
@@ -113,11 +115,23 @@ TEST_F(Start, ExitCodesAreTrueAndEachFailureIsOneLine) {
     EXPECT_EQ(start("--machine . --screenshot e.png").code, exit_could_not_open);
 }
 
+TEST_F(Start, BothLanguagesShowAUserAndARestrictionFile) {
+    const std::string xp = "--machine xp --state state ";
+    for (const char* folder_of_edition : {"", "/twin"}) {
+        edition = folder_of_edition;
+        const auto shown = start(xp + "--user Anna --screenshot a.png");
+        EXPECT_EQ(shown.code, exit_done) << shown.output;
+        std::ofstream(folder.path() / "none.brl") << "\"BRLCK\",\"cut off\"";
+        const auto cut_off = start(xp + "none.brl --screenshot b.png");
+        EXPECT_EQ(cut_off.code, exit_failed);
+        EXPECT_THAT(cut_off.output, HasSubstr("Input past end of file"));
+    }
+}
+
 TEST_F(Start, WrongCallsAreRefusedWhereverTheyStand) {
     for (const char* arguments :
          {"--machine xp --bogus 1", "--machine xp /icon --bogus", "--machine xp /icon -x",
-          "--machine xp /icon /uninstall", "--machine xp word", "--machine xp --page 10",
-          "--machine xp --user", "--screenshot f.png"}) {
+          "--machine xp word", "--machine xp --page 10", "--machine xp --user", "--screenshot f.png"}) {
         const auto [code, output] = start(arguments);
         EXPECT_EQ(code, exit_wrong_call) << arguments;
         EXPECT_THAT(output, HasSubstr("Usage: ")) << arguments;

@@ -1,6 +1,5 @@
 #include "app/linux/batch_command.h"
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -11,6 +10,7 @@
 
 #include "app/linux/batch_options.h"
 #include "app/linux/exit_code.h"
+#include "app/linux/host_text.h"
 #include "app/linux/password_line.h"
 #include "base/product.h"
 #include "base/text.h"
@@ -135,9 +135,7 @@ std::string BatchRun::password() const {
 /// Read and judged before the first user's turn comes.
 std::string BatchRun::restriction_file() const {
     const std::string& name = options_.file;
-    const machine::Descriptor file(::open(name.c_str(), O_RDONLY | O_CLOEXEC));
-    const auto bytes = file.is_open() ? machine::read_all(file.number())
-                                      : machine::FileResult<std::string>(machine::file_error(errno));
+    const auto bytes = read_host_file(name);
     if (!bytes) throw NotOpened{name + say(file_unreadable) + RuntimeError(bytes.error()).text()};
     try {
         if (!britlock::read_brl(*bytes, {})) throw NotOpened{name + say(no_restriction_file)};

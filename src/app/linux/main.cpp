@@ -10,6 +10,7 @@
 #include "app/help/help_processes.h"
 #include "app/help/help_window.h"
 #include "app/linux/exit_code.h"
+#include "app/linux/host_text.h"
 #include "app/linux/options.h"
 #include "app/linux/strip.h"
 #include "base/text.h"
@@ -93,6 +94,7 @@ class Session {
     void note(const machine::ToolReport& report);
     int settle(toolkit::Ending ending);
     void take_screenshot();
+    void show_restriction_file();
     bool choose_user(britlock::MainForm& window) const;
 
     const Options& options_;
@@ -206,6 +208,13 @@ void Session::take_screenshot() {
     screen_->end_process(toolkit::Ending::failed);
 }
 
+/// What the file holds stands in the window then; nothing is written before somebody applies it.
+void Session::show_restriction_file() {
+    const auto bytes = read_host_file(options_.restriction_file);
+    if (!bytes) throw RuntimeError(bytes.error());
+    program_->loaded<britlock::MainForm>()->show_file(*bytes);
+}
+
 int Session::run() {
     if (const std::string trouble = toolkit::QtToolkit::screen_trouble(unseen(options_)); !trouble.empty()) {
         return complain(
@@ -226,6 +235,8 @@ int Session::run() {
     start_screen();
     program_ = std::make_unique<britlock::Program>(its, *screen_, language);
     britlock::add_forms(*program_);
+    if (!options_.restriction_file.empty())
+        program_->forms.when_shown(britlock::form::main, [this] { show_restriction_file(); });
     screen_->run([this] { options_.screenshot.empty() ? program_->start() : take_screenshot(); });
     return exit_done;
 }

@@ -7,7 +7,7 @@
 #include "base/text.h"
 
 const char* const usage =
-    "Usage: britlock --machine DIR [--drive D=DIR]... [OPTION]... [/icon | /uninstall]\n"
+    "Usage: britlock --machine DIR [--drive D=DIR]... [OPTION]... [FILE.brl | /icon | /uninstall]\n"
     "       britlock (apply | show | save) --help    the work without a window\n"
     "\n"
     "  --machine DIR            the folder of a Windows installation: its drive C\n"
@@ -95,11 +95,16 @@ std::string take_option(const std::string& word, Words& words, Options& options)
     return known->set(options, value) ? "" : name + " does not take the value '" + value + "'";
 }
 
-/// A command of the program's own.
-std::string take_command(const std::string& word, Options& options) {
-    if (word != "/icon" && word != "/uninstall") return "unknown command " + word;
-    if (!options.command_line.empty()) return word + " and " + options.command_line + " exclude each other";
-    options.command_line = word;
+/// A restriction file, or a word of the program's own command line. That is taken as a whole: but for its
+/// commands every text is an ordinary start.
+std::string take_word(const std::string& word, Options& options) {
+    if (word.starts_with('/') && word.find('/', 1) == std::string::npos) {
+        options.command_line += (options.command_line.empty() ? "" : " ") + word;
+    } else if (text::lower(word).ends_with(".brl")) {
+        options.restriction_file = word;
+    } else {
+        return "unknown command " + word;
+    }
     return "";
 }
 
@@ -114,7 +119,7 @@ std::variant<Options, std::string> parse_options(int argc, const char* const* ar
             return options;
         }
         const std::string wrong =
-            word.starts_with('-') ? take_option(word, words, options) : take_command(word, options);
+            word.starts_with('-') ? take_option(word, words, options) : take_word(word, options);
         if (!wrong.empty()) return wrong;
     }
     if (options.make_sample.empty() && !options.drives.contains('C'))

@@ -16,7 +16,8 @@ struct Options {
     int page = 1;                        ///< of the screenshot
     std::string user;                    ///< whose marks the screenshot shows; empty: those at the start
     std::string make_sample;             ///< folder to make a sample installation in; empty: none
-    std::string command_line;            ///< /icon, /uninstall or nothing
+    std::string restriction_file;        ///< shown once the main window is there; empty: none
+    std::string command_line;            ///< what the program is to see, as a whole: /icon, /uninstall
 };
 
 extern const char* const usage;

@@ -171,8 +171,6 @@ void FileWindow::accept() {
     }
     chosen_ = full_path(folder_, typed);
     if (open_folder(chosen_)) return name_->clear();
-    const bool has_extension = folder_name(chosen_).find('.') != std::string::npos;
-    if (action_ == FileDialog::Action::save && !has_extension) chosen_ += extension_of(pattern_);
     QDialog::accept();
 }
 
