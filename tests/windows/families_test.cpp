@@ -76,6 +76,9 @@ class WatchedProcesses : public machine::Processes {
 struct OnWindows : testing::Test {
     OnWindows() {
         make_anna("C:\\Profiles");
+        for (const char* key : {key::explorer, key::dont_load, dos_policies})
+            remove_key(Root::current_user, key);
+        (void)windows.machine().files.remove(windows.machine().system.windows_directory() + "\\control.ini");
         EXPECT_EQ(windows.machine().files.write("C:\\MSDOS.SYS", "[Options]\r\nBootMulti=1\r\n"),
                   machine::no_error);
         prepare_installation(windows.machine().registry);

@@ -143,7 +143,6 @@ Files::Measured WindowsFiles::open_binary(std::string_view path) {
     if (!place) return {place.error(), 0};
     const File writable(*place, GENERIC_READ | GENERIC_WRITE, sharing, OPEN_ALWAYS);
     if (writable.is_open()) return {no_error, writable.length()};
-    if (held_by_another(writable.windows_error())) return {permission_denied, 0};
     const File readable(*place, GENERIC_READ, sharing, OPEN_EXISTING);
     if (readable.is_open()) return {no_error, readable.length()};
     const bool missing = readable.error() == no_such_file;  // and could not be made

@@ -16,13 +16,6 @@ std::string as_windows_wants(const std::vector<Filter>& filters) {
     return out;
 }
 
-/// A name that is saved without an extension gets that of the chosen pattern.
-std::string with_extension(const std::string& path, const std::vector<Filter>& filters, DWORD chosen_from_1) {
-    const bool has_extension = path.find('.', path.find_last_of('\\') + 1) != std::string::npos;
-    if (has_extension || chosen_from_1 < 1 || chosen_from_1 > filters.size()) return path;
-    return path + extension_of(filters[chosen_from_1 - 1].pattern);
-}
-
 }  // namespace
 
 std::string ask_file(const FileDialog& dialog, HWND owner, Language language) {
@@ -45,7 +38,7 @@ std::string ask_file(const FileDialog& dialog, HWND owner, Language language) {
     wish.Flags = OFN_EXPLORER | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
     if (!(save ? GetSaveFileNameA(&wish) : GetOpenFileNameA(&wish))) return {};
     path.resize(path.find('\0'));
-    return save ? with_extension(path, filters, wish.nFilterIndex) : path;
+    return path;
 }
 
 }  // namespace toolkit::win32
