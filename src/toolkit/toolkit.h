@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/product.h"
 #include "base/runtime_error.h"
 #include "toolkit/controls.h"
 #include "toolkit/form.h"
@@ -40,7 +41,7 @@ struct FileDialog {
 /// What the form engine does. Implemented by each renderer and by the script that drives the tests.
 class Toolkit {
   public:
-    static constexpr const char* product_title = "Brightlock Suite";
+    static constexpr const char* product_title = product::title;
 
     virtual ~Toolkit() = default;
 

@@ -51,7 +51,7 @@ class Troubles {
   public:
     void note(const machine::ToolReport& report) {
         if (!report.succeeded || report.changes_lost)
-            last_ = text::from_utf8(report.detail).value_or("regg.exe");
+            last_ = text::from_utf8(report.detail).value_or(product::hive_tool_file);
     }
     std::string take() { return std::exchange(last_, ""); }
 

@@ -13,6 +13,7 @@
 #include "app/linux/host_text.h"
 #include "app/linux/options.h"
 #include "app/linux/strip.h"
+#include "base/product.h"
 #include "base/text.h"
 #include "machine/offline/offline_machine.h"
 #include "machine/offline/sample_installation.h"
@@ -164,7 +165,7 @@ void Session::note(const machine::ToolReport& report) {
     strip_.push_back(*line);
     screen_->set_strip(strip_);
     if (!report.changes_lost || ending_) return;
-    const std::string why = text::from_utf8(report.detail).value_or("regg.exe");
+    const std::string why = text::from_utf8(report.detail).value_or(product::hive_tool_file);
     screen_->message_box(
         {.text = pick(before_name, language) + report.name + pick(after_name, language) + why,
          .icon = toolkit::Icon::critical});
@@ -175,7 +176,7 @@ int Session::settle(toolkit::Ending ending) {
     ending_ = true;
     windows_->write_pending();
     windows_.reset();
-    const bool has_tool = access((executables_ + "/regg.exe").c_str(), X_OK) == 0;
+    const bool has_tool = access((executables_ + '/' + product::hive_tool_file).c_str(), X_OK) == 0;
     return ending == toolkit::Ending::done && !changes_lost_ && has_tool ? exit_done : exit_failed;
 }
 

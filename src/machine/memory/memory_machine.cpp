@@ -1,5 +1,6 @@
 #include "machine/memory/memory_machine.h"
 
+#include "base/product.h"
 #include "base/text.h"
 #include "machine/command_line.h"
 
@@ -47,7 +48,7 @@ uint32_t MemoryProcesses::exit_code(uint32_t id) {
 }
 
 uint32_t MemoryProcesses::run(const Running& process) {
-    const std::string tool = system_.program_folder + "\\regg.exe";
+    const std::string tool = system_.program_folder + '\\' + product::hive_tool_file;
     if (!text::equal_ignoring_case(process.program, tool)) return 0;
     return failing_tool != 0 ? failing_tool : run_hive_tool(split_arguments(process.arguments));
 }
@@ -74,8 +75,8 @@ MemoryMachine::MemoryMachine(const Version& version) : system(version) {
     registry.at(Root::current_user, "Software\\Microsoft\\Windows\\CurrentVersion");
     files.add_folder(system.system_folder);
     files.add_file(system.windows_folder + "\\explorer.exe", "MZ");
-    files.add_file(system.program_folder + "\\britlock.exe", "MZ");
-    files.add_file(system.program_folder + "\\regg.exe", "MZ");
+    files.add_file(system.program_folder + '\\' + product::program_file, "MZ");
+    files.add_file(system.program_folder + '\\' + product::hive_tool_file, "MZ");
     if (system.profiles_folder) files.add_folder(*system.profiles_folder);
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "base/product.h"
 #include "machine/machine.h"
 #include "machine/memory/journal.h"
 #include "machine/memory/memory_files.h"
@@ -39,7 +40,7 @@ struct MemorySystem : System {
     std::optional<std::vector<std::string>> groups;
     ClockTime clock{12, 34, 56};
     std::string long_time_text = "12:34:56";
-    std::string program_folder = "C:\\Program Files\\Brightlock Suite";
+    std::string program_folder = product::default_folder;
     std::string stem = "britlock";
     std::string arguments;
     std::vector<std::string> wallpapers;  ///< what set_wallpaper was asked for

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "base/product.h"
 #include "base/text.h"
 
 namespace machine {
@@ -59,7 +60,8 @@ void OfflineMachine::write_pending() {
         const auto record = mounts_.find(name);
         if (!record || record->sealed.empty()) continue;
         const auto tool = processes_.start(
-            '"' + system_.program_directory() + "\\regg.exe\" unload HKU\\" + name, WindowStyle::hidden);
+            '"' + system_.program_directory() + '\\' + product::hive_tool_file + "\" unload HKU\\" + name,
+            WindowStyle::hidden);
         while (tool.error == no_error && processes_.exit_code(tool.id) == still_active) {
         }
     }

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "base/product.h"
 #include "machine/machine.h"
 #include "machine/offline/installation.h"
 #include "machine/offline/offline_files.h"
@@ -16,10 +17,10 @@ namespace machine {
 struct OfflineOptions {
     std::map<char, std::string> drives;  ///< host folders by letter; C is the installation
     std::string executables;             ///< host folder of britlock and the hive tool
-    std::string program_directory = "C:\\Program Files\\Brightlock Suite";  ///< where they lie for Windows
-    std::string command_line;                                               ///< what the program is to see
-    std::string state_folder;                                               ///< empty: the usual one
-    OnToolReport on_report;  ///< told of every run of the hive tool
+    std::string program_directory = product::default_folder;  ///< where they lie for Windows
+    std::string command_line;                                 ///< what the program is to see
+    std::string state_folder;                                 ///< empty: the usual one
+    OnToolReport on_report;                                   ///< told of every run of the hive tool
 };
 
 /// A Windows installation in a folder of this Linux system.

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "base/product.h"
 #include "base/text.h"
 #include "machine/command_line.h"
 
@@ -57,7 +58,7 @@ Processes::Started OfflineProcesses::start(std::string_view command_line, Window
     const CommandLine parsed = parse_command_line(command_line);
     if (is_explorer(parsed.program, system_) && !parsed.rest.empty()) return open_folder_window(parsed.rest);
     const auto path = parse_path(parsed.program);
-    const auto tool = parse_path(system_.program_directory() + "\\regg.exe");
+    const auto tool = parse_path(system_.program_directory() + '\\' + product::hive_tool_file);
     if (!path || !tool || !(*path == *tool)) return {no_such_file, 0};
     const auto place = drives_.resolve(*path);
     if (!place || !place->exists) return {no_such_file, 0};
