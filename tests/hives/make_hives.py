@@ -270,6 +270,8 @@ def new_logs(n, ending=""):
             ("stale-new-log", {"LOG1": log_header(zero, 6, n - 1) + log_entry(zero, one, n - 1)}),
             ("spoiled-head-of-the-new-log", {"LOG1": spoiled(head, 508) + first}), ("empty-new-log", {"LOG1": head}),
             ("unknown-between-logs", {"LOG1": head, "LOG2": log_header(zero, 6, n + 1) + log_entry(zero, three, n + 1)}),
+            ("more-pages-than-there-are", {"LOG1": head + log_entry(zero, one, n, count=NIL)}),
+            ("pages-outside", {"LOG1": head + log_entry(zero, one, n, beyond=len(one))}),
             *(("spoiled-entry-%d" % at, {"LOG1": head + spoiled(first, at)}) for at in (8, 24, 32, 60, len(first) - 1))):
         dirty(case + ending, torn, logs)
 
