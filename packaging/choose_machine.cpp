@@ -27,7 +27,7 @@ QString program() { return QCoreApplication::applicationDirPath() + "/britlock";
 
 /// Made at the first use.
 QString sample_folder() {
-    const QString folder =
+    QString folder =
         QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/brightlock/sample-xp";
     if (!QFileInfo::exists(folder)) QProcess::execute(program(), {"--make-sample", folder});
     return folder;

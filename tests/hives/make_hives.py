@@ -11,8 +11,7 @@ unrecoverable/ unfinished writes that nothing completes
 import pathlib
 import sys
 
-from regf_writer import (BLOCK, NIL, Hive, base_block, dirty_pages, log_entry, log_header, old_log, set_checksum, u32,
-                         with_fields)
+from regf_writer import BLOCK, NIL, Hive, dirty_pages, log_entry, log_header, old_log, with_fields
 from xp_user import OWN, POLICIES, SECRET, SZ, every_type, noise, number, text, xp_user
 
 folder = pathlib.Path(sys.argv[1])
@@ -229,7 +228,10 @@ def old_logs():
     dirty("nothing-written", w.torn(1, lambda index: False, s1=n + 1, s2=n), {"LOG": log}, w, 1, n + 2)
     dirty("vista", torn, {"LOG1": old_log(old, w.states[2], n), "LOG2": old_log(old, new, n + 1), "LOG": b""}, w, 1, n + 2)
     dirty("remnants-after-the-log", torn, {"LOG": log + noise(1, 5000)[1]}, w, 1, n + 2)
+    for clustering in (2, 8):
+        dirty("clustering-%d" % clustering, torn, {"LOG": old_log(old, new, n, clustering=clustering)}, w, 1, n + 2)
     from_log = bytearray(with_fields(new, s1=n + 1, s2=n + 1))
+    dirty("garbage-for-a-head", b"\xee" * 500 + torn[500:], {"LOG": log}, w, 1, n + 1, from_log)
     dirty("old-log-broken-base-block", spoiled(torn, 24, 2), {"LOG": log}, w, 1, n + 1, from_log)
     no_bin_yet = w.torn(1, lambda index: index == 3, s1=n + 1, s2=n)
     dirty("old-log-broken-base-block-old-bin", spoiled(no_bin_yet, 24, 2), {"LOG": log}, w, 1, n + 1, from_log)
@@ -245,30 +247,36 @@ def old_logs():
         dirty(case, image, logs)
 
 
-def new_logs():
-    w = Writes(minor=5)
-    n = w.sequence
-    zero, one, two, three = w.states
+def new_logs(n, ending=""):
+    w = Writes(5, n)
+    zero, one, both, three = w.states
     head = log_header(zero, 6, n)
-    first, second = log_entry(zero, one, n), log_entry(one, two, n + 1)
-    later = log_header(zero, 6, n + 2) + log_entry(two, three, n + 2)
+    first, second = log_entry(zero, one, n), log_entry(one, both, n + 1)
+    later = log_header(zero, 6, n + 2) + log_entry(both, three, n + 2)
     torn = w.torn(0, s1=n + 1, s2=n)
 
     def expected(to, last):
         """The base block stays but for its size and its sequence numbers."""
         return with_fields(zero, s1=last + 1, s2=last + 1, bins=len(w.states[to]) - BLOCK)[:BLOCK] + w.states[to][BLOCK:]
-    dirty("two-entries", torn, {"LOG1": head + first + second, "LOG2": b""}, w, 2, None, expected(2, n + 1))
-    dirty("later-log-first", torn, {"LOG1": later, "LOG2": head + first + second}, w, 3, None, expected(3, n + 2))
-    dirty("remnant-entries", torn, {"LOG1": head + first + log_entry(zero, three, n - 3)}, w, 1, None, expected(1, n))
-    dirty("spoiled-second-entry", torn, {"LOG1": head + first + spoiled(second, 700)}, w, 1, None, expected(1, n))
-    dirty("gap-between-logs", torn, {"LOG1": head + first, "LOG2": later}, w, 1, None, expected(1, n))
-    dirty("new-log-broken-base-block", spoiled(torn, 24, 4), {"LOG1": head + first + second}, w, 2, None, expected(2, n + 1))
-    stale = log_header(zero, 6, n - 1) + log_entry(zero, one, n - 1)
-    for case, logs in (("stale-new-log", {"LOG1": stale}), ("spoiled-first-entry", {"LOG1": head + spoiled(first, 700)}),
-                       ("spoiled-head-of-the-entry", {"LOG1": head + spoiled(first, 8)}),
-                       ("spoiled-head-of-the-new-log", {"LOG1": spoiled(head, 508) + first}), ("empty-new-log", {"LOG1": head})):
-        dirty(case, torn, logs)
+    two = head + first + second
+    for case, image, logs, to in (
+            ("two-entries", torn, {"LOG1": two, "LOG2": b""}, 2), ("later-log-first", torn, {"LOG1": later, "LOG2": two}, 3),
+            ("remnant-entries", torn, {"LOG1": head + first + log_entry(zero, three, n - 3)}, 1),
+            ("spoiled-second-entry", torn, {"LOG1": head + first + spoiled(second, 700)}, 1),
+            ("gap-between-logs", torn, {"LOG1": head + first, "LOG2": later}, 1),
+            ("new-log-broken-base-block", spoiled(torn, 24, 4), {"LOG1": two}, 2)):
+        dirty(case + ending, image, logs, w, to, None, expected(to, n + to - 1))
+    for case, logs in (
+            ("stale-new-log", {"LOG1": log_header(zero, 6, n - 1) + log_entry(zero, one, n - 1)}),
+            ("spoiled-head-of-the-new-log", {"LOG1": spoiled(head, 508) + first}), ("empty-new-log", {"LOG1": head}),
+            ("unknown-between-logs", {"LOG1": head, "LOG2": log_header(zero, 6, n + 1) + log_entry(zero, three, n + 1)}),
+            ("more-pages-than-there-are", {"LOG1": head + log_entry(zero, one, n, count=NIL)}),
+            ("pages-outside", {"LOG1": head + log_entry(zero, one, n, beyond=len(one))}),
+            *(("spoiled-entry-%d" % at, {"LOG1": head + spoiled(first, at)}) for at in (8, 24, 32, 60, len(first) - 1))):
+        dirty(case + ending, torn, logs)
 
 
-for make in (versions, names, shapes, faults, old_logs, new_logs):
+for make in (versions, names, shapes, faults, old_logs):
     make()
+new_logs(7)
+new_logs(NIL, "-wrapping")

@@ -406,14 +406,19 @@ def marvin32(data):
     return high << 32 | low
 
 
-def log_entry(old, new, sequence, flags=0):
-    """From Windows 8.1 on: what one write changed, with two hashes."""
+def log_entry(old, new, sequence, count=None, beyond=0):
+    """From Windows 8.1 on: what one write changed, with two hashes. May lie of how many pages there are and where they belong."""
     bins = struct.unpack_from("<I", new, 40)[0]
     new = new[:BLOCK + bins]
     pages = dirty_pages(old, new, BLOCK)
-    body = b"".join(struct.pack("<II", at - BLOCK, BLOCK) for at in pages) + b"".join(
+    body = b"".join(struct.pack("<II", at - BLOCK + beyond, BLOCK) for at in pages) + b"".join(
         bytes(new[at:at + BLOCK]) for at in pages)
     size = round_up(40 + len(body), 512)
     body = body.ljust(size - 40, b"\0")
-    head = struct.pack("<4s5IQ", b"HvLE", size, flags, sequence, bins, len(pages), marvin32(body))
+    head = struct.pack("<4s5IQ", b"HvLE", size, 0, sequence & NIL, bins, count or len(pages), marvin32(body))
     return head + struct.pack("<Q", marvin32(head)) + body
+
+
+# Published figures of both hashes.
+assert marvin32(b"") == 0xB39EFCA403966E08 and marvin32(bytes(range(32))) == 0xC64FEEE425C2E24C
+assert name_hash("Software") == 0xE9FE1463 and name_hash("\u041f\u0440\u0438\u0432\u0435\u0442") == 0x81C3D610
