@@ -160,7 +160,7 @@ std::unique_ptr<Printer> PrinterChoice::open() {
     if (!names_) {
         PRINTDLGA usual{};
         usual.lStructSize = sizeof usual;
-        usual.Flags = PD_RETURNDEFAULT;
+        usual.Flags = PD_RETURNDEFAULT | PD_NOWARNING;
         if (!PrintDlgA(&usual)) throw RuntimeError(482);
         settings_ = usual.hDevMode;
         names_ = usual.hDevNames;
