@@ -35,8 +35,8 @@ QString sample_folder() {
 
 QString ask_folder() {
     QSettings remembered("brightlock", "choose-machine");
-    const QString folder = QFileDialog::getExistingDirectory(nullptr, said(question),
-                                                             remembered.value("folder", "/").toString());
+    QString folder = QFileDialog::getExistingDirectory(nullptr, said(question),
+                                                       remembered.value("folder", "/").toString());
     if (!folder.isEmpty()) remembered.setValue("folder", folder);
     return folder;
 }
