@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/text.h"
 #include "files/restriction_file.h"
 #include "program/random_marks.h"
 #include "program/world.h"
@@ -9,6 +10,7 @@ namespace britlock {
 namespace {
 
 using namespace machine;
+using namespace text::literals;
 using testing::HasSubstr;
 using testing::Not;
 using toolkit::Answer;
@@ -55,7 +57,7 @@ TEST_F(FileCommands, SaveAsksForANameOnceAndSaveAsAlways) {
     EXPECT_EQ(content("C:\\b.brl"), "old");
     EXPECT_EQ(window->last_file_name, "C:\\a.brl");
     EXPECT_EQ(w.screen.beeps, 1);
-    EXPECT_EQ(w.screen.boxes.back().text, "This file already exists.\nOverwrite existing file ?");
+    EXPECT_EQ(w.told(), "This file already exists.\nOverwrite existing file ?");
     EXPECT_EQ(w.screen.boxes.back().icon, toolkit::Icon::exclamation);
     w.screen.expect_box("Save settings...", Answer::yes);
     save_as("C:\\b.brl");
@@ -109,46 +111,39 @@ TEST_F(FileCommands, OpenShowsTheSetAndApplyWritesIt) {
     EXPECT_THAT(anna.dump(), HasSubstr("FixedLNKUrl = \"C:\\Icons\""));
 }
 
-TEST_F(FileCommands, WhatIsNoRestrictionFileChangesNothing) {
-    w.windows.files.add_file("C:\\other.brl", "\"brlck\"\r\n\"x\"\r\n");
-    w.click(window->c11);
-    const Marks before = Marks::of(*window);
-    w.screen.expect_box("Error...");
-    EXPECT_TRUE(open("C:\\other.brl"));
-    EXPECT_EQ(w.screen.boxes.back().text, "This is not a Brightlock Suite-File.");
-    EXPECT_TRUE(open(""));
-    EXPECT_EQ(Marks::of(*window).lines, before.lines);
-}
-
-TEST(FileCommandsThatFail, EndTheProgramWithTheMarksAsTheyWere) {
+TEST(FileCommandsThatFail, LeaveTheMarksAsTheyWere) {
     RestrictionSet set;
     set.boxes.set(12, 1);
     const std::string whole = brl_text(set);
     struct Case {
         const char* path;
         FileError fault;
-        std::string bytes;
+        std::optional<std::string> bytes;
+        const char* title;
         const char* text;
     };
     const Case cases[] = {
-        {"C:\\cut.brl", no_error, whole.substr(0, whole.size() / 2), "'62'"},
-        {"C:\\empty.brl", no_error, "", "'62'"},
-        {"C:\\missing.brl", no_such_file, "", "'53'"},
-        {"C:\\held.brl", permission_denied, whole, "'70'"},
-        {"Q:\\gone.brl", no_such_path, "", "'76'"},
+        {"C:\\other.brl", no_error, "\"brlck\"\r\n\"x\"\r\n", "Error...",
+         "This is not a Brightlock Suite-File."},
+        {"C:\\cut.brl", no_error, whole.substr(0, whole.size() / 2), "Brightlock Suite", "'62'"},
+        {"C:\\missing.brl", no_error, {}, "Brightlock Suite", "'53'"},
+        {"C:\\held.brl", permission_denied, whole, "Brightlock Suite", "'70'"},
+        {"Q:\\gone.brl", no_error, {}, "Brightlock Suite", "'76'"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.path);
         World w;
         MainForm& window = w.enter();
-        if (c.fault == no_error || c.fault == permission_denied) w.windows.files.add_file(c.path, c.bytes);
-        if (c.fault == permission_denied) w.windows.files.fail(c.path, c.fault);
+        if (c.bytes) w.windows.files.add_file(c.path, *c.bytes);
+        if (c.fault != no_error) w.windows.files.fail(c.path, c.fault);
         w.click(window.c11);
         const Marks before = Marks::of(window);
+        w.screen.expect_file("");
+        w.click(window.mm11);
         w.screen.expect_file(c.path);
-        w.screen.expect_box("Brightlock Suite");
-        EXPECT_FALSE(w.click(window.mm11));
-        EXPECT_THAT(w.screen.boxes.back().text, HasSubstr(c.text));
+        w.screen.expect_box(c.title);
+        EXPECT_EQ(w.click(window.mm11), c.text[0] != '\'') << "a run-time error ends the program";
+        EXPECT_THAT(w.told(), HasSubstr(c.text));
         EXPECT_EQ(Marks::of(window).lines, before.lines) << "no part of a set is shown";
     }
     for (const char* path : {"Q:\\x.brl", "C:\\nowhere\\x.brl", "C:\\WINDOWS"}) {
@@ -157,7 +152,7 @@ TEST(FileCommandsThatFail, EndTheProgramWithTheMarksAsTheyWere) {
         w.screen.expect_file(path);
         w.screen.expect_box("Brightlock Suite");
         EXPECT_FALSE(w.click(window.mm13)) << path;
-        EXPECT_THAT(w.screen.boxes.back().text, HasSubstr("Run-time error"));
+        EXPECT_THAT(w.told(), HasSubstr("Run-time error"));
     }
 }
 
@@ -169,15 +164,11 @@ TEST(FileCommandsInGerman, AskInGerman) {
     w.screen.expect_box("Fehler...");
     w.click(window.mm11);
     w.screen.expect_file("C:\\x.brl");
-    w.screen.expect_box("Einschr\xE4nkungen speichern", Answer::no);
+    w.screen.expect_box(U"Einschränkungen speichern"_ansi, Answer::no);
     w.click(window.mm12);
-    EXPECT_EQ(w.screen.file_dialogs[0].title,
-              "Datei \xF6"
-              "ffnen...");
-    EXPECT_EQ(w.screen.file_dialogs[1].title, "Einstellungen speichern...");
-    EXPECT_EQ(w.screen.boxes.back().text,
-              "Diese Datei ist bereits vorhanden. \nBestehende Datei \xFC"
-              "berschreiben ?");
+    EXPECT_EQ(w.screen.file_dialogs[0].title + w.screen.file_dialogs[1].title,
+              U"Datei öffnen...Einstellungen speichern..."_ansi);
+    EXPECT_EQ(w.told(), U"Diese Datei ist bereits vorhanden. \nBestehende Datei überschreiben ?"_ansi);
 }
 
 }  // namespace

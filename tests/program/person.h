@@ -75,6 +75,8 @@ struct Person {
         });
     }
     bool apply() { return click(window().cmd_set); }
+    /// The text of the last box.
+    const std::string& told() { return screen.boxes.back().text; }
 
     void turn_to(const toolkit::Control& control) {
         for (const toolkit::Control* c = &control; c; c = c->parent()) {
