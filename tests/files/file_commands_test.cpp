@@ -20,11 +20,6 @@ struct FileCommands : testing::Test {
     MemoryKey& anna = w.windows.add_profile("Anna");
     MainForm* window = &w.enter();
 
-    std::string content(const std::string& path) {
-        std::string bytes;
-        EXPECT_EQ(w.windows.files.read(path, bytes), no_error) << path;
-        return bytes;
-    }
     bool save_as(const std::string& path) {
         w.screen.expect_file(path);
         return w.click(window->mm13);
@@ -40,10 +35,10 @@ TEST_F(FileCommands, SaveAsksForANameOnceAndSaveAsAlways) {
     w.click(window->mm12);
     w.screen.expect_file("C:\\a.brl");
     w.click(window->mm12);
-    EXPECT_EQ(content("C:\\a.brl"), brl_text(window->marks()));
+    EXPECT_EQ(w.content("C:\\a.brl"), brl_text(window->marks()));
     w.click(window->c11);
     w.click(window->mm12);
-    EXPECT_EQ(content("C:\\a.brl"), brl_text(window->marks())) << "written over without a question";
+    EXPECT_EQ(w.content("C:\\a.brl"), brl_text(window->marks())) << "written over without a question";
     EXPECT_EQ(w.screen.beeps, 0);
     const toolkit::FileDialog& asked = w.screen.file_dialogs.back();
     EXPECT_EQ(asked.title, "Save Settings");
@@ -54,14 +49,14 @@ TEST_F(FileCommands, SaveAsksForANameOnceAndSaveAsAlways) {
     w.windows.files.add_file("C:\\b.brl", "old");
     w.screen.expect_box("Save settings...", Answer::no);
     save_as("C:\\b.brl");
-    EXPECT_EQ(content("C:\\b.brl"), "old");
+    EXPECT_EQ(w.content("C:\\b.brl"), "old");
     EXPECT_EQ(window->last_file_name, "C:\\a.brl");
     EXPECT_EQ(w.screen.beeps, 1);
     EXPECT_EQ(w.told(), "This file already exists.\nOverwrite existing file ?");
     EXPECT_EQ(w.screen.boxes.back().icon, toolkit::Icon::exclamation);
     w.screen.expect_box("Save settings...", Answer::yes);
     save_as("C:\\b.brl");
-    EXPECT_EQ(content("C:\\b.brl"), brl_text(window->marks()));
+    EXPECT_EQ(w.content("C:\\b.brl"), brl_text(window->marks()));
     w.windows.files.add_file("C:\\empty.brl", "");
     save_as("C:\\empty.brl");
     EXPECT_EQ(window->last_file_name, "C:\\empty.brl");

@@ -37,11 +37,6 @@ struct Restricted : World {
         if (nt()) choose("Anna");
         return window();
     }
-    std::string content(const std::string& file) {
-        std::string bytes;
-        EXPECT_EQ(windows.files.read(file, bytes), no_error);
-        return bytes;
-    }
 };
 
 const Version all_families[] = {versions::winnt, versions::win2k, versions::winxp,

@@ -18,37 +18,32 @@ static_assert(HKEY_LOCAL_MACHINE == machine::Root::local_machine);
 static_assert(HKEY_USERS == machine::Root::users);
 
 TEST(Numbers, OfATextItsFrontCountsAndHalfGoesToTheEvenNumber) {
-    struct Row {
-        const char* text;
-        int32_t number;
-    };
-    for (const Row& row : {Row{"", 0},
-                           Row{"Yes", 0},
-                           Row{"12ab", 12},
-                           Row{" 3\t5\n AG", 35},
-                           Row{"-7.", -7},
-                           Row{"+4", 4},
-                           Row{"0.5", 0},
-                           Row{"1.5", 2},
-                           Row{"2.5", 2},
-                           Row{"3.5", 4},
-                           Row{"-2.5", -2},
-                           Row{"3.7", 4},
-                           Row{"3,7", 3},
-                           Row{".", 0},
-                           Row{"1E5 GmbH", 100000},
-                           Row{"1d2", 100},
-                           Row{"2E", 2},
-                           Row{"2e-1", 0},
-                           Row{"&HFFFF", -1},
-                           Row{"&h10000", 65536},
-                           Row{"&O17", 15},
-                           Row{"&O8", 0},
-                           Row{"1e-999", 0},
-                           Row{"2147483647", 2147483647},
-                           Row{"-2147483648", INT32_MIN}}) {
-        EXPECT_EQ(to_long(leading_number(row.text)), row.number) << row.text;
-    }
+    const std::pair<const char*, int32_t> numbers[] = {{"", 0},
+                                                       {"Yes", 0},
+                                                       {"12ab", 12},
+                                                       {" 3\t5\n AG", 35},
+                                                       {"-7.", -7},
+                                                       {"+4", 4},
+                                                       {"0.5", 0},
+                                                       {"1.5", 2},
+                                                       {"2.5", 2},
+                                                       {"-2.5", -2},
+                                                       {"3.7", 4},
+                                                       {"3,7", 3},
+                                                       {".", 0},
+                                                       {"1E5 GmbH", 100000},
+                                                       {"1d2", 100},
+                                                       {"2E", 2},
+                                                       {"2e-1", 0},
+                                                       {"&HFFFF", -1},
+                                                       {"&h10000", 65536},
+                                                       {"&O17", 15},
+                                                       {"&O8", 0},
+                                                       {"1e-999", 0},
+                                                       {"2147483647", 2147483647},
+                                                       {"-2147483648", INT32_MIN}};
+    for (const auto& [text, number] : numbers)
+        EXPECT_EQ(to_long(leading_number(text)), number) << text;
     for (const char* large : {"2147483648", "-2147483649", "1E999", "&H100000000"})
         EXPECT_THROW(to_long(leading_number(large)), RuntimeError) << large;
     EXPECT_EQ(number_text(0) + number_text(12) + number_text(-3), " 0 12-3");

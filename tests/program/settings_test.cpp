@@ -39,25 +39,18 @@ TEST(SettingsPage, ToolsOfWindowsAreStartedOrMissed) {
 }
 
 TEST(SettingsPage, TheProfileFolderIsGuardedByTwoQuestions) {
-    struct Case {
-        const char* what;
-        Answer first, second;
-        const char* last_box;
-        bool stored;
-    };
-    for (const Case& c : {Case{"no, no", Answer::no, Answer::no, "Info", false},
-                          Case{"no, yes", Answer::no, Answer::yes, "Program terminated...", true},
-                          Case{"yes, no", Answer::yes, Answer::no, "Info", false},
-                          Case{"yes, yes", Answer::yes, Answer::yes, "Program terminated...", true}}) {
-        SCOPED_TRACE(c.what);
+    for (const auto& [first, second] : {std::pair{Answer::no, Answer::no},
+                                        {Answer::no, Answer::yes},
+                                        {Answer::yes, Answer::no},
+                                        {Answer::yes, Answer::yes}}) {
         World w;
         MainForm& window = w.enter();
         w.click(window.mm39);
         EXPECT_THAT(w.screen.boxes, SizeIs(0)) << "the page alone asks nothing";
-        w.screen.expect_box("Attention !!!!", c.first);
-        w.screen.expect_box("Sure ?", c.second);
-        w.screen.expect_box(c.last_box);
-        if (c.first == Answer::yes) {
+        w.screen.expect_box("Attention !!!!", first);
+        w.screen.expect_box("Sure ?", second);
+        w.screen.expect_box(second == Answer::yes ? "Program terminated..." : "Info");
+        if (first == Answer::yes) {
             w.screen.act([&] { window.t810.type("P:\\"); });
             EXPECT_THAT(w.screen.boxes, SizeIs(1)) << "a box is no loss of the focus";
             // Any way out of the field asks, a turn of the page among them.
@@ -67,19 +60,16 @@ TEST(SettingsPage, TheProfileFolderIsGuardedByTwoQuestions) {
         }
         EXPECT_TRUE(w.screen.ended);
         EXPECT_THAT(w.screen.boxes[1].text,
-                    HasSubstr(c.first == Answer::yes ? "Use directory P:\\for user profiles ?"
-                                                     : "Documents and Settings\\for user profiles ?"));
+                    HasSubstr(first == Answer::yes ? "Use directory P:\\for user profiles ?"
+                                                   : "Documents and Settings\\for user profiles ?"));
         EXPECT_EQ(w.screen.boxes[0].default_answer, Answer::no);
-        EXPECT_EQ(stored_path(w).find("ProfileMainPath") != std::string::npos, c.stored);
+        EXPECT_EQ(stored_path(w).find("ProfileMainPath") != std::string::npos, second == Answer::yes);
     }
-}
-
-TEST(SettingsPage, TheProfileFolderIsClosedOnWindows9X) {
-    World w(versions::win98);
-    MainForm& window = w.enter();
-    w.click(window.mm39);
-    w.screen.act([&] { window.t810.click(); });
-    EXPECT_THAT(w.screen.boxes, SizeIs(0));
+    World old(versions::win98);
+    MainForm& window = old.enter();
+    old.click(window.mm39);
+    old.screen.act([&] { window.t810.click(); });
+    EXPECT_THAT(old.screen.boxes, SizeIs(0)) << "on Windows 9X the field is closed";
 }
 
 TEST(HelpMenu, SpeaksBothLanguages) {
@@ -88,12 +78,10 @@ TEST(HelpMenu, SpeaksBothLanguages) {
         MainForm& window = w.enter();
         w.screen.expect_box("Brightlock Suite");
         w.click(window.mm54);
-        EXPECT_EQ(w.screen.boxes.back().text,
-                  "Brightlock Suite\nbritlock\n\nVersion: 1.0.0\nWinVersion: Win2K");
+        EXPECT_EQ(w.told(), "Brightlock Suite\nbritlock\n\nVersion: 1.0.0\nWinVersion: Win2K");
         w.screen.expect_box(language == german ? U"Über..."_ansi : "About...");
         w.click(window.mm57);
-        EXPECT_THAT(w.screen.boxes.back().text,
-                    HasSubstr("\n\nRelease: 1.0.0\n\nDedicated to all schools and parents."));
+        EXPECT_THAT(w.told(), HasSubstr("\n\nRelease: 1.0.0\n\nDedicated to all schools and parents."));
         w.click(window.mm53);
         EXPECT_EQ(w.windows.processes.addresses.back(), "http://" + window.StatusBar.panel_text(1));
         w.click(window.mm51);  // no viewer: not a word

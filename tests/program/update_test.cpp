@@ -35,11 +35,6 @@ struct OnlineUpdate : testing::Test {
         w.windows.internet.pages[installer_page] = file;
         press(form->cmd1);
     }
-    std::string written() {
-        std::string bytes;
-        EXPECT_EQ(w.windows.files.read(installer, bytes), no_error);
-        return bytes;
-    }
     std::string enabled() {
         std::string names;
         for (auto* button : {&form->cmd1, &form->cmd2, &form->cmd3, &form->cmd_abbruch})
@@ -52,7 +47,7 @@ TEST_F(OnlineUpdate, TellsEveryDifferenceAsANewerVersion) {
     EXPECT_EQ(enabled(), "cmd1 cmd3 cmd_abbruch ");
     w.screen.expect_box("Brightlock Suite");
     press(form->cmd1);
-    EXPECT_EQ(w.screen.boxes.back().text, "ERROR: Unable to connect to the remote host");
+    EXPECT_EQ(w.told(), "ERROR: Unable to connect to the remote host");
     EXPECT_EQ(form->lbl4.text(), "1.0.0\r\n??? <check>");
 
     offer("1.0.0", "");
@@ -83,7 +78,7 @@ TEST_F(OnlineUpdate, FetchesTheInstallerStartsItAndEnds) {
     EXPECT_EQ(seen[4], "0 KB downgeloaded... Bitte warten...");
     EXPECT_EQ(seen[7], "1 KB downgeloaded... Bitte warten...");
     EXPECT_EQ(form->lbl7.text(), "1450 Byts wurden Downgeloadet     -  Fertig!");
-    EXPECT_EQ(written(), file + std::string(1550, 'o')) << "a longer one keeps its tail";
+    EXPECT_EQ(w.content(installer), file + std::string(1550, 'o')) << "a longer one keeps its tail";
     EXPECT_EQ(w.windows.processes.started.back().command_line, '"' + std::string(installer) + '"');
     EXPECT_THAT(w.windows.internet.requests, ElementsAre(version_page, installer_page));
     EXPECT_EQ(w.windows.internet.open_bodies(), 0u);
@@ -92,11 +87,11 @@ TEST_F(OnlineUpdate, FetchesTheInstallerStartsItAndEnds) {
 TEST_F(OnlineUpdate, ACancelStopsThisDownloadOrTheNextOne) {
     offer("2.0.0", std::string(1000, 'n'));
     w.screen.meanwhile = [&] {
-        if (written().size() == 400) form->cmd_abbruch.click();
+        if (w.content(installer).size() == 400) form->cmd_abbruch.click();
     };
     w.screen.expect_box("Cancel !");
     EXPECT_TRUE(press(form->cmd2));
-    EXPECT_EQ(written().size(), 600u) << "one chunk more, then the flag is looked at";
+    EXPECT_EQ(w.content(installer).size(), 600u) << "one chunk more, then the flag is looked at";
     EXPECT_EQ(form->lbl6.text() + form->lbl7.text(), "");
     EXPECT_EQ(enabled(), "cmd1 cmd2 cmd3 cmd_abbruch ");
     EXPECT_EQ(w.windows.internet.open_bodies(), 0u);
@@ -106,9 +101,9 @@ TEST_F(OnlineUpdate, ACancelStopsThisDownloadOrTheNextOne) {
     press(form->cmd_abbruch);
     w.screen.expect_box("Cancel !");
     EXPECT_TRUE(press(form->cmd2));
-    EXPECT_EQ(written().size(), 200u);
+    EXPECT_EQ(w.content(installer).size(), 200u);
     EXPECT_FALSE(press(form->cmd2)) << "the flag is gone";
-    EXPECT_EQ(written().size(), 1000u);
+    EXPECT_EQ(w.content(installer).size(), 1000u);
 }
 
 TEST_F(OnlineUpdate, ALostConnectionIsToldAndEndsTheFile) {
@@ -116,7 +111,7 @@ TEST_F(OnlineUpdate, ALostConnectionIsToldAndEndsTheFile) {
     w.windows.internet.lost_after = 600;
     w.screen.expect_box("Brightlock Suite");
     EXPECT_FALSE(press(form->cmd2));
-    EXPECT_EQ(w.screen.boxes.back().text, "Error 12030");
+    EXPECT_EQ(w.told(), "Error 12030");
     EXPECT_EQ(w.screen.boxes.back().icon, toolkit::Icon::none);
     EXPECT_EQ(form->lbl7.text(), "600 Byts wurden Downgeloadet     -  Fertig!");
 }
@@ -138,7 +133,7 @@ TEST_F(OnlineUpdate, ClosingTheWindowCancelsTheDownload) {
     w.screen.while_box = [&](const toolkit::Box&) { w.screen.meanwhile = nullptr; };
     EXPECT_TRUE(w.screen.act([&] { form->cmd2.click(); }));
     EXPECT_EQ(w.program->loaded<Update>(), nullptr);
-    EXPECT_EQ(written().size(), 400u);
+    EXPECT_EQ(w.content(installer).size(), 400u);
 }
 
 TEST(OnlineUpdateInGerman, AsksTheGermanHost) {

@@ -24,13 +24,23 @@ struct World : Person {
         return Person::start(windows.machine());
     }
 
+    void have_password() {
+        windows.registry.at(HKEY_LOCAL_MACHINE, product::key)
+            .set("UserPW", encode_password("secret", password_key));
+    }
+
     /// Starts it with a password that is set, and passes the prompt.
     MainForm& enter() {
-        const std::string password = encode_password("secret", password_key);
-        windows.registry.at(HKEY_LOCAL_MACHINE, product::key).set("UserPW", password);
+        have_password();
         start();
         give_password("secret");
         return window();
+    }
+
+    std::string content(const std::string& path) {
+        std::string bytes;
+        EXPECT_EQ(windows.files.read(path, bytes), machine::no_error) << path;
+        return bytes;
     }
 
     machine::MemoryMachine windows;
