@@ -10,9 +10,6 @@ using namespace text::literals;
 
 /// What every renderer promises, on a form with every kind of control.
 class Promise : public testing::Test {
-  public:
-    static inline std::unique_ptr<Person> person;
-
   protected:
     /// A small form of its own stays on show, or the end of a test's form would be that of the process.
     struct Anchor : Form {
@@ -51,6 +48,7 @@ class Promise : public testing::Test {
         log();
     }
 
+    Person* const person = the_person.get();
     Toolkit& screen = person->screen();
     std::unique_ptr<Gallery> gallery;
 };
@@ -353,7 +351,7 @@ TEST_F(Promise, RunTimeErrorIsToldAndFailsTheProcess) {
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
-    Promise::person = make_person(argc, argv);
+    the_person = make_person(argc, argv);
     const int result = RUN_ALL_TESTS();
     std::fflush(stdout);
     std::_Exit(result);  // the window that stays on show has no end of its own
