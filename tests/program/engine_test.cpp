@@ -187,22 +187,22 @@ TEST(Engine, EachFamilyStoresAppletsAndCommandLineInItsOwnForm) {
 }
 
 TEST(Engine, OnlyTheNumberOneTicks) {
-    const std::pair<RawValue, bool> values[] = {{dword_value(1), true},
-                                                {dword_value(2), false},
-                                                {text_value("1"), false},
-                                                {{reg_sz, "1"}, false},
-                                                {{reg_dword, std::string("\1\0\0", 3)}, false},
-                                                {{3, std::string("\1\0\0\0", 4)}, false}};
-    for (const auto& [value, ticked] : values) {
-        SCOPED_TRACE(testing::PrintToString(value.data));
-        Restricted w;
-        w.user()[key::explorer].set("NoClose", value).set("RestrictRun", value);
-        w.user()[key::hide].set("D", value);
-        MainForm& window = w.reread();
-        EXPECT_EQ(window.c11.ticked(), ticked);
-        EXPECT_EQ(window.drive_boxes[3].ticked(), ticked);
-        EXPECT_EQ(window.c41.ticked(), ticked);
-    }
+    Restricted w;
+    w.user()[key::explorer]
+        .set("NoClose", 1)
+        .set("NoLogOff", 2)
+        .set("NoRun", "1")
+        .set("NoFind", RawValue{reg_sz, "1"})
+        .set("NoHelp", RawValue{reg_dword, std::string("\1\0\0", 3)})
+        .set("NoRecentDocsMenu", RawValue{3, std::string("\1\0\0\0", 4)})
+        .set("RestrictRun", 1);
+    w.user()[key::hide].set("C", 2).set("D", 1);
+    MainForm& window = w.reread();
+    for (auto* box : {&window.c11, &window.c41, &window.drive_boxes[3]})
+        EXPECT_TRUE(box->ticked()) << box->name();
+    for (auto* box :
+         {&window.c12, &window.c13, &window.c14, &window.c15, &window.c17, &window.drive_boxes[2]})
+        EXPECT_FALSE(box->ticked()) << box->name();
 }
 
 TEST(Engine, ReadingShowsTheOddities) {
@@ -283,13 +283,6 @@ TEST(Engine, RegistrationTextsBecomeNumbersInTheUsersOwnBranch) {
               " : RegisteredOrganization = dword 35\n : RegisteredOwner = dword 0\n");
     EXPECT_EQ(w.under(product::key), " : PWHide = dword 1\n");
     EXPECT_THAT(registration.dump(), HasSubstr("\"3 5 AG\"")) << "the machine's data are not touched";
-
-    w.screen.act([&] { w.window().t81.set_text("5000000000 AG"); });
-    w.click(w.window().c90);
-    w.screen.expect_box("Brightlock Suite");
-    EXPECT_FALSE(w.apply()) << "a number beyond 32 bits";
-    EXPECT_THAT(w.told(), HasSubstr("Run-time error '6'"));
-    EXPECT_EQ(w.under(key::sound), " : Beep = dword 0\n") << "the steps after it did not come";
 }
 
 TEST(Engine, OnlyTheFirstWriteIsLookedAt) {
@@ -316,13 +309,12 @@ TEST(Engine, TheStartShowsTheRunningAccountByEmptyPaths) {
     own[key::desktop].set("Wallpaper", "C:\\own.bmp");
     w.windows.files.add_file("C:\\own.bmp", "no picture");  // passed over without a word
     MainForm& window = w.enter();
-    const std::pair<toolkit::CheckBox&, bool> boxes[] = {
-        {window.c11, true},  {window.c15, false},  // not read at the start
-        {window.c110, true},  // spelt differently there, which the registry does not mind
-        {window.c13, false},  // the paths are empty, so only the root counts
-        {window.c29, true},  {window.c26, false}, {window.c25, false}, {window.drive_boxes[2], true}};
-    for (const auto& [box, ticked] : boxes)
-        EXPECT_EQ(box.ticked(), ticked) << box.name();
+    for (auto* box : {&window.c11, &window.c110, &window.c29, &window.drive_boxes[2]})
+        EXPECT_TRUE(box->ticked()) << box->name();  // NoChangeStartMenu is spelt differently there
+    EXPECT_FALSE(window.c15.ticked()) << "not read at the start";
+    EXPECT_FALSE(window.c13.ticked()) << "the paths are empty, so only the root counts";
+    EXPECT_FALSE(window.c26.ticked());
+    EXPECT_FALSE(window.c25.ticked());
     EXPECT_EQ(window.t31.text() + window.pic31.bytes(), "C:\\own.bmp");
 
     // The reader that writes: it has made its keys, and where that works under HKEY_USERS, missing values

@@ -53,33 +53,21 @@ Gallery::Gallery(Toolkit& toolkit, FolderSource& source)
 }
 
 void Gallery::fill() {
-    for (const auto& [item, caption] : {std::pair{&m_file, "&File"},
-                                        {&m_open, "&Open"},
-                                        {&m_line, "-"},
-                                        {&m_more, "&More"},
-                                        {&m_deep, "&Deep"},
-                                        {&m_help, "&Help"},
-                                        {&m_unbuilt, "Not &built yet"}}) {
-        item->set_caption(caption);
-    }
-    for (const auto& [control, text] : std::initializer_list<std::pair<Control*, const char*>>{
-             {&page1, "Disable some entries in your Startmenu..."},
-             {&page2, "Mark some lines..."},
-             {&page3, "Choose a folder..."},
-             {&tick, "&Tick this entry of the menu"},
-             {&second, "No change of the taskbar && the menu"},
-             {&grey, "Neither this nor that"},
-             {&name_label, "Registered &Name:"},
-             {&secret, "hidden"},
-             {&heading, "Start"},
-             {&hint, "Restrict your Startmenu and hide some entries you not want to entered by your users."},
-             {&combo, "somebody else"},
-             {&apply, "&Apply"},
-             {&cancel, "&Cancel"},
-             {&unbuilt, "Later"},
-             {&ok, "&OK"}}) {
-        control->set_text(text);
-    }
+    // clang-format off
+    const std::pair<MenuItem&, const char*> menus[] = {
+        {m_file, "&File"}, {m_open, "&Open"}, {m_line, "-"}, {m_more, "&More"}, {m_deep, "&Deep"}, {m_help, "&Help"},
+        {m_unbuilt, "Not &built yet"}};
+    const std::pair<Control&, const char*> texts[] = {
+        {page1, "Disable some entries in your Startmenu..."}, {page2, "Mark some lines..."}, {page3, "Choose a folder..."},
+        {tick, "&Tick this entry of the menu"}, {second, "No change of the taskbar && the menu"},
+        {grey, "Neither this nor that"}, {name_label, "Registered &Name:"}, {secret, "hidden"}, {heading, "Start"},
+        {hint, "Restrict your Startmenu and hide some entries you not want to entered by your users."},
+        {combo, "somebody else"}, {apply, "&Apply"}, {cancel, "&Cancel"}, {unbuilt, "Later"}, {ok, "&OK"}};
+    // clang-format on
+    for (const auto& [item, caption] : menus)
+        item.set_caption(caption);
+    for (const auto& [control, text] : texts)
+        control.set_text(text);
     bar.set_group("group", "Restrictions");
     for (const char* text : {"Start", "Control Panel", "Desktop", "Restrict EXEs", "Hide Drives",
                              "Net/Printer", "IE Explorer", "Misc.", "Settings", "Help"}) {
