@@ -21,12 +21,11 @@ struct School {
     std::map<std::string, MemoryKey*> users;
 
     School() {
-        for (const char* name : {"Anna", "Ben", "Carla"})
-            users[name] = &w.windows.add_profile(name);
-        for (const auto& [name, hive] : users) {
-            (*hive)[key::desktop].set("Wallpaper", "C:\\" + name + ".bmp");
-            (*hive)[key::explorer].set("FixedLNK", 1).set("FixedLNKUrl", "C:\\Icons of " + name);
-            (*hive)[key::restrict_run].set("Gesamt", 1).set(" 0", name + ".EXE");
+        for (const std::string name : {"Anna", "Ben", "Carla"}) {
+            MemoryKey& hive = *(users[name] = &w.windows.add_profile(name));
+            hive[key::desktop].set("Wallpaper", "C:\\" + name + ".bmp");
+            hive[key::explorer].set("FixedLNK", 1).set("FixedLNKUrl", "C:\\Icons of " + name);
+            hive[key::restrict_run].set("Gesamt", 1).set(" 0", name + ".EXE");
         }
         w.windows.registry.at(HKEY_LOCAL_MACHINE, "Software\\Microsoft\\Windows NT\\CurrentVersion")
             .set("RegisteredOrganization", "12 Schools");

@@ -153,22 +153,6 @@ TEST(RealHives, OnlyAFileThatSomebodyHoldsIsInUse) {
     waitpid(process, nullptr, 0);
 }
 
-TEST(RealHives, AScanOfALargeTreeEnds) {
-    Installed w;
-    w.enter();
-    const fs::path tree = w.windows.disk() / "Tree";
-    for (int number = 0; number < 10000; ++number) {
-        const fs::path folder = tree / std::to_string(number / 200) / std::to_string(number / 4 % 50);
-        fs::create_directories(folder);
-        write_bytes(folder / ("f" + std::to_string(number % 5000) + ".ExE"), "");
-        write_bytes(folder / (std::to_string(number) + ".txt"), "");
-    }
-    fs::create_directory_symlink(tree, tree / "0" / "loop");
-    w.person.screen.expect_input("C:\\Tree");
-    w.person.click(w.person.window().cm45);
-    EXPECT_EQ(w.person.window().gesamtfiles.text(), "Total: 5000");
-}
-
 TEST(RealHives, TheRunAtLogonActsInsideTheDrivesOnly) {
     Installed w;
     const fs::path disk = w.windows.disk(), outside = w.windows.scratch() / "outside";

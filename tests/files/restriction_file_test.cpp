@@ -98,7 +98,6 @@ TEST(RestrictionFile, TakesNumbersAsTheyCome) {
     // One row of ten boxes: what counts as the number 1.
     const std::string row = "1,2,-1,yes,, 1,1.0,\"1\",&H1,1E0\r\n";
     const auto read = read_brl(file_with("0\r\n", "0" + repeated(",0", 25) + "\r\n", row), {});
-    ASSERT_TRUE(read);
     std::vector<int> boxes;
     for (const int box : boxes_of_page(1))
         boxes.push_back(read->boxes[box]);
