@@ -334,8 +334,6 @@ TEST_F(Promise, WindowClosedByItsFrameStaysUntilUnloaded) {
     EXPECT_TRUE(person->sees_window(*gallery));
     by_program([this] { screen.hide(*gallery); });
     EXPECT_FALSE(person->sees_window(*gallery));
-    by_program([this] { screen.show(*gallery); });
-    EXPECT_TRUE(person->sees_window(*gallery));
 }
 
 TEST_F(Promise, RunTimeErrorIsToldAndFailsTheProcess) {
