@@ -52,8 +52,7 @@ TEST(Batch, DoesWhatAPersonDoesInTheWindow) {
         for (const char* name : {"Ben", "Anna"}) {
             MainForm& window = by_hand.w.enter();
             by_hand.w.choose(name);
-            by_hand.w.screen.expect_file("C:\\set.brl");
-            by_hand.w.click(window.mm11);
+            by_hand.w.choosing_file("C:\\set.brl").click(window.mm11);
             by_hand.w.screen.act([&] { window.t810.set_text(by_hand.w.program->users.profile_base_path); });
             by_hand.w.apply();
         }

@@ -77,10 +77,8 @@ TEST(RealHives, EveryFaultHasItsBoxAndLeavesTheFileWhole) {
         fault.cause(w);
         const bool readable = fs::is_regular_file(fs::symlink_status(w.hive()));
         const regf::Bytes before = readable ? regf::read_file(w.hive()) : regf::Bytes{};
-        w.person.screen.expect_box(fault.box);
-        w.person.choose("Anna");
-        w.person.screen.expect_box(fault.box);
-        w.person.apply();
+        w.person.expecting(fault.box).choose("Anna");
+        w.person.expecting(fault.box).apply();
         EXPECT_TRUE(w.person.window().c12.ticked()) << "the marks stay";
         other.reset();
         EXPECT_TRUE(!readable || before.empty() || regf::read_file(w.hive()) == before);
@@ -96,8 +94,7 @@ TEST(RealHives, ARunTimeErrorAmidTheWritesLeavesThoseBeforeItOnTheDisk) {
     w.person.choose("Anna");
     w.person.click(w.person.window().c11);
     w.person.screen.act([&] { w.person.window().t81.set_text("5000000000 AG"); });
-    w.person.screen.expect_box("Brightlock Suite");
-    EXPECT_FALSE(w.person.apply()) << "the process has ended";
+    EXPECT_FALSE(w.person.expecting("Brightlock Suite").apply()) << "the process has ended";
     w.windows.offline().write_pending();
     EXPECT_TRUE(regf::validate(regf::read_file(w.hive())).empty());
     EXPECT_THAT(w.dump(), HasSubstr("NoClose 4 01000000"));

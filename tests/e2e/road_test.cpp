@@ -180,8 +180,7 @@ TEST_F(RoadOfTheSample, ASecondInstanceFindsTheHiveInUse) {
     const std::string before = bytes_of(hive());
     ASSERT_EQ(windows.load("Anna"), 0u);
     EXPECT_NE(REGISTRY_MOD(windows.machine(), english).reg_create_key(HKEY_USERS, "Anna\\Software"), 0);
-    other.screen.expect_box("File in use...");
-    other.choose("Anna");
+    other.expecting("File in use...").choose("Anna");
     EXPECT_EQ(windows.unload("Anna"), 0u);
     other.choose("Anna");
     EXPECT_EQ(bytes_of(hive()), before);
@@ -195,9 +194,10 @@ TEST_F(RoadOfTheSample, TheUninstallLeavesHivesMountedAndNothingLost) {
     person.apply();
     const std::string restricted = bytes_of(hive());
 
-    person.screen.expect_box("Uninstall ?", toolkit::Answer::yes);
-    person.screen.expect_box("Uninstall not found");
-    EXPECT_FALSE(person.click(person.window().mm132)) << "the process ends";
+    EXPECT_FALSE(person.expecting("Uninstall ?", toolkit::Answer::yes)
+                     .expecting("Uninstall not found")
+                     .click(person.window().mm132))
+        << "the process ends";
     EXPECT_EQ(bytes_of(hive()), restricted);
     EXPECT_TRUE(windows.offline().mounts().find("Anna"));
     windows.offline().write_pending();

@@ -32,10 +32,8 @@ TEST_F(FileCommands, SaveAsksForANameOnceAndSaveAsAlways) {
     const auto saved_to = [&](const std::string& path) {
         return w.content(path) == brl_text(window->marks());
     };
-    w.screen.expect_file("");
-    w.click(window->mm12);
-    w.screen.expect_file("C:\\a.brl");
-    w.click(window->mm12);
+    w.choosing_file("").click(window->mm12);
+    w.choosing_file("C:\\a.brl").click(window->mm12);
     EXPECT_TRUE(saved_to("C:\\a.brl"));
     w.click(window->c11);
     w.click(window->mm12);
@@ -87,8 +85,7 @@ TEST_F(FileCommands, OpenShowsTheSetAndApplyWritesIt) {
     EXPECT_THAT(anna.dump(), Not(HasSubstr("NoClose"))) << "an opened file writes nothing";
 
     // The last text is not the folder of the profiles: the hive is not found until the person mends it.
-    w.screen.expect_box("Path not found...");
-    w.apply();
+    w.expecting("Path not found...").apply();
     w.screen.act([&] { window->t810.set_text(w.program->users.profile_base_path); });
     w.apply();
     EXPECT_THAT(anna.dump(), HasSubstr("RestrictRun :  0 = \"CALC.EXE\""));
@@ -122,20 +119,16 @@ TEST(FileCommandsThatFail, LeaveTheMarksAsTheyWere) {
         if (c.fault != no_error) w.windows.files.fail(c.path, c.fault);
         w.click(window.c11);
         const Marks before = Marks::of(window);
-        w.screen.expect_file("");
-        w.click(window.mm11);
-        w.screen.expect_file(c.path);
-        w.screen.expect_box(c.title);
-        EXPECT_EQ(w.click(window.mm11), c.text[0] != '\'') << "a run-time error ends the program";
+        w.choosing_file("").click(window.mm11);
+        EXPECT_EQ(w.choosing_file(c.path).expecting(c.title).click(window.mm11), c.text[0] != '\'')
+            << "a run-time error ends the program";
         EXPECT_THAT(w.told(), HasSubstr(c.text));
         EXPECT_EQ(Marks::of(window).lines, before.lines) << "no part of a set is shown";
     }
     for (const char* path : {"Q:\\x.brl", "C:\\nowhere\\x.brl", "C:\\WINDOWS"}) {
         World w(versions::winxp, german);
         w.enter();
-        w.screen.expect_file(path);
-        w.screen.expect_box("Brightlock Suite");
-        EXPECT_FALSE(w.click(w.window().mm13)) << path;
+        EXPECT_FALSE(w.choosing_file(path).expecting("Brightlock Suite").click(w.window().mm13)) << path;
         EXPECT_EQ(w.screen.file_dialogs[0].title, "Einstellungen speichern...");
     }
 }

@@ -68,8 +68,7 @@ TEST(Engine, EveryWriteComesInItsPlace) {
     MainForm& window = w.window();
     w.user()[key::desktop];
     w.user()[key::run];
-    w.screen.expect_box("Brightlock Suite");
-    w.click(window.mm21);
+    w.expecting("Brightlock Suite").click(window.mm21);
     w.screen.act([&] {
         window.tab.click_tab(1);
         window.cmd22.click();
@@ -265,8 +264,7 @@ TEST(Engine, BootOptionsLieInTheFileOfTheMachine) {
     Restricted w;
     (void)w.windows.files.remove(boot_file);
     w.enter();  // neither an error nor an endless loop
-    w.screen.expect_box("Brightlock Suite");
-    EXPECT_FALSE(w.screen.act([&] { w.window().Combo_user.choose(0); }));
+    EXPECT_FALSE(w.expecting("Brightlock Suite").choose("Anna"));
     EXPECT_THAT(w.told(), HasSubstr("Run-time error '53'"));
 }
 
@@ -289,8 +287,7 @@ TEST(Engine, OnlyTheFirstWriteIsLookedAt) {
     Restricted w;
     w.click(w.window().c12);
     w.user()[key::explorer].access = Access::none;
-    w.screen.expect_box("Could not save settings...");
-    w.apply();
+    w.expecting("Could not save settings...").apply();
     EXPECT_THAT(w.under(key::system), Not(HasSubstr("NoDispCpl"))) << "nothing further is written";
     EXPECT_TRUE(w.window().c12.ticked());
     w.user()[key::explorer].access = Access::full;

@@ -83,8 +83,7 @@ TEST_F(Pages, DrivesThatAreThereCanBeMarked) {
 
 TEST_F(Pages, ProgramsAreAddedByTheFileDialogWithoutAPathInCapitals) {
     for (const char* file : {"C:\\Programme\\Word\\Winw\xF6rd.exe", "D:\\WINW\xD6RD.EXE", ""}) {
-        w.screen.expect_file(file);
-        w.click(window->cm41);
+        w.choosing_file(file).click(window->cm41);
     }
     EXPECT_THAT(list(), ElementsAre("WINW\xD6RD.EXE"));
     EXPECT_EQ(window->gesamtfiles.text(), "Total: 1");
@@ -120,8 +119,7 @@ TEST_F(Pages, ProtectedProgramsCannotBeRemoved) {
 
 TEST_F(Pages, SuggestionsAndTheMasterSwitchAddWhatIsMissing) {
     w.screen.act([&] { window->List1.add("CALC.EXE"); });
-    box("Some suggestions...");
-    w.click(window->cm43);
+    w.expecting("Some suggestions...").click(window->cm43);
     EXPECT_EQ(list().size(), 9u);
     EXPECT_FALSE(window->c41.ticked());
     EXPECT_EQ(window->gesamtfiles.text(), "gesfiles") << "the count is out of date";
@@ -147,8 +145,7 @@ TEST_F(Pages, TheListKeepsItsPlacesAndGaps) {
     EXPECT_THAT(list(), ElementsAre("BRITLOCK.EXE"));
     anna[key::restrict_run].set("Gesamt", "32768");
     window = &w.enter();
-    box("Brightlock Suite");
-    EXPECT_FALSE(w.screen.act([&] { window->Combo_user.choose(0); }));
+    EXPECT_FALSE(w.expecting("Brightlock Suite").choose("Anna"));
     EXPECT_EQ(window->List1.count(), 0) << "a set that was read in part is not shown";
 }
 
@@ -189,16 +186,14 @@ TEST_F(Pages, ThePictureIsShownAtOnceAndStoredAtTheNextApply) {
     w.windows.files.add_file("C:\\WINDOWS\\bad.bmp", "not a picture");
     anna[key::desktop];  // made by nobody here
     w.choose("Anna");
-    w.screen.expect_file("C:\\WINDOWS\\wave.bmp");
-    w.click(window->cm31);
+    w.choosing_file("C:\\WINDOWS\\wave.bmp").click(window->cm31);
     EXPECT_EQ(window->t31.text(), "C:\\WINDOWS\\wave.bmp");
     EXPECT_TRUE(window->c37.ticked());
     EXPECT_THAT(w.windows.system.wallpapers, ElementsAre("C:\\WINDOWS\\wave.bmp"));
     w.apply();
     EXPECT_THAT(anna.dump(), HasSubstr("Control Panel\\Desktop : Wallpaper = \"C:\\WINDOWS\\wave.bmp\""));
 
-    w.screen.expect_file("C:\\WINDOWS\\bad.bmp");
-    w.click(window->cm31);
+    w.choosing_file("C:\\WINDOWS\\bad.bmp").click(window->cm31);
     EXPECT_EQ(window->pic31.bytes(), "BMwave") << "a picture that cannot be loaded leaves the old one";
     EXPECT_EQ(window->t31.text(), "C:\\WINDOWS\\bad.bmp");
     w.click(window->c37);
@@ -209,8 +204,7 @@ TEST_F(Pages, ThePictureIsShownAtOnceAndStoredAtTheNextApply) {
 
     w.apply();
     anna[key::desktop].set("Wallpaper", "C:\\WINDOWS\\bad.bmp");
-    box("Brightlock Suite");
-    EXPECT_FALSE(w.screen.act([&] { window->Combo_user.choose(0); }));
+    EXPECT_FALSE(w.expecting("Brightlock Suite").choose("Anna"));
     EXPECT_THAT(w.told(), HasSubstr("Run-time error '481'"));
 }
 
@@ -269,8 +263,7 @@ TEST_F(Pages, TheIconFolderIsPickedBesideTheMainWindow) {
     w.screen.act([&] { picker().close_by_frame(); });
 
     w.screen.act([&] { window->t32.type("C:\\gone"); });
-    box("Brightlock Suite");
-    EXPECT_FALSE(w.click(window->cm32));
+    EXPECT_FALSE(w.expecting("Brightlock Suite").click(window->cm32));
     EXPECT_THAT(w.told(), HasSubstr("Run-time error '76'"));
 }
 
@@ -283,11 +276,9 @@ TEST_F(Pages, BulkMarkingLeavesOutTheListAndTheIcons) {
         }
         return out;
     };
-    box("Suggestions...");
-    w.click(window->mm24);
+    w.expecting("Suggestions...").click(window->mm24);
     EXPECT_EQ(boxes(true), " 16 17 18 110 23 31 32 35 36 66 67 68 90 91 93 98 99");
-    box("Brightlock Suite");
-    w.click(window->mm21);
+    w.expecting("Brightlock Suite").click(window->mm21);
     EXPECT_EQ(boxes(false), " 39 41");
     EXPECT_TRUE(window->lv1.rows()[38].checked);
     w.click(window->c39);
@@ -301,8 +292,7 @@ TEST_F(Pages, BulkMarkingLeavesOutTheListAndTheIcons) {
 TEST_F(Pages, AnOlderVersionAndTheLanguageAreTold) {
     w.windows.registry.at(HKEY_LOCAL_MACHINE, "Software\\Microsoft\\Windows\\CurrentVersion\\Run")
         .set("Brightlock Classic", "old.exe");
-    box("Old Brightlock Classic found!");
-    window = &w.enter();
+    window = &w.expecting("Old Brightlock Classic found!").enter();
     w.screen.act([&] { window->Timer1.tick(); });
     EXPECT_EQ(
         window->StatusBar.panel_text(3) + window->StatusBar.panel_text(4) + window->StatusBar.panel_text(5),

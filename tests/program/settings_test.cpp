@@ -63,11 +63,9 @@ TEST(SettingsPage, TheProfileFolderIsGuardedByTwoQuestions) {
 TEST(HelpMenu, TellsOfTheProgram) {
     World w(versions::win2k, german);
     MainForm& window = w.enter();
-    w.screen.expect_box("Brightlock Suite");
-    w.click(window.mm54);
+    w.expecting("Brightlock Suite").click(window.mm54);
     EXPECT_EQ(w.told(), "Brightlock Suite\nbritlock\n\nVersion: 1.0.0\nWinVersion: Win2K");
-    w.screen.expect_box(U"Über..."_ansi);
-    w.click(window.mm57);
+    w.expecting(U"Über..."_ansi).click(window.mm57);
     w.click(window.mm53);
     EXPECT_EQ(w.windows.processes.addresses.back(), "http://" + window.StatusBar.panel_text(1));
     w.click(window.mm51);  // no viewer: not a word

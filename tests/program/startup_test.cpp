@@ -14,14 +14,12 @@ const std::string tool = "C:\\Program Files\\Brightlock Suite\\regg.exe";
 TEST(Startup, AsksForANewPasswordUntilOneIsSet) {
     World w;
     for (int run = 0; run < 2; ++run) {
-        w.screen.expect_box("Set a Password !");
-        w.start();
+        w.expecting("Set a Password !").start();
         w.screen.act([&] { w.program->loaded<setpass>()->cmd_abbrechen.press_by_key(); });
         EXPECT_TRUE(w.window().shown());
         EXPECT_EQ(w.screen.forms().size(), 1u);
     }
-    w.screen.expect_box("Set a Password !");
-    w.start();
+    w.expecting("Set a Password !").start();
     EXPECT_EQ(w.program->loaded<getpass>(), nullptr);
     setpass& form = *w.program->loaded<setpass>();
     const char* const tries[][3] = {{"abc", "abd", "not the same"},  // looked at before the length
@@ -39,15 +37,13 @@ TEST(Startup, AsksForANewPasswordUntilOneIsSet) {
         EXPECT_EQ(w.screen.focus(), &form.txt_newpw);
     }
     // Each character meets its own digit of the key: five bytes 0, which must come back from the registry.
-    w.screen.expect_box("Password...");
-    w.set_password("73927");
+    w.expecting("Password...").set_password("73927");
     EXPECT_EQ(w.program->loaded<setpass>(), nullptr);
     EXPECT_TRUE(w.window().shown());
 
     w.start();
     for (const char* wrong : {"", "7392", "73928"}) {
-        w.screen.expect_box("Incorrect Password...");
-        w.give_password(wrong);
+        w.expecting("Incorrect Password...").give_password(wrong);
         EXPECT_EQ(w.program->loaded<getpass>()->txt_pw.text(), "");
     }
     w.give_password("73927");
@@ -60,10 +56,8 @@ TEST(Startup, APasswordIsStoredByTheKeysDigitsOrReportedAsSavedAllTheSame) {
         World w;
         auto& product = w.windows.registry.at(HKEY_LOCAL_MACHINE, product::key);
         if (!*stored) product.access = Access::read_only;
-        w.screen.expect_box("Set a Password !");
-        w.start();
-        w.screen.expect_box("Password...");
-        w.set_password(password);
+        w.expecting("Set a Password !").start();
+        w.expecting("Password...").set_password(password);
         EXPECT_EQ(product.values["UserPW"], *stored ? text_value(stored) : RawValue{}) << password;
     }
 }
@@ -85,8 +79,7 @@ TEST(Startup, AMissingOrEmptyHiveToolEndsTheProcess) {
         World w;
         (void)w.windows.files.remove(tool);
         if (empty) w.windows.files.add_file(tool, "");
-        w.screen.expect_box("Required files are missing. Run Setup again !");
-        EXPECT_FALSE(w.start());
+        EXPECT_FALSE(w.expecting("Required files are missing. Run Setup again !").start());
         EXPECT_FALSE(w.windows.files.exists(tool));
     }
 }

@@ -37,13 +37,11 @@ TEST_F(Uninstall, OnNTLoadsEveryHiveAndChangesNone) {
     MainForm& window = w.enter();
     const std::string before = anna.dump();
 
-    w.screen.expect_box("Uninstall ?", Answer::no);
-    w.click(window.mm132);
+    w.expecting("Uninstall ?", Answer::no).click(window.mm132);
     EXPECT_FALSE(w.program->reg.uninstall_running);
     EXPECT_TRUE(w.windows.files.exists(former_hive));
 
-    w.screen.expect_box("Uninstall ?", Answer::yes);
-    EXPECT_FALSE(w.click(window.mm132)) << "the process ends";
+    EXPECT_FALSE(w.expecting("Uninstall ?", Answer::yes).click(window.mm132)) << "the process ends";
     EXPECT_EQ(anna.dump(), before);
     EXPECT_TRUE(w.windows.registry.is_mounted(anna)) << "until the restart";
     EXPECT_TRUE(w.windows.registry.is_mounted(admin)) << "the logged-on user is not refused";
@@ -58,18 +56,15 @@ TEST_F(Uninstall, GoesOnWhateverFailsAndSaysThatSetUpIsMissing) {
     w.windows.add_profile("Anna");
     w.enter();
     w.windows.files.remove("C:\\Program Files\\Brightlock Suite\\regg.exe");
-    w.screen.expect_box("Uninstall ?", Answer::yes);
-    w.screen.expect_box("Uninstall not found");
-    EXPECT_FALSE(w.click(w.window().mm132));
+    EXPECT_FALSE(
+        w.expecting("Uninstall ?", Answer::yes).expecting("Uninstall not found").click(w.window().mm132));
 }
 
 TEST_F(Uninstall, TheCommandLineAsksAfterThePassword) {
     World w;
     w.have_password();
-    w.screen.expect_box("How to uninstall ?");
-    w.start("/uninstall");
-    w.screen.expect_box("Uninstall ?", Answer::no);
-    EXPECT_TRUE(w.give_password("secret"));
+    w.expecting("How to uninstall ?").start("/uninstall");
+    EXPECT_TRUE(w.expecting("Uninstall ?", Answer::no).give_password("secret"));
     EXPECT_TRUE(w.window().shown()) << "a refusal leads to the main window";
 }
 
@@ -78,17 +73,17 @@ TEST_F(Uninstall, On9XLiftsTheRestrictionsOfTheRunningAccount) {
     prepare(w);
     MainForm& window = w.enter();
     const std::string untouched = autostart(w);
-    w.screen.expect_box("Uninstall ?", Answer::yes);
-    w.screen.expect_box("Attention User Profiles - Read carefully !", Answer::no);
-    EXPECT_TRUE(w.click(window.mm132));
+    EXPECT_TRUE(w.expecting("Uninstall ?", Answer::yes)
+                    .expecting("Attention User Profiles - Read carefully !", Answer::no)
+                    .click(window.mm132));
     EXPECT_FALSE(w.program->reg.uninstall_running);
     EXPECT_EQ(autostart(w), untouched);
     EXPECT_THAT(w.told(), HasSubstr("on your PC.\n\nIn this case"));
 
     w.windows.journal.clear();
-    w.screen.expect_box("Uninstall ?", Answer::yes);
-    w.screen.expect_box("Attention User Profiles - Read carefully !", Answer::yes);
-    EXPECT_FALSE(w.click(window.mm132));
+    EXPECT_FALSE(w.expecting("Uninstall ?", Answer::yes)
+                     .expecting("Attention User Profiles - Read carefully !", Answer::yes)
+                     .click(window.mm132));
     std::string values;
     std::istringstream journal(w.windows.journal.text());
     for (std::string line; std::getline(journal, line);) {
@@ -112,10 +107,10 @@ TEST_F(Uninstall, ARefusedWriteIsToldAndPassedOver) {
     prepare(w);
     MainForm& window = w.enter();
     w.windows.registry.at(HKEY_CURRENT_USER, key::explorer).access = Access::read_only;
-    w.screen.expect_box("DE-Installieren ?", Answer::yes);
-    w.screen.expect_box("Achtung Benutzer-Profile - bitte UNBEDINGT beachten !", Answer::yes);
-    w.screen.expect_box(U"Kann Einschränkung nicht setzen..."_ansi);
-    EXPECT_FALSE(w.click(window.mm132));
+    EXPECT_FALSE(w.expecting("DE-Installieren ?", Answer::yes)
+                     .expecting("Achtung Benutzer-Profile - bitte UNBEDINGT beachten !", Answer::yes)
+                     .expecting(U"Kann Einschränkung nicht setzen..."_ansi)
+                     .click(window.mm132));
     EXPECT_TRUE(w.told().ends_with(U"für den Benutzer Administrator"_ansi))
         << "the name's NUL cuts the rest off";
     EXPECT_THAT(autostart(w), Not(HasSubstr("BritlockTray")));

@@ -36,16 +36,14 @@ TEST_F(Users, AreTheFoldersWithoutThoseOfNobody) {
     w.windows.files.add_file("C:\\Documents and Settings\\Dora\\NTUSER.DAT", "");
     w.windows.files.add_file("C:\\Documents and Settings\\Emil.txt", "no folder");
     w.windows.files.fail(anna_hive, permission_denied);  // logged on: counts as fine
-    w.screen.expect_box("Sorry, could not load every files..");
-    MainForm& window = w.enter();
+    MainForm& window = w.expecting("Sorry, could not load every files..").enter();
     EXPECT_THAT(window.Combo_user.items(), ElementsAre("all users", "Anna", "Ben.DOMAIN", "Carl", "Dora"));
     EXPECT_THAT(w.told(), testing::EndsWith("the files below...")) << "without the list";
     EXPECT_FALSE(w.windows.files.exists("C:\\Documents and Settings\\Dora\\NTUSER.DAT"));
 
     World g(versions::winxp, german);
     g.windows.files.add_folder("C:\\Documents and Settings\\Carl");
-    g.screen.expect_box("Kann (einige) Profile nicht laden");
-    g.enter();
+    g.expecting("Kann (einige) Profile nicht laden").enter();
     EXPECT_THAT(g.told(), HasSubstr("C:\\Documents and Settings\\Carl\\NTUSER.DAT\n"));
 }
 
@@ -53,8 +51,7 @@ TEST_F(Users, LieWhereTheAdministratorSaysAsItStands) {
     w.windows.registry.at(HKEY_LOCAL_MACHINE, product::key).set("ProfileMainPath", "C:\\Server\\Prof");
     w.windows.files.add_hive("C:\\Server\\Profile1\\NTUSER.DAT");
     w.windows.files.add_hive("C:\\Server\\Other\\NTUSER.DAT");
-    w.screen.expect_box("Sorry, could not load every files..");
-    MainForm& window = w.enter();
+    MainForm& window = w.expecting("Sorry, could not load every files..").enter();
     EXPECT_THAT(window.Combo_user.items(), ElementsAre("Profile1")) << "no backslash is added to the path";
     EXPECT_EQ(window.t810.text(), "C:\\Server\\Prof");
 }
@@ -89,12 +86,10 @@ TEST_F(Users, TheRoadOfOneTickedBox) {
 TEST_F(Users, TheLoggedOnUserCannotBeRestricted) {
     w.windows.system.user = "anna";  // capitals do not count
     MainForm& window = w.enter();
-    w.screen.expect_box("Brightlock Suite");
-    w.click(window.mm21);
+    w.expecting("Brightlock Suite").click(window.mm21);
     w.choose("Anna");
     EXPECT_FALSE(window.c11.ticked()) << "choosing the logged-on user clears the marks";
-    w.screen.expect_box("Sorry..");
-    w.apply();
+    w.expecting("Sorry..").apply();
     EXPECT_EQ(commands(), "");
 }
 
@@ -134,15 +129,13 @@ TEST_F(Users, EveryFaultOfAHiveHasItsBox) {
         fault.cause(x);
         const std::string before = hive->dump();
 
-        x.screen.expect_box(fault.title);
-        x.choose("Anna");
+        x.expecting(fault.title).choose("Anna");
         EXPECT_THAT(x.told(), testing::EndsWith(fault.end_of_text));
         EXPECT_EQ(x.screen.boxes.back().icon, toolkit::Icon::critical);
         EXPECT_TRUE(window.c12.ticked()) << "the form keeps the marks of the user before";
         EXPECT_EQ(window.StatusBar.panel_text(2), "Load Profile:Anna");
         EXPECT_TRUE(window.Combo_user.enabled());
-        x.screen.expect_box(fault.title);
-        x.apply();
+        x.expecting(fault.title).apply();
         EXPECT_EQ(hive->dump(), before);
         x.windows.processes.failing_tool = 0;
         x.choose("Ben");
@@ -157,16 +150,14 @@ TEST_F(Users, AToolThatCannotBeOpenedIsReportedAndOneThatIsGoneEndsTheProgram) {
         x.windows.add_profile("Anna");
         x.enter();
         gone ? (void)x.windows.files.remove(tool) : x.windows.files.fail(tool, path_access);
-        x.screen.expect_box(gone ? "Brightlock Suite" : "File missing...");
-        EXPECT_EQ(x.screen.act([&] { x.window().Combo_user.choose(0); }), !gone);
+        EXPECT_EQ(x.expecting(gone ? "Brightlock Suite" : "File missing...").choose("Anna"), !gone);
     }
 }
 
 TEST_F(Users, AHiveLeftMountedIsUnmountedFirst) {
     anna["Software"].set("Company", "kept");
     w.windows.registry.mount("Anna", w.windows.files.hive(anna_hive));
-    w.screen.expect_box("Brightlock Suite");
-    MainForm& window = w.enter();
+    MainForm& window = w.expecting("Brightlock Suite").enter();
     w.click(window.mm21);
     w.choose("Anna");
     EXPECT_FALSE(window.c11.ticked()) << "the user was read";
@@ -192,8 +183,7 @@ TEST_F(Users, TheWindowStaysAliveWhileTheToolRuns) {
 TEST_F(Users, ANameWithABlankBreaksTheCommandLine) {
     w.windows.add_profile("Anna Maria");
     w.enter();
-    w.screen.expect_box("Problems while writing to registry...");
-    w.choose("Anna Maria");
+    w.expecting("Problems while writing to registry...").choose("Anna Maria");
 }
 
 TEST_F(Users, OfWindows9XIsOnlyWhoIsLoggedOn) {
@@ -203,8 +193,7 @@ TEST_F(Users, OfWindows9XIsOnlyWhoIsLoggedOn) {
     EXPECT_THAT(window.Combo_user.items(), ElementsAre("Kiosk"));
     EXPECT_EQ(window.t810.text(), "<only available for Win NT/2000/XP-Systems>");
     EXPECT_FALSE(window.t810.enabled());
-    old.screen.expect_box("Sorry - Changing Users only in Win2K, WinNT or WinXP-Systems...");
-    old.screen.act([&] { window.Combo_user.choose(0); });
+    old.expecting("Sorry - Changing Users only in Win2K, WinNT or WinXP-Systems...").choose("Kiosk");
     EXPECT_EQ(window.Combo_user.text(), "Kiosk");
     old.click(window.c13);
     old.apply();
@@ -240,8 +229,7 @@ TEST_F(Users, BeyondAThousandProfilesTheTableEnds) {
         w.windows.add_profile("User" + std::to_string(i));
     w.have_password();
     w.start();
-    w.screen.expect_box("Brightlock Suite");
-    EXPECT_FALSE(w.give_password("secret"));
+    EXPECT_FALSE(w.expecting("Brightlock Suite").give_password("secret"));
     EXPECT_THAT(w.told(), HasSubstr("Run-time error '9'"));
 }
 

@@ -19,6 +19,10 @@ struct World : Person {
 
     bool nt() const { return windows.system.windows.platform == 2; }
 
+    World& expecting(std::string title, toolkit::Answer answer = toolkit::Answer::ok) {
+        screen.expect_box(std::move(title), answer);
+        return *this;
+    }
     bool start(const std::string& command_line = "") {
         windows.system.arguments = command_line;
         return Person::start(windows.machine());

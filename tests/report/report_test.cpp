@@ -94,8 +94,7 @@ TEST(Report, WithoutAPrinterEndsTheProgram) {
     w.click(window.mm15);
     EXPECT_EQ(w.screen.printer_setups, 1);
     w.screen.has_printer = false;
-    w.screen.expect_box("Brightlock Suite");
-    EXPECT_FALSE(w.click(window.mm14));
+    EXPECT_FALSE(w.expecting("Brightlock Suite").click(window.mm14));
     EXPECT_THAT(w.told(), HasSubstr("Run-time error '482'"));
 }
 

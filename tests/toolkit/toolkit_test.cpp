@@ -163,16 +163,13 @@ TEST_F(Model, KeysReachWhatCanBeUsed) {
 TEST_F(Model, EverythingThatTakesTheFocusHasANameToSpeak) {
     gallery.unbuilt.set_text("...");
     gallery.combo.set_spoken_name("User");
+    // clang-format off
     const std::pair<const Control&, const char*> names[] = {
-        {gallery.tick, "Tick this entry of the menu"},
-        {gallery.second, "No change of the taskbar & the menu"},
-        {gallery.name, "Registered Name"},
-        {gallery.secret, "Disable some entries in your Startmenu..."},  // no label: the frame around it
-        {gallery.bar, "Restrictions"},
-        {gallery.tab, "1.) Disable some entries in your Startmenu..."},
-        {gallery.combo, "User"},
-        {gallery.drive, "Choose a folder..."},
-        {gallery.unbuilt, "Gallery & more ..."}};
+        {gallery.tick, "Tick this entry of the menu"}, {gallery.second, "No change of the taskbar & the menu"},
+        {gallery.name, "Registered Name"}, {gallery.secret, "Disable some entries in your Startmenu..."},  // by the frame
+        {gallery.bar, "Restrictions"}, {gallery.tab, "1.) Disable some entries in your Startmenu..."},
+        {gallery.combo, "User"}, {gallery.drive, "Choose a folder..."}, {gallery.unbuilt, "Gallery & more ..."}};
+    // clang-format on
     for (const auto& [control, name] : names)
         EXPECT_EQ(spoken_name(control), name) << control.name();
     EXPECT_EQ(spoken_tab_name(gallery.tab, 2), "3.) Choose a folder...");
@@ -185,23 +182,19 @@ TEST(FileFilter, PatternsAndNames) {
     ASSERT_EQ(filters.size(), 2U);
     EXPECT_EQ(filters[1].description + filters[1].pattern, "All*.*");
 
-    const std::pair<const char*, const char*> matching[] = {{"*.brl", "All.BRL"},
-                                                            {"*.*", "Makefile"},
-                                                            {"*.exe; *.com", "edit.com"},
-                                                            {"", ""},
-                                                            {"?at.*", "cat.txt"},
-                                                            {"\xc4*", "\xe4pfel"},
-                                                            {"*", ""}};
+    // clang-format off
+    const std::pair<const char*, const char*> matching[] = {
+        {"*.brl", "All.BRL"}, {"*.*", "Makefile"}, {"*.exe; *.com", "edit.com"}, {"?at.*", "cat.txt"}, {"\xc4*", "\xe4pfel"},
+        {"", ""}, {"*", ""}};
+    const std::pair<const char*, const char*> others[] = {
+        {"*.brl", "brl"}, {"?at.*", "at.txt"}, {"*a*a*a*b", "aaaaaaaaaaaaaaaaaaaaaaaa"}};
+    const std::pair<const char*, const char*> typed[] = {
+        {"a.brl", "C:\\School\\a.brl"}, {"Room\\a", "C:\\School\\Room\\a"}, {"\\a", "C:\\a"}, {"D:a", "D:\\a"}, {"D:", "D:\\"}};
+    // clang-format on
     for (const auto& [pattern, name] : matching)
         EXPECT_TRUE(matches(name, pattern)) << pattern << " " << name;
-    for (const auto& [pattern, name] :
-         {std::pair{"*.brl", "brl"}, {"?at.*", "at.txt"}, {"*a*a*a*b", "aaaaaaaaaaaaaaaaaaaaaaaa"}})
+    for (const auto& [pattern, name] : others)
         EXPECT_FALSE(matches(name, pattern)) << pattern << " " << name;
-    const std::pair<const char*, const char*> typed[] = {{"a.brl", "C:\\School\\a.brl"},
-                                                         {"Room\\a", "C:\\School\\Room\\a"},
-                                                         {"\\a", "C:\\a"},
-                                                         {"D:a", "D:\\a"},
-                                                         {"D:", "D:\\"}};
     for (const auto& [name, path] : typed)
         EXPECT_EQ(full_path("C:\\School", name), path);
     EXPECT_EQ(full_path("C:\\", "a.brl"), "C:\\a.brl");
