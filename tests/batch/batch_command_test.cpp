@@ -164,9 +164,9 @@ TEST_F(BatchCommand, TellsAWrongCall) {
     const std::pair<std::vector<std::string>, const char*> calls[] = {
         {{"apply", "--all-users"}, "apply wants a file"}, {{"show", "x", "--all-users"}, "nothing is known of 'x'"},
         {{"apply", "x"}, "apply wants either --user or --all-users"}, {{"save", "x", "--all-users"}, "save wants one --user"},
-        {{"show", "--user", "A", "--all-users"}, "show wants either"}, {{"save", "x", "--user=A", "--user=B"}, "save wants one"},
-        {{"apply", "x", "--all-users", "--json"}, "--json goes with show"}, {{"show", "--password=x"}, "unknown option --password"},
-        {{"apply", "x", "--all-users", "--overwrite"}, "--overwrite goes with save"}, {{"show", "--user="}, "--user does not take"},
+        {{"show", "--user=A", "--all-users"}, "show wants either"}, {{"save", "x", "--user=A", "--user=B"}, "save wants one"},
+        {{"apply", "x", "--all-users", "--json"}, "--json goes with show"}, {{"show", "--password=x"}, "unknown option"},
+        {{"apply", "x", "--all-users", "--overwrite"}, "--overwrite goes with save"}, {{"show", "--user="}, "--user does not"},
         {{"show", "--all-users=yes"}, "--all-users takes no value"}, {{"show", "--drive", "C=/"}, "--machine does not take"},
         {{"show", "--password-fd", "3x"}, "--password-fd does not take the value '3x'"}};
     // clang-format on

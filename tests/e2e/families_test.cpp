@@ -24,7 +24,7 @@ using testing::HasSubstr;
 /// Holds a file as another program does: a lock of this very process on another opening of the file.
 class OtherProgram {
   public:
-    explicit OtherProgram(const fs::path& file) : held_(open(file.c_str(), O_RDWR)) {
+    explicit OtherProgram(const fs::path& file) : held_(open(file.c_str(), O_RDWR | O_CLOEXEC)) {
         EXPECT_EQ(flock(held_, LOCK_EX), 0);
     }
     OtherProgram(const OtherProgram&) = delete;

@@ -115,11 +115,11 @@ void expect_names(const toolkit::Form& form) {
     using toolkit::Kind;
     // clang-format off
     static const std::map<Kind, QAccessible::Role> roles = {
-        {Kind::text_box, QAccessible::EditableText}, {Kind::button, QAccessible::Button}, {Kind::check_box, QAccessible::CheckBox},
-        {Kind::list_box, QAccessible::List}, {Kind::combo_box, QAccessible::ComboBox}, {Kind::list_view, QAccessible::List},
-        {Kind::frame, QAccessible::Grouping}, {Kind::tab, QAccessible::PageTabList}, {Kind::list_bar, QAccessible::List},
-        {Kind::status_bar, QAccessible::StatusBar}, {Kind::dir_list, QAccessible::List}, {Kind::drive_list, QAccessible::ComboBox},
-        {Kind::file_list, QAccessible::List}};
+        {Kind::text_box, QAccessible::EditableText}, {Kind::button, QAccessible::Button},
+        {Kind::check_box, QAccessible::CheckBox}, {Kind::list_box, QAccessible::List}, {Kind::combo_box, QAccessible::ComboBox},
+        {Kind::list_view, QAccessible::List}, {Kind::frame, QAccessible::Grouping}, {Kind::tab, QAccessible::PageTabList},
+        {Kind::list_bar, QAccessible::List}, {Kind::status_bar, QAccessible::StatusBar}, {Kind::dir_list, QAccessible::List},
+        {Kind::drive_list, QAccessible::ComboBox}, {Kind::file_list, QAccessible::List}};
     // clang-format on
     SCOPED_TRACE(form.name());
     std::set<std::tuple<const Control*, Kind, QString>> names;
