@@ -11,7 +11,6 @@
 #include <iostream>
 
 #include "e2e/installed.h"
-#include "engine/keys.h"
 #include "program/random_marks.h"
 
 namespace britlock {
@@ -148,34 +147,6 @@ TEST(RealHives, OnlyAFileThatSomebodyHoldsIsInUse) {
     EXPECT_EQ(status("C:\\Busy.exe"), HIVER_MOD::usable);
     kill(process, SIGKILL);
     waitpid(process, nullptr, 0);
-}
-
-TEST(RealHives, TheRunAtLogonActsInsideTheDrivesOnly) {
-    Installed w;
-    const fs::path disk = w.windows.disk(), outside = w.windows.scratch() / "outside";
-    fs::create_directories(outside);
-    write_bytes(outside / "kept.lnk", "x");
-    fs::create_directories(disk / "Icons");
-    write_bytes(disk / "Icons" / "one.lnk", "new");
-    fs::create_directory_symlink(outside, disk / "Icons" / "link");
-    fs::create_directory_symlink(outside, disk / "Trap");
-    w.windows.options.command_line = "/icon";
-    for (const char* source : {"C:\\Trap", "C:\\..\\outside", "C:\\", "C:\\WINDOWS", "", "C:\\Icons"}) {
-        SCOPED_TRACE(source);
-        w.person.program.reset();
-        w.windows.open();
-        REGISTRY_MOD reg(w.windows.machine(), english);
-        const std::string shell = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
-        for (const std::string& key : {std::string(key::explorer), shell})
-            reg.reg_create_key(HKEY_CURRENT_USER, key);
-        (void)reg.reg_write_dword(HKEY_CURRENT_USER, key::explorer, "FixedLNK", "1");
-        (void)reg.reg_write_string(HKEY_CURRENT_USER, key::explorer, "FixedLNKUrl", source);
-        (void)reg.reg_write_string(HKEY_CURRENT_USER, shell, "Desktop", "C:\\Desk");
-        EXPECT_FALSE(w.person.start(w.windows.machine())) << "the process has ended without a window";
-        EXPECT_EQ(bytes_of(outside / "kept.lnk"), "x");
-        EXPECT_TRUE(fs::exists(disk / "WINDOWS" / "explorer.exe"));
-    }
-    EXPECT_FALSE(fs::exists(disk / "Icons")) << "who may delete the source has lost it";
 }
 
 }  // namespace

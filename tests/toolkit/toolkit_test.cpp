@@ -89,18 +89,6 @@ TEST_F(Model, FocusMovesOnceAndLeavesAHiddenPage) {
     EXPECT_EQ(log(), "-ok +secret -secret +tab page 1");
 }
 
-TEST_F(Model, FoldersFollowTheDrives) {
-    EXPECT_EQ(folders_on_the_way("C:\\School\\Room 1"),
-              (std::vector<std::string>{"C:\\", "C:\\School", "C:\\School\\Room 1"}));
-    EXPECT_EQ(folders_on_the_way("C:\\"), (std::vector<std::string>{"C:\\"}));
-    gallery.tab.set_current(2);
-    log();
-    gallery.dir.open_folder(0);
-    gallery.dir.open_ancestor(0);
-    gallery.drive.choose(1);
-    EXPECT_EQ(log(), "+dir dir C:\\School\\Room 1 dir C:\\ -dir +drive drive D:");
-}
-
 TEST_F(Model, FormsLiveUntilTheEventEnds) {
     Gallery other(screen, folders);
     screen.act([&] { screen.show(other); });
