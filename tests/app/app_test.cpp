@@ -117,14 +117,16 @@ TEST_F(Start, ExitCodesAreTrueAndEachFailureIsOneLine) {
 
 TEST_F(Start, BothLanguagesShowAUserAndARestrictionFile) {
     const std::string xp = "--machine xp --state state ";
-    for (const char* folder_of_edition : {"", "/twin"}) {
+    const std::pair<const char*, const char*> editions[] = {{"", "Input past end of file"},
+                                                            {"/twin", "Ende der Datei"}};
+    for (const auto& [folder_of_edition, error] : editions) {
         edition = folder_of_edition;
         const auto shown = start(xp + "--user Anna --screenshot a.png");
         EXPECT_EQ(shown.code, exit_done) << shown.output;
         std::ofstream(folder.path() / "none.brl") << "\"BRLCK\",\"cut off\"";
         const auto cut_off = start(xp + "none.brl --screenshot b.png");
         EXPECT_EQ(cut_off.code, exit_failed);
-        EXPECT_THAT(cut_off.output, HasSubstr("Input past end of file"));
+        EXPECT_THAT(cut_off.output, HasSubstr(error));
     }
 }
 

@@ -103,7 +103,8 @@ std::string QtToolkit::screen_trouble(bool unseen) {
 
 QtToolkit::QtToolkit(int& argc, char** argv, FolderSource& folders, Language language,
                      std::function<int(Ending)> before_end)
-    : d_(std::make_unique<Private>(argc, argv, folders, language, std::move(before_end))) {}
+    : Toolkit(language),
+      d_(std::make_unique<Private>(argc, argv, folders, language, std::move(before_end))) {}
 
 QtToolkit::~QtToolkit() = default;
 
