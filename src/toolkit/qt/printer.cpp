@@ -169,6 +169,7 @@ SetupWindow::SetupWindow(const PrinterChoice& choice, Language language, QWidget
     rows->addRow(buttons_);
     setMinimumWidth(pixels(6600));
     show_use();
+    if (means_file()) file_->setFocus();
 }
 
 void SetupWindow::show_use() {
@@ -191,7 +192,9 @@ PrinterChoice SetupWindow::chosen() const {
 }  // namespace
 
 PrinterChoice PrinterChoice::usual() {
-    return {.printer = QPrinterInfo::defaultPrinterName(), .pdf_file = {}};
+    const QString named = QPrinterInfo::defaultPrinterName();
+    return {.printer = named.isEmpty() ? QPrinterInfo::availablePrinterNames().value(0) : named,
+            .pdf_file = {}};
 }
 
 std::unique_ptr<Printer> open_printer(const PrinterChoice& choice) {
