@@ -1,11 +1,13 @@
 #include <QApplication>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLibraryInfo>
 #include <QMessageBox>
 #include <QProcess>
 #include <QPushButton>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QTranslator>
 
 #include "base/twin.h"
 
@@ -56,6 +58,10 @@ QString ask_machine() {
 int main(int argc, char** argv) {
     const QApplication application(argc, argv);
     QApplication::setWindowIcon(QIcon::fromTheme("brightlock-suite"));
+    QTranslator words;  // of Qt's own buttons and folder dialog
+    if (BRITLOCK_LANGUAGE == german &&
+        words.load("qtbase_de", QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QApplication::installTranslator(&words);
     const QString machine = ask_machine();
     if (machine.isEmpty()) return 0;
     const QStringList file = QApplication::arguments().mid(1);
