@@ -46,8 +46,9 @@ QString ask_folder() {
 QString ask_machine() {
     QMessageBox box(QMessageBox::Question, "Brightlock Suite", said(question), QMessageBox::Cancel);
     box.setInformativeText(said(explanation));
-    const QPushButton* const by_folder = box.addButton(said(choose), QMessageBox::AcceptRole);
+    QPushButton* const by_folder = box.addButton(said(choose), QMessageBox::AcceptRole);
     const QPushButton* const by_sample = box.addButton(said(sample), QMessageBox::ActionRole);
+    box.setDefaultButton(by_folder);
     box.exec();
     if (box.clickedButton() == by_folder) return ask_folder();
     return box.clickedButton() == by_sample ? sample_folder() : QString();
