@@ -56,8 +56,9 @@ class PagePrinter : public Printer {
 };
 
 PagePrinter::PagePrinter(const PrinterChoice& choice) {
-    if (choice.printer.isEmpty() && choice.pdf_file.isEmpty()) throw RuntimeError(482);
     if (choice.pdf_file.isEmpty()) {
+        // Of a queue that has gone Qt says nothing, and the document is lost.
+        if (QPrinterInfo::printerInfo(choice.printer).isNull()) throw RuntimeError(482);
         printer_.setPrinterName(choice.printer);
     } else {
         printer_.setOutputFormat(QPrinter::PdfFormat);
