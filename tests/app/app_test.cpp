@@ -101,12 +101,14 @@ TEST_F(Start, ExitCodesAreTrueAndEachFailureIsOneLine) {
 
 TEST_F(Start, BothLanguagesShowAUserAndARestrictionFile) {
     std::ofstream(folder.path() / "none.brl") << "\"BRLCK\",\"cut off\"";
-    for (const char* folder_of_edition : {"", "/twin"}) {
+    const std::pair<const char*, const char*> editions[] = {{"", "Input past end of file"},
+                                                             {"/twin", "Ende der Datei"}};
+    for (const auto& [folder_of_edition, error] : editions) {
         edition = folder_of_edition;
         EXPECT_EQ(start("--machine xp --state state --user Anna --screenshot a.png").code, exit_done);
         const auto cut_off = start("--machine xp --state state none.brl --screenshot b.png");
         EXPECT_EQ(cut_off.code, exit_failed);
-        EXPECT_THAT(cut_off.output, HasSubstr("Input past end of file"));
+        EXPECT_THAT(cut_off.output, HasSubstr(error));
     }
 }
 

@@ -339,7 +339,7 @@ TEST_F(Promise, RunTimeErrorIsToldAndFailsTheProcess) {
             by_program([] { throw RuntimeError(53); });
         },
         testing::ExitedWithCode(1),
-        testing::AllOf(testing::HasSubstr("Run-time error '53'"), testing::HasSubstr("before the end")));
+        testing::AllOf(testing::HasSubstr("Laufzeitfehler '53'"), testing::HasSubstr("before the end")));
 }
 
 int main(int argc, char** argv) {
