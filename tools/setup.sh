@@ -6,7 +6,6 @@ run_packages=(xdg-utils qt6-translations-l10n)
 test_packages=(git libgtest-dev libgmock-dev libbenchmark-dev python3 python3-hivex libhivex-bin reglookup xvfb xdotool openbox imagemagick
     clang-format clang-tidy lintian desktop-file-utils appstream)
 windows_build_packages=(g++-mingw-w64-i686-win32 cmake ninja-build nsis python3)
-windows_test_packages=(debootstrap libgtest-dev xvfb xdotool openbox)
 
 # Installs those of the packages that are missing.
 install_packages() {
@@ -53,20 +52,26 @@ show_progress() {
 
 largest_windows_program=2000000
 
-# build_windows [name...]: the programs of the Windows edition into build/windows, and whatever else is named to its folder bin.
+# build_windows [name...]: the Windows edition in English and German into build/windows/en and build/windows/de, and whatever else
+# is named into build/windows/bin.
 build_windows() {
-    local folder=build/windows name
+    local folder=build/windows program language testing
+    testing=$([ $# -eq 0 ] && echo OFF || echo ON)
     build "$folder" --no-warn-unused-cli -DCMAKE_TOOLCHAIN_FILE=cmake/windows-i486.cmake -DCMAKE_BUILD_TYPE=Release \
-        -DBUILD_TESTING="$([ $# -eq 0 ] && echo OFF || echo ON)" --targets edition "$@"
-    for name in $(cat "$folder/edition"); do
-        cp "$folder/bin/$name.exe" "$folder/$name.exe"
-        tools/windows-for-486 "$folder/$name.exe"
-        tools/windows-imports "$folder/$name.exe"
-        i686-w64-mingw32-strip "$folder/$name.exe"
-        [ "$(stat -c %s "$folder/$name.exe")" -lt $largest_windows_program ] || { echo "$name.exe is too large" >&2; return 1; }
+        -DBUILD_TESTING="$testing" --targets edition "$@"
+    # The tables in the help are printed by a program, which this system runs from a build of its own.
+    build build/release -DCMAKE_BUILD_TYPE=Release -DBUILD_TESTING="$testing" --targets help_pages
+    mkdir -p "$folder"/{en,de}
+    for program in regg.exe {en,de}/britlock.exe; do
+        cp "$folder/bin/$program" "$folder/$program"
+        tools/windows-for-486 "$folder/$program"
+        tools/windows-imports "$folder/$program"
+        i686-w64-mingw32-strip "$folder/$program"
+        [ "$(stat -c %s "$folder/$program")" -lt $largest_windows_program ] || { echo "$program is too large" >&2; return 1; }
     done
-    # Its tables are printed by a program, which this system runs from a build of its own.
-    build build/release -DCMAKE_BUILD_TYPE=Release --targets help_pages
-    cp build/release/help/en/britlock.hlp "$folder/"
-    tools/windows-setup "$folder"
+    for language in en de; do
+        cp "$folder/regg.exe" "build/release/help/$language/britlock.hlp" "$folder/$language/"
+        sed 's/$/\r/' "packaging/windows/readme.$language.txt" | iconv -t CP1252 >"$folder/$language/readme.txt"
+        tools/windows-setup "$folder" "$language"
+    done
 }

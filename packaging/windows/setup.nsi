@@ -17,6 +17,16 @@ SilentUnInstall silent  ; the program has asked already
 ; The program starts it from here, without a word on its command line, and ends.
 !define UNINSTALL_FOLDER "$WINDIR\uninstall\brightlock suite"
 
+!if ${LANGUAGE} == de
+    LoadLanguageFile "${NSISDIR}/Contrib/Language files/German.nlf"
+    !define REMOVAL_ENTRY "${TITLE} entfernen"
+    !define REFUSED "${TITLE} kann nicht installiert werden: Sie brauchen Administratorrechte, und das Programm darf nicht laufen."
+!else
+    LoadLanguageFile "${NSISDIR}/Contrib/Language files/English.nlf"
+    !define REMOVAL_ENTRY "Uninstall ${TITLE}"
+    !define REFUSED "${TITLE} cannot be installed: you need administrator privileges, and the program must not be running."
+!endif
+
 Page directory
 Page instfiles
 
@@ -27,6 +37,7 @@ Section
     File "${PROGRAMS}/${PROGRAM_FILE}"
     File "${PROGRAMS}/${HIVE_TOOL_FILE}"
     File "${PROGRAMS}/${HELP_FILE}"
+    File "${PROGRAMS}/readme.txt"
     IfErrors refused
 
     ; Nothing else makes the product's key, and the program writes no value without it.
@@ -38,8 +49,9 @@ Section
     IfErrors refused
 
     CreateDirectory "$SMPROGRAMS\${TITLE}"
+    Delete "$SMPROGRAMS\${TITLE}\*.lnk"  ; those of the other language
     CreateShortCut "$SMPROGRAMS\${TITLE}\${TITLE}.lnk" "$INSTDIR\${PROGRAM_FILE}"
-    CreateShortCut "$SMPROGRAMS\${TITLE}\Uninstall ${TITLE}.lnk" "$INSTDIR\${PROGRAM_FILE}" "/uninstall"
+    CreateShortCut "$SMPROGRAMS\${TITLE}\${REMOVAL_ENTRY}.lnk" "$INSTDIR\${PROGRAM_FILE}" "/uninstall"
 
     CreateDirectory "$WINDIR\uninstall"
     CreateDirectory "${UNINSTALL_FOLDER}"
@@ -47,7 +59,7 @@ Section
     IfErrors refused
     Goto done
 refused:
-    MessageBox MB_OK|MB_ICONSTOP "${TITLE} cannot be installed: you need administrator privileges, and the program must not be running." /SD IDOK
+    MessageBox MB_OK|MB_ICONSTOP "${REFUSED}" /SD IDOK
     SetErrorLevel 2
     Quit
 done:
@@ -70,12 +82,12 @@ again:
 gone:
     Delete "$INSTDIR\${HIVE_TOOL_FILE}"
     Delete "$INSTDIR\${HELP_FILE}"
+    Delete "$INSTDIR\readme.txt"
     Delete "$INSTDIR\brlckup.exe"  ; what an update has fetched
     RMDir "$INSTDIR"  ; a folder in which somebody keeps restriction files stays
 
 registry:
-    Delete "$SMPROGRAMS\${TITLE}\${TITLE}.lnk"
-    Delete "$SMPROGRAMS\${TITLE}\Uninstall ${TITLE}.lnk"
+    Delete "$SMPROGRAMS\${TITLE}\*.lnk"
     RMDir "$SMPROGRAMS\${TITLE}"
     DeleteRegKey HKLM "${UNINSTALL_KEY}"
     DeleteRegKey HKLM "${KEY}"

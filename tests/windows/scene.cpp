@@ -35,18 +35,22 @@ void remove_key_below(HKEY above, const char* name) {
 }  // namespace
 
 void make_anna(const std::string& profiles) {
-    enable_backup();
     make_folder(profiles);
     make_folder(profiles + "\\Anna");
-    const std::string file = profiles + "\\Anna\\NTUSER.DAT";
-    DeleteFileA(file.c_str());
     HKEY key = nullptr;
     ASSERT_EQ(RegCreateKeyA(HKEY_CURRENT_USER, "Lock of the tests\\Software", &key), ERROR_SUCCESS);
     RegCloseKey(key);
-    ASSERT_EQ(RegOpenKeyA(HKEY_CURRENT_USER, "Lock of the tests", &key), ERROR_SUCCESS);
-    EXPECT_EQ(RegSaveKeyA(key, file.c_str(), nullptr), ERROR_SUCCESS);
-    RegCloseKey(key);
+    save_key(machine::Root::current_user, "Lock of the tests", profiles + "\\Anna\\NTUSER.DAT");
     remove_key_below(HKEY_CURRENT_USER, "Lock of the tests");
+}
+
+void save_key(machine::Root root, const std::string& key, const std::string& file) {
+    enable_backup();
+    DeleteFileA(file.c_str());
+    HKEY opened = nullptr;
+    ASSERT_EQ(RegOpenKeyA(handle_of(root), key.c_str(), &opened), ERROR_SUCCESS) << key;
+    EXPECT_EQ(RegSaveKeyA(opened, file.c_str(), nullptr), ERROR_SUCCESS) << file;
+    RegCloseKey(opened);
 }
 
 void make_folder(const std::string& path) { CreateDirectoryA(path.c_str(), nullptr); }

@@ -10,6 +10,8 @@
 /// The profile folder of Anna in a folder of profiles, with a hive in it that has the one key that every hive
 /// has, in the format of the system that will load it.
 void make_anna(const std::string& profiles);
+/// Writes the key and all below it into a file that can be loaded as a hive.
+void save_key(machine::Root root, const std::string& key, const std::string& file);
 void make_folder(const std::string& path);
 void remove_folder(const std::string& path);
 

@@ -1,5 +1,6 @@
 #include "toolkit/win32/picture.h"
 
+#include <cmath>
 #include <cstring>
 #include <vector>
 
@@ -93,12 +94,10 @@ namespace {
 
 void draw(HDC dc, const Shape& shape, const RECT& square) {
     const auto x = [&](float at) {
-        return square.left +
-               static_cast<int>(at * static_cast<float>(width_of(square)) / drawing_units + 0.5F);
+        return square.left + std::lround(at * static_cast<float>(width_of(square)) / drawing_units);
     };
     const auto y = [&](float at) {
-        return square.top +
-               static_cast<int>(at * static_cast<float>(height_of(square)) / drawing_units + 0.5F);
+        return square.top + std::lround(at * static_cast<float>(height_of(square)) / drawing_units);
     };
     const auto& at = shape.points;
     if (shape.kind == Shape::Kind::polygon) {

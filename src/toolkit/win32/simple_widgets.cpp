@@ -27,7 +27,7 @@ class TextBoxWidget : public Shown<TextBox> {
   private:
     void show_state() override {
         send(EM_LIMITTEXT, control_.max_length());
-        const auto mask = static_cast<WPARAM>(control_.password_char());
+        const auto mask = static_cast<unsigned char>(control_.password_char());
         if (static_cast<WPARAM>(send(EM_GETPASSWORDCHAR)) != mask) send(EM_SETPASSWORDCHAR, mask);
         show_text(handle(), control_.text());
     }
