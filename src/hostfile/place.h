@@ -38,6 +38,7 @@ class Descriptor {
 
     int number() const { return number_; }
     bool is_open() const { return number_ >= 0; }
+    int release() { return std::exchange(number_, -1); }
     Descriptor duplicate() const { return Descriptor(fcntl(number_, F_DUPFD_CLOEXEC, 0)); }
 
   private:

@@ -83,7 +83,7 @@ bool can_pass(ErrorKind kind) {
 
 Result<Done> write_changes(const Setting& setting, const std::string& name, ToolReport& report) try {
     constexpr auto patience = std::chrono::seconds(2);  // for the tools of other instances, which are quick
-    const auto hive = machine::open_mounted(setting.drives, setting.mounts, name, patience);
+    auto hive = machine::open_mounted(setting.drives, setting.mounts, name, patience);
     if (!hive) return hive.error();
     const auto announce = [&](const regf::HiveStamp& stamp) { setting.mounts.announce(hive->record, stamp); };
     const auto written =

@@ -110,8 +110,8 @@ TEST_F(HiveFiles, ChangedMeanwhileAreLeftAlone) {
     EXPECT_TRUE(commit(place, file->hive, file->identity, 5)) << "nothing to write";
     EXPECT_TRUE(read_file(place.path()) == old_image);
     edit(file->hive);
-    const Hive other = Hive::create({.file_name = u"another", .now = 9});
-    write_file(place.path(), *other.sealed_image(9));
+    Hive other = Hive::create({.file_name = u"another", .now = 9});
+    write_file(place.path(), *sealed_image(other, 9));
     const Bytes theirs = read_file(place.path());
     const auto result = commit(place, file->hive, file->identity, 5);
     ASSERT_FALSE(result);

@@ -82,7 +82,7 @@ WinCode FileHive::apply(const regf::Change& change) {
     if (held_->hive.changes().empty()) return success;
 
     // Whatever comes of the commit, what is in memory is not what was read: the next look reads afresh.
-    const regf::HiveFile changed = std::move(*held_);
+    regf::HiveFile changed = std::move(*held_);
     held_.reset();
     const regf::FileTime now = regf::current_file_time();
     const auto written = absent ? regf::write_new(place_, changed.hive, now)
