@@ -39,7 +39,8 @@ class Descriptor {
     int number() const { return number_; }
     bool is_open() const { return number_ >= 0; }
     int release() { return std::exchange(number_, -1); }
-    Descriptor duplicate() const { return Descriptor(fcntl(number_, F_DUPFD_CLOEXEC, 0)); }
+    Descriptor duplicate() const { return duplicate_above(0); }
+    Descriptor duplicate_above(int least) const { return Descriptor(fcntl(number_, F_DUPFD_CLOEXEC, least)); }
 
   private:
     int number_ = -1;

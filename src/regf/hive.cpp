@@ -129,6 +129,7 @@ std::optional<Hive> Hive::taken_over(int descriptor) {
     return Hive(std::make_unique<State>(std::move(*image)));
 }
 
+ByteView Hive::bytes() const { return state_->image.bytes(); }
 bool Hive::recovered() const { return state_->recovered; }
 const std::string& Hive::read_only_reason() const { return state_->read_only_reason; }
 uint32_t Hive::minor_version() const { return state_->image.minor_version(); }

@@ -121,6 +121,8 @@ class Hive {
     Hive& operator=(Hive&&) noexcept;
     ~Hive();
 
+    /// The file as it lies in memory, edits included.
+    ByteView bytes() const;
     bool recovered() const;
     /// Empty when the hive may be edited.
     const std::string& read_only_reason() const;

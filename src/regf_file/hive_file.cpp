@@ -138,10 +138,17 @@ Result<HiveFile> read_hive(const HostPlace& place, const FileLock& lock) try {
     return Error{ErrorKind::no_space, place.name + ": there is not enough memory for this hive"};
 }
 
+Descriptor hand_over(Hive& hive) try {
+    const int memory = hive.hand_over();
+    return memory < 0 ? Descriptor() : Descriptor(fcntl(memory, F_DUPFD_CLOEXEC, 0));
+} catch (const std::bad_alloc&) {
+    return {};
+}
+
 std::optional<HiveFile> taken_over(const HostPlace& place, Descriptor memory) {
     const auto present = identify(place);
     auto hive = present ? Hive::taken_over(memory.release()) : std::nullopt;
-    if (!hive) return std::nullopt;
+    if (!hive || stamp_of(hive->bytes().size(), hive->bytes()) != present->stamp) return std::nullopt;
     return HiveFile{std::move(*hive), *present};
 }
 

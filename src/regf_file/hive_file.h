@@ -41,8 +41,12 @@ struct HiveFile {
 /// system hibernates, and must not be written to, the hive cannot tell.
 Result<HiveFile> read_hive(const HostPlace& place, const FileLock& lock);
 
-/// The hive in a memory that hand_over() of another process's hive gave; what a commit writes is held against
-/// the file byte by byte, so that a file changed since is found then. None where it is no such memory.
+/// The memory of a hive, examined and sealed, for another process. Not open where that must read the file
+/// itself: the hive was recovered, has something to be put right, or has been edited.
+Descriptor hand_over(Hive& hive);
+/// The hive in a memory that hand_over() of another process's hive gave; none where it is no such memory, or
+/// of another state of the file. A change that its head does not show is found by the commit, which compares
+/// every byte.
 std::optional<HiveFile> taken_over(const HostPlace& place, Descriptor memory);
 
 /// The identity of the file now.

@@ -108,9 +108,8 @@ WinCode MountHive::apply(const regf::Change& change) {
 
 WinCode MountHive::seal() {
     if (broken_ != success || !unsealed_) return broken_;
-    if (append(seal_frame()) != success) return broken_;
-    if (fdatasync(record_.number()) != 0) broken_ = registry_io_failed;
-    unsealed_ = broken_ != success;
+    // Not flushed: the hive is, next, with these changes in it, or else the note that this failed.
+    if (append(seal_frame()) == success) unsealed_ = false;
     return broken_;
 }
 

@@ -34,13 +34,17 @@ class OfflineProcesses : public Processes {
     struct Child {
         pid_t process = 0;  ///< 0 once it has ended
         uint32_t code = still_active;
-        Descriptor reports;        ///< the hive tool's end of the pipe; none: another program
+        Descriptor reports;        ///< our end of the channel; none: another program than the hive tool
         ToolReport known;          ///< before the tool has told anything: verb and name
         WinCode sealed = success;  ///< of the changes that it is to write
     };
     Started start_hive_tool(const std::string& host_program, const std::string& arguments);
     Started open_folder_window(const std::string& folder);
-    Started run(const std::vector<std::string>& arguments, Child child, const Descriptor& reports);
+    Started add(Child child);
+    /// `inherited`: descriptors for the hive tool, which gets them as the numbers it knows.
+    Started run(const std::vector<std::string>& arguments, Child child,
+                const std::vector<const Descriptor*>& inherited);
+    bool is_not_mounted(const std::string& name) const;
     void report(Child& child, const std::string& end);
 
     const DriveMap& drives_;
