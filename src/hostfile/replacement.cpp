@@ -180,12 +180,13 @@ int Replacement::rename(Old old) const {
     return renameat(at, temporary_.c_str(), at, name);
 }
 
-Result<Durability> Replacement::put_in_place(Old old) {
+Result<Durability> Replacement::put_in_place(Old old, Folder folder) {
     if (attempt("rename", [&] { return rename(old); }) != 0) {
         if (errno == EEXIST) return Error{ErrorKind::refused, place_.name + ": is there already"};
         return system_error(place_.name, "cannot be replaced");
     }
     file_ = Descriptor();
+    if (folder == Folder::is_left_to_the_system) return Durability::uncertain;
     // The new file is there, whole; that the folder's entry outlives a power cut some drivers cannot promise.
     const bool flushed = attempt("fsync", [&] { return fsync(place_.folder.number()); }) == 0;
     return flushed ? Durability::flushed : Durability::uncertain;

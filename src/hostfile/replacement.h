@@ -41,7 +41,9 @@ class Replacement {
     Result<Done> flush() const;
     /// A new file in the place of one that is there: `refused`, where the file system can tell in one step.
     enum class Old { may_exist, must_be_new };
-    Result<Durability> put_in_place(Old old);
+    /// `uncertain` too where the folder is not to be flushed.
+    enum class Folder { is_flushed, is_left_to_the_system };
+    Result<Durability> put_in_place(Old old, Folder folder = Folder::is_flushed);
 
   private:
     explicit Replacement(HostPlace place) : place_(std::move(place)) {}

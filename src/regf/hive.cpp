@@ -11,10 +11,10 @@
 #include "regf/examine.h"
 #include "regf/image.h"
 #include "regf/layout.h"
-#include "regf/memory.h"
 #include "regf/model.h"
 #include "regf/records.h"
 #include "regf/recovery.h"
+#include "sealed_memory/sealed_memory.h"
 
 namespace regf {
 

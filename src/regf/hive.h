@@ -11,6 +11,7 @@
 
 #include "base/error.h"
 #include "regf/cell_offset.h"
+#include "sealed_memory/sealed_memory.h"
 
 /// Registry hive files ("regf"). A hive is held in memory as the image of its file and edited in place;
 /// nothing here touches a disk (see hive_file.h). Whatever the bytes say, no read leaves the image and no
@@ -23,6 +24,7 @@ namespace regf {
 using base::Error;
 using base::ErrorKind;
 using base::Result;
+using sealed_memory::Memory;
 
 using Bytes = std::vector<uint8_t>;
 using ByteView = std::span<const uint8_t>;
@@ -89,7 +91,6 @@ struct Finding {
 std::vector<Finding> validate(ByteView image, size_t limit = 100);
 
 class Editor;
-class Memory;
 
 class Hive {
   public:

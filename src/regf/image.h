@@ -10,9 +10,11 @@
 
 #include "regf/bins.h"
 #include "regf/hive.h"
-#include "regf/memory.h"
+#include "sealed_memory/sealed_memory.h"
 
 namespace regf {
+
+using sealed_memory::Mapping;
 
 /// Where the bins and cells of an image begin, a bit for each 8 bytes.
 class CellMap {

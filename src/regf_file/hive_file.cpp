@@ -11,7 +11,7 @@
 #include "hostfile/replacement.h"
 #include "regf/bytes.h"
 #include "regf/layout.h"
-#include "regf/memory.h"
+#include "sealed_memory/sealed_memory.h"
 #include "regf/recovery.h"
 
 namespace regf {

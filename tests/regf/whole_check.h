@@ -5,7 +5,7 @@
 
 #include "regf/examine.h"
 #include "regf/hive.h"
-#include "regf/memory.h"
+#include "sealed_memory/sealed_memory.h"
 #include "regf/model.h"
 
 namespace regf {

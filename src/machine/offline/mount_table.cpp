@@ -125,7 +125,8 @@ base::Result<Done> MountTable::add(const Mount& mount) const {
                            "cannot record the mount in " + folder_};
     // Not flushed: a mount has no meaning after a power cut, and what is sealed in it is flushed when it
     // counts.
-    const auto placed = record->put_in_place(hostfile::Replacement::Old::may_exist);
+    const auto placed = record->put_in_place(hostfile::Replacement::Old::may_exist,
+                                             hostfile::Replacement::Folder::is_left_to_the_system);
     return placed ? base::Result<Done>(Done{}) : placed.error();
 }
 

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -130,7 +131,9 @@ Processes::Started OfflineProcesses::run(const std::vector<std::string>& argumen
     const int failed = posix_spawnp(&child.process, arguments[0].c_str(), &actions, nullptr,
                                     pointers(arguments).data(), pointers(variables).data());
     posix_spawn_file_actions_destroy(&actions);
-    return failed == 0 ? add(std::move(child)) : Started{no_such_file, 0};
+    if (failed != 0) return {no_such_file, 0};
+    child.end = Descriptor(static_cast<int>(syscall(SYS_pidfd_open, child.process, 0)));
+    return add(std::move(child));
 }
 
 uint32_t OfflineProcesses::exit_code(uint32_t id) {
@@ -138,7 +141,7 @@ uint32_t OfflineProcesses::exit_code(uint32_t id) {
     Child& child = children_.at(id - 1);
     if (child.process == 0) return child.code;
     // The program asks again at once: a moment's rest here leaves it alive and the processor free.
-    pollfd waiting{child.reports.number(), POLLIN, 0};
+    pollfd waiting{child.end.number(), POLLIN, 0};
     (void)poll(&waiting, 1, poll_milliseconds);
     int status = 0;
     const pid_t ended = waitpid(child.process, &status, WNOHANG);

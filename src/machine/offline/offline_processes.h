@@ -34,6 +34,7 @@ class OfflineProcesses : public Processes {
     struct Child {
         pid_t process = 0;  ///< 0 once it has ended
         uint32_t code = still_active;
+        Descriptor end;            ///< can be read once it has ended
         Descriptor reports;        ///< our end of the channel; none: another program than the hive tool
         ToolReport known;          ///< before the tool has told anything: verb and name
         WinCode sealed = success;  ///< of the changes that it is to write

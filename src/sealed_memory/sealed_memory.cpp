@@ -1,4 +1,4 @@
-#include "regf/memory.h"
+#include "sealed_memory/sealed_memory.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -9,7 +9,7 @@
 #include <cerrno>
 #include <new>
 
-namespace regf {
+namespace sealed_memory {
 
 namespace {
 
@@ -98,4 +98,4 @@ void Mapping::grow(uint64_t size) {
     size_ = size;
 }
 
-}  // namespace regf
+}  // namespace sealed_memory

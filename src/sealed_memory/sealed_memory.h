@@ -5,7 +5,7 @@
 #include <span>
 #include <utility>
 
-namespace regf {
+namespace sealed_memory {
 
 /// Where the bytes of one hive lie. Once sealed nobody can change them any more, not even who put them there:
 /// what one process has examined, another that is handed the descriptor need not examine again.
@@ -62,4 +62,4 @@ class Mapping {
     uint64_t most_ = 0;
 };
 
-}  // namespace regf
+}  // namespace sealed_memory
