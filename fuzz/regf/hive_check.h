@@ -44,7 +44,6 @@ inline void require_sound_commit(regf::Hive& hive) {
     const auto again = regf::Hive::open(sealed->image);
     require(again.ok() && again->read_only_reason().empty() && !again->recovered());
     require(walk(*again, again->root()) == walk(hive, hive.root()));
-    require(again->count_differences() == 0);
 }
 
 }  // namespace fuzz

@@ -159,10 +159,13 @@ Result<Done> Replacement::keep_dos_attributes(int old) const {
     return Done{};
 }
 
-Result<Done> Replacement::flush() const {
-    if (attempt("fsync", [&] { return fsync(descriptor()); }) != 0)
-        return system_error(place_.name, "cannot be flushed");
-    return Done{};
+std::future<Result<Done>> Replacement::begin_to_flush() const {
+    // Where no thread is to be had it is done when it is asked for.
+    return std::async([file = descriptor(), name = place_.name, failure = planned_failure("fsync")] {
+        errno = failure;
+        const bool done = failure == 0 && fsync(file) == 0;
+        return done ? Result<Done>(Done{}) : system_error(name, "cannot be flushed");
+    });
 }
 
 int Replacement::rename(Old old) const {

@@ -46,6 +46,8 @@ class Check {
         return "";
     }
 
+    int count_differences() const { return expected_.count_differences(); }
+
   private:
     std::string check_base_block() const;
     std::string walk_changed_bins();
@@ -292,10 +294,13 @@ std::string Check::check_cells_that_are(uint32_t bin, uint32_t end) const {
 
 }  // namespace
 
-std::string first_fault(const Commit& commit) try {
-    return Check(commit).run();
+Verdict judge(const Commit& commit) try {
+    Check check(commit);
+    std::string fault = check.run();
+    const int differences = fault.empty() ? check.count_differences() : 0;
+    return {std::move(fault), differences};
 } catch (const std::bad_optional_access&) {
-    return "a record that cannot be read";
+    return {"a record that cannot be read", 0};
 }
 
 }  // namespace regf

@@ -19,10 +19,15 @@ struct Commit {
     const std::map<CellOffset, uint32_t>& corrected_counts;
 };
 
-/// Why it may not be written; empty where the two images differ in what was asked for and in nothing else,
-/// and the edited one keeps every rule of the format. Looks at what the changes could reach only: at the keys
-/// they name, and at every cell of a changed bin. All else is the same bytes, and of those nothing is claimed
-/// by a key that had no claim to it before.
-std::string first_fault(const Commit& commit);
+struct Verdict {
+    std::string fault;    ///< why it may not be written; empty where it may
+    int differences = 0;  ///< of values and keys
+};
+
+/// Whether the two images differ in what was asked for and in nothing else, and the edited one keeps every
+/// rule of the format. Looks at what the changes could reach only: at the keys they name, and at every cell
+/// of a changed bin. All else is the same bytes, and of those nothing is claimed by a key that had no claim
+/// to it before.
+Verdict judge(const Commit& commit);
 
 }  // namespace regf

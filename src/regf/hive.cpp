@@ -11,7 +11,6 @@
 #include "regf/examine.h"
 #include "regf/image.h"
 #include "regf/layout.h"
-#include "regf/model.h"
 #include "regf/records.h"
 #include "regf/recovery.h"
 #include "sealed_memory/sealed_memory.h"
@@ -383,14 +382,6 @@ Result<Done> Hive::apply(const Change& change) {
     return Error{ErrorKind::invalid, "not a change"};
 }
 
-int Hive::count_differences() const {
-    if (!state_->opened) return 0;
-    Model model(*state_->opened);
-    for (const Change& change : state_->changes)
-        (void)model.apply(change);  // one that does not fit is found when the hive is sealed
-    return model.count_differences();
-}
-
 // --- sealing
 
 Result<Hive::Sealed> Hive::seal(FileTime now) {
@@ -408,17 +399,18 @@ Result<Hive::Sealed> Hive::seal(FileTime now) {
     state_->image.set_time_of_first_bin(now);
     put32(head, base_block::checksum, base_block_checksum(head));
 
-    Sealed sealed{opened.bytes(), state_->image.bytes(), state_->image.touched_pages()};
+    Sealed sealed{opened.bytes(), state_->image.bytes(), state_->image.touched_pages(), 0};
     std::erase_if(sealed.changed_pages, [&](uint32_t page) {
         const size_t at = size_t{page} * bin_unit;
         return at + bin_unit <= sealed.opened.size() &&
                std::ranges::equal(sealed.opened.subspan(at, bin_unit), sealed.image.subspan(at, bin_unit));
     });
-    const std::string fault =
-        first_fault({opened, state_->image, sealed.changed_pages, state_->changes, state_->corrected_counts});
-    if (fault.empty()) return sealed;
+    const Verdict verdict =
+        judge({opened, state_->image, sealed.changed_pages, state_->changes, state_->corrected_counts});
+    sealed.differences = verdict.differences;
+    if (verdict.fault.empty()) return sealed;
     return Error{ErrorKind::damaged,
-                 "the new hive would differ in more than was asked for, or be damaged: " + fault};
+                 "the new hive would differ in more than was asked for, or be damaged: " + verdict.fault};
 }
 
 FileTime current_file_time() {

@@ -173,9 +173,6 @@ class Hive {
     /// What was done since the hive was opened, in order; no-ops are not among it.
     const std::vector<Change>& changes() const;
 
-    /// How many values and keys differ from the hive as it was opened.
-    int count_differences() const;
-
     /// The bytes of the file as they were opened (recovered where they had to be), and as they are to be
     /// written. Both are good as long as the hive is not edited.
     struct Sealed {
@@ -183,6 +180,7 @@ class Hive {
         ByteView image;
         /// Which pages of 4096 bytes differ, ascending; all others are the same bytes.
         std::vector<uint32_t> changed_pages;
+        int differences;  ///< how many values and keys differ; all else are times and counters
     };
     /// Sets sequence numbers, time stamps and checksum, then reads the result afresh and holds it against the
     /// image as it was opened: the two differ in what `changes()` asked for and in nothing else. `damaged` if

@@ -11,8 +11,8 @@
 #include "hostfile/replacement.h"
 #include "regf/bytes.h"
 #include "regf/layout.h"
-#include "sealed_memory/sealed_memory.h"
 #include "regf/recovery.h"
+#include "sealed_memory/sealed_memory.h"
 
 namespace regf {
 
@@ -222,9 +222,20 @@ Error changed_meanwhile(const std::string& name) {
     return {ErrorKind::changed, name + ": was changed by another program meanwhile"};
 }
 
-/// Fills the replacement with the sealed image, which then is on the disk, as it was meant.
+Result<Done> compare(const Replacement& replacement, const Hive::Sealed& sealed, const std::string& name,
+                     const OpenFile* copied) {
+    const auto same = holds(replacement.descriptor(), sealed.image, 0, name);
+    if (!same) return same.error();
+    if (*same) return Done{};
+    const auto old_same = copied ? holds(copied->file.number(), sealed.opened, 0, name) : true;
+    if (old_same && !*old_same) return changed_meanwhile(name);
+    return Error{ErrorKind::io, name + ": reads back otherwise than it was written"};
+}
+
+/// Fills the replacement with the sealed image, which then is on the disk, as it was meant. `meanwhile` is
+/// done while the disk works.
 Result<Done> fill(const Replacement& replacement, const Hive::Sealed& sealed, const std::string& name,
-                  const OpenFile* old, bool old_is_as_opened) {
+                  const OpenFile* old, bool old_is_as_opened, const std::function<void()>& meanwhile) {
     const int file = replacement.descriptor();
     const bool copied = old && old_is_as_opened &&
                         copy_all(old->file.number(), file, static_cast<uint64_t>(old->status.st_size));
@@ -234,13 +245,11 @@ Result<Done> fill(const Replacement& replacement, const Hive::Sealed& sealed, co
     if (old) {
         if (auto kept = replacement.take_over(old->file.number()); !kept) return kept;
     }
-    if (auto flushed = replacement.flush(); !flushed) return flushed;
-    const auto same = holds(file, sealed.image, 0, name);
-    if (!same) return same.error();
-    if (*same) return Done{};
-    const auto old_same = copied ? holds(old->file.number(), sealed.opened, 0, name) : true;
-    if (old_same && !*old_same) return changed_meanwhile(name);
-    return Error{ErrorKind::io, name + ": reads back otherwise than it was written"};
+    auto flushing = replacement.begin_to_flush();
+    meanwhile();
+    const auto compared = compare(replacement, sealed, name, copied ? old : nullptr);
+    const auto flushed = flushing.get();
+    return compared ? flushed : compared;
 }
 
 /// The file, where one may be put in its place.
@@ -259,12 +268,13 @@ Result<OpenFile> open_to_replace(const HostPlace& place) {
 
 }  // namespace
 
-Result<Durability> commit(const HostPlace& place, Hive& hive, const FileIdentity& identity, FileTime now,
-                          const Announce& announce) {
-    // What was written may be what stood there already: times alone are no reason to touch the file.
-    if (hive.changes().empty() || hive.count_differences() == 0) return Durability::flushed;
+Result<Committed> commit(const HostPlace& place, Hive& hive, const FileIdentity& identity, FileTime now,
+                         const Announce& announce) {
+    if (hive.changes().empty()) return Committed{};
     const auto sealed = hive.seal(now);
     if (!sealed) return sealed.error();
+    // What was written may be what stood there already: times alone are no reason to touch the file.
+    if (sealed->differences == 0) return Committed{};
     const auto old = open_to_replace(place);
     if (!old) return old.error();
     const auto present = identify_open(*old, place.name);
@@ -277,10 +287,14 @@ Result<Durability> commit(const HostPlace& place, Hive& hive, const FileIdentity
     if (!*same) return changed_meanwhile(place.name);
     auto replacement = Replacement::begin(place, old->status.st_mode);
     if (!replacement) return replacement.error();
-    if (auto filled = fill(*replacement, *sealed, place.name, &*old, !hive.recovered()); !filled)
+    const auto meanwhile = [&] {
+        if (announce) announce(stamp_of(sealed->image.size(), sealed->image));
+    };
+    if (auto filled = fill(*replacement, *sealed, place.name, &*old, !hive.recovered(), meanwhile); !filled)
         return filled.error();
-    if (announce) announce(stamp_of(sealed->image.size(), sealed->image));
-    return replacement->put_in_place(Replacement::Old::may_exist);
+    const auto placed = replacement->put_in_place(Replacement::Old::may_exist);
+    if (!placed) return placed.error();
+    return Committed{*placed, sealed->differences};
 }
 
 Result<Done> try_replacing(const HostPlace& place) {
@@ -295,7 +309,8 @@ Result<Durability> write_new(const HostPlace& place, Hive& hive, FileTime now) {
     if (!sealed) return sealed.error();
     auto replacement = Replacement::begin(place, 0600);
     if (!replacement) return replacement.error();
-    if (auto filled = fill(*replacement, *sealed, place.name, nullptr, false); !filled) return filled.error();
+    if (auto filled = fill(*replacement, *sealed, place.name, nullptr, false, [] {}); !filled)
+        return filled.error();
     return replacement->put_in_place(Replacement::Old::must_be_new);
 }
 

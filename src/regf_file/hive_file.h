@@ -59,8 +59,12 @@ Result<FileIdentity> identify(const HostPlace& place);
 /// which nothing differs is not written, recovered or not. `announce` is told what the file is about to
 /// become.
 using Announce = std::function<void(const HiveStamp&)>;
-Result<Durability> commit(const HostPlace& place, Hive& hive, const FileIdentity& identity, FileTime now,
-                          const Announce& announce = {});
+struct Committed {
+    Durability durability = Durability::flushed;
+    int differences = 0;  ///< of values and keys; 0: nothing was written
+};
+Result<Committed> commit(const HostPlace& place, Hive& hive, const FileIdentity& identity, FileTime now,
+                         const Announce& announce = {});
 
 /// What commit() needs of the disk, tried out: a file beside this one that takes over all that is to be kept.
 /// Nothing is left of it. `refused` for a file with a second name, which would keep the old content.

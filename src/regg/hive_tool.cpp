@@ -93,8 +93,8 @@ Result<Done> write_changes(Setting& setting, const std::string& name, ToolReport
     const auto written =
         regf::commit(hive->place, hive->file.hive, hive->file.identity, regf::current_file_time(), announce);
     if (!written) return written.error();
-    report.changed = hive->file.hive.count_differences();
-    if (*written == regf::Durability::uncertain)
+    report.changed = written->differences;
+    if (written->durability == regf::Durability::uncertain)
         report.detail = "the hive is written, but its folder could not be flushed: do not cut the power yet";
     if (hive->record.unsealed) {
         report.changes_lost = true;

@@ -38,7 +38,7 @@ struct HiveFiles : testing::Test {
         EXPECT_TRUE(hive.set_value(*hive.create(u"Software\\New", 4), u"v", {REG_BINARY, Bytes(9000, 1)}, 4));
     }
     /// Reads, edits and commits.
-    Result<Durability> change_file() const {
+    Result<Committed> change_file() const {
         auto lock = FileLock::acquire(place);
         if (!lock) return lock.error();
         auto file = read_hive(place, *lock);

@@ -133,8 +133,8 @@ TEST(Samples, WithAWrongByteArePassedByNoJudge) {
         pages.insert(static_cast<uint32_t>(at / bin_unit));
         const std::vector<uint32_t> changed_pages(pages.begin(), pages.end());
         const bool passed =
-            first_fault({image_of(sealed->opened), image_of(wrong), changed_pages, hive.changes(), {}})
-                .empty();
+            judge({image_of(sealed->opened), image_of(wrong), changed_pages, hive.changes(), {}})
+                .fault.empty();
         refused += !passed;
         const auto read = Hive::open(wrong);
         const bool differs = !read || !read->read_only_reason().empty() || full_dump(*read) != text;

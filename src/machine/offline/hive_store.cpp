@@ -85,8 +85,11 @@ WinCode FileHive::apply(const regf::Change& change) {
     regf::HiveFile changed = std::move(*held_);
     held_.reset();
     const regf::FileTime now = regf::current_file_time();
-    const auto written = absent ? regf::write_new(place_, changed.hive, now)
-                                : regf::commit(place_, changed.hive, changed.identity, now);
+    if (absent) {
+        const auto made = regf::write_new(place_, changed.hive, now);
+        return made ? success : win_code(made.error().kind);
+    }
+    const auto written = regf::commit(place_, changed.hive, changed.identity, now);
     return written ? success : win_code(written.error().kind);
 }
 

@@ -105,7 +105,13 @@ Processes::Started OfflineProcesses::open_folder_window(const std::string& folde
     return opened.error == no_error ? opened : Started{no_error, 0};  // a system without a desktop
 }
 
+/// Of those that had told all before they were gone.
+void OfflineProcesses::take_leave(int options) {
+    std::erase_if(leaving_, [&](pid_t process) { return waitpid(process, nullptr, options) != 0; });
+}
+
 Processes::Started OfflineProcesses::add(Child child) {
+    take_leave(WNOHANG);
     children_.push_back(std::move(child));
     return {no_error, static_cast<uint32_t>(children_.size())};
 }
@@ -141,27 +147,33 @@ uint32_t OfflineProcesses::exit_code(uint32_t id) {
     Child& child = children_.at(id - 1);
     if (child.process == 0) return child.code;
     // The program asks again at once: a moment's rest here leaves it alive and the processor free.
-    pollfd waiting{child.end.number(), POLLIN, 0};
-    (void)poll(&waiting, 1, poll_milliseconds);
+    std::array<pollfd, 2> waiting{{{child.reports.number(), POLLIN, 0},
+                                   {child.end.number(), POLLIN, 0}}};  // closed ones are passed over
+    (void)poll(waiting.data(), waiting.size(), poll_milliseconds);
+    // What the tool has told stands: clearing its memory away may take it longer than its work.
+    if (child.reports.is_open()) child.told += receive(child.reports.number(), child.hive);
+    ToolReport told = child.known;
+    const bool is_told = decode(child.told, told);
     int status = 0;
     const pid_t ended = waitpid(child.process, &status, WNOHANG);
-    if (ended == 0) return still_active;
-    // Where nothing is known of its end it counts as failed.
-    const bool known = ended == child.process && WIFEXITED(status);
+    if (ended == 0 && !is_told) return still_active;
+    if (ended == 0) leaving_.push_back(child.process);
     child.process = 0;
-    child.code = known ? static_cast<uint32_t>(WEXITSTATUS(status)) : 1;
-    if (child.reports.is_open()) report(child, end_of(ended, status));
+    child.end = Descriptor();
+    // Where nothing is known of its end it counts as failed.
+    const bool known = ended > 0 && WIFEXITED(status);
+    child.code = is_told ? !told.succeeded : known ? static_cast<uint32_t>(WEXITSTATUS(status)) : 1;
+    if (!child.reports.is_open()) return child.code;
+    child.reports = Descriptor();
+    if (!is_told) {
+        told.detail = end_of(ended, status);
+        told.succeeded = told.detail.empty();
+    }
+    report(child, std::move(told));
     return child.code;
 }
 
-void OfflineProcesses::report(Child& child, const std::string& end) {
-    std::optional<HandedHive> hive;
-    const std::string bytes = receive(child.reports.number(), hive);
-    ToolReport told = child.known;
-    if (!decode(bytes, told)) {
-        told.succeeded = end.empty();
-        told.detail = end;
-    }
+void OfflineProcesses::report(Child& child, ToolReport told) {
     if (told.verb == ToolReport::Verb::unload && child.sealed != success) {
         told.succeeded = false;
         told.changes_lost = true;
@@ -174,7 +186,7 @@ void OfflineProcesses::report(Child& child, const std::string& end) {
     // Another instance clears away what a crashed run may have left, and takes a mount that nobody holds for
     // it.
     if (told.verb == ToolReport::Verb::load && told.succeeded &&
-        !registry_.hold(told.name, std::move(hive))) {
+        !registry_.hold(told.name, std::move(child.hive))) {
         told.succeeded = false;
         told.why = base::ErrorKind::in_use;
         told.detail = "another instance of the program works on this user";
