@@ -1,7 +1,6 @@
 #include "regf/records.h"
 
 #include <algorithm>
-#include <ranges>
 
 namespace regf {
 
@@ -83,11 +82,18 @@ std::optional<CellOffset> find_subkey(const Image& image, CellView key, std::u16
         return record ? compare_names(key_name(*record), name) : 1;
     };
     for (const Leaf& leaf : subkey_lists(image, key).leaves) {
-        const auto all = std::views::iota(size_t{0}, leaf.count);
-        const auto at =
-            in_order ? std::ranges::partition_point(all, [&](size_t i) { return compare(leaf.key(i)) < 0; })
-                     : std::ranges::find_if(all, [&](size_t i) { return compare(leaf.key(i)) == 0; });
-        if (at != all.end() && compare(leaf.key(*at)) == 0) return leaf.key(*at);
+        size_t at = 0;
+        for (size_t end = leaf.count; in_order && at < end;) {
+            const size_t middle = at + (end - at) / 2;
+            if (compare(leaf.key(middle)) < 0) {
+                at = middle + 1;
+            } else {
+                end = middle;
+            }
+        }
+        while (!in_order && at < leaf.count && compare(leaf.key(at)) != 0)
+            ++at;
+        if (at < leaf.count && compare(leaf.key(at)) == 0) return leaf.key(at);
     }
     return std::nullopt;
 }

@@ -233,7 +233,8 @@ base::Result<MountedHive> open_mounted(const DriveMap& drives, const MountTable&
                            file_for_people(record->mount.file) + " was changed after it had been mounted"};
     Descriptor memory = handed ? std::move(handed->memory) : Descriptor();
     auto examined = memory.is_open() ? regf::taken_over(*place, memory.duplicate()) : std::nullopt;
-    auto file = examined ? base::Result(std::move(*examined)) : regf::read_hive(*place, *lock);
+    auto file =
+        examined ? base::Result<regf::HiveFile>(std::move(*examined)) : regf::read_hive(*place, *lock);
     if (!file) return file.error();
     if (!examined) memory = regf::hand_over(file->hive);
     for (const regf::Change& change : record->sealed) {
