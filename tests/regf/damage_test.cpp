@@ -1,8 +1,6 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
 
 #include "regf/bytes.h"
 #include "regf/dump.h"
@@ -11,8 +9,6 @@
 
 namespace regf {
 namespace {
-
-using testing::HasSubstr;
 
 void repair_checksum(Bytes& image) {
     if (image.size() >= base_block_size) put32(image, base_block::checksum, base_block_checksum(image));
@@ -82,128 +78,15 @@ TEST(DamagedHives, AreReadOrRefusedWhicheverByteIsWrong) {
     }
 }
 
-/// A hive to be broken at will.
-struct Victim {
-    explicit Victim(Hive from) : hive(std::move(from)), bytes(*sealed_image(hive, 4)) {}
-    Key key(std::u16string_view path) const { return *hive.find(path); }
-    uint32_t get(uint32_t cell, size_t field) const {
-        return get32(bytes, base_block_size + cell + 4 + field);
-    }
-    uint32_t get(std::u16string_view path, size_t field) const {
-        return get(number_of(key(path).cell), field);
-    }
-    void put(uint32_t cell, size_t field, uint32_t value) {
-        put32(bytes, base_block_size + cell + 4 + field, value);
-    }
-    void put(std::u16string_view path, size_t field, uint32_t value) {
-        put(number_of(key(path).cell), field, value);
-    }
-    /// Of the n-th value of a key.
-    uint32_t value(std::u16string_view path, size_t n) const { return get(get(path, nk::value_list), 4 * n); }
-    uint32_t root_list() const { return get(u"", nk::subkey_list); }
-    uint32_t security() const { return get(u"", nk::security); }
-
-    Hive hive;
-    Bytes bytes;
-};
-
-TEST(DamagedHives, OfEveryKnownShapeAreFoundOut) {
-    struct Shape {
-        const char* what;
-        std::function<void(Victim&)> damage;
-        bool readable;
-    };
-    const Shape shapes[] = {
-        {"a subkey is reached twice",  // a ring: Deep has the root below it
-         [](Victim& v) { v.put(v.get(u"Alpha\\Inner", nk::subkey_list), 4, number_of(v.hive.root().cell)); },
-         false},
-        {"a list of subkeys is reached twice",
-         [](Victim& v) { v.put(u"Gamma", nk::subkey_list, v.get(u"Alpha", nk::subkey_list)); }, false},
-        {"the value list is reached twice",
-         [](Victim& v) { v.put(u"Beta", nk::value_list, v.get(u"Alpha", nk::value_list)); }, false},
-        {"a value is reached twice",
-         [](Victim& v) { v.put(v.get(u"Alpha", nk::value_list), 4, v.value(u"Alpha", 0)); }, false},
-        {"a cell with data is reached twice",
-         [](Victim& v) {
-             v.put(v.value(u"Beta", 0), vk::data, v.get(v.value(u"Alpha", 2), vk::data));
-             v.put(v.value(u"Beta", 0), vk::data_size, 20);
-         },
-         false},
-        {"the list of subkeys is damaged", [](Victim& v) { v.put(v.root_list(), 0, 0xFFFF'666C); }, true},
-        {"the list of subkeys is damaged", [](Victim& v) { v.put(v.root_list(), 0, 0x0000'666C); }, true},
-        {"the list of subkeys is damaged",  // an index that holds itself
-         [](Victim& v) {
-             v.put(v.root_list(), 0, 0x0001'6972);
-             v.put(v.root_list(), 4, v.root_list());
-         },
-         true},
-        {"a list of subkeys is reached twice",  // an index of one leaf, over and over
-         [](Victim& v) {
-             const uint32_t leaf = v.get(u"Alpha", nk::subkey_list);
-             v.put(v.root_list(), 0, 0x0003'6972);
-             for (size_t i = 0; i < 3; ++i)
-                 v.put(v.root_list(), 4 + 4 * i, leaf);
-         },
-         false},
-        {"another length than the key tells", [](Victim& v) { v.put(u"", nk::subkey_count, 0xFFFFFFFF); },
-         true},
-        {"the value list is shorter", [](Victim& v) { v.put(u"Alpha", nk::value_count, 0xFFFFFFFF); }, true},
-        {"cannot be read", [](Victim& v) { v.put(v.value(u"Alpha", 1), vk::data_size, 0x80000005); }, true},
-        {"cannot be read", [](Victim& v) { v.put(v.value(u"Alpha", 2), vk::data_size, 0x7FFFFFFF); }, true},
-        {"cannot be read", [](Victim& v) { v.put(v.value(u"Alpha", 2), vk::data, 0x24); }, true},
-        {"a value cannot be read", [](Victim& v) { v.put(v.value(u"Alpha", 2), 0, 0xFFFF'6B76); }, true},
-        {"a subkey cannot be read", [](Victim& v) { v.put(u"Beta", nk::name_length, 0x0000'FFFF); }, true},
-        {"a key tells another parent", [](Victim& v) { v.put(u"Beta", nk::parent, v.security()); }, true},
-        {"the class name cannot be read",
-         [](Victim& v) { v.put(u"Beta", nk::name_length, v.get(u"Beta", nk::name_length) | 0x00080000); },
-         true},
-        {"without a security descriptor", [](Victim& v) { v.put(u"Beta", nk::security, number_of(nil)); },
-         true},
-        {"counts too few keys", [](Victim& v) { v.put(v.security(), sk::reference_count, 1); }, true},
-        {"the ring of security records", [](Victim& v) { v.put(v.security(), sk::next, number_of(nil)); },
-         true},
-        {"an invalid security descriptor", [](Victim& v) { v.put(v.security(), sk::descriptor, 2); }, true},
-        {"subkeys out of order",
-         [](Victim& v) {
-             const uint32_t first = v.get(v.root_list(), 4);
-             v.put(v.root_list(), 4, v.get(v.root_list(), 12));
-             v.put(v.root_list(), 12, first);
-         },
-         true},
-        {"a cell of impossible size",
-         [](Victim& v) { put32(v.bytes, base_block_size + number_of(v.key(u"Gamma").cell), 0x80000000); },
-         true},
-        {"the root key cannot be read", [](Victim& v) { put32(v.bytes, base_block::root, 0x28); }, false},
-        {"no multiple of 4096", [](Victim& v) { put32(v.bytes, base_block::bins_size, 0x1FFF); }, true},
-        {"the file ends before", [](Victim& v) { put32(v.bytes, base_block::bins_size, 0xFFFFF000); }, true},
-        {"another place than its own",
-         [](Victim& v) { put32(v.bytes, base_block_size + bin_unit + bin::offset, 0); }, true},
-    };
-    for (const Shape& shape : shapes) {
-        SCOPED_TRACE(shape.what + (" (row " + std::to_string(&shape - shapes) + ")"));
-        Victim victim(small_hive(3));
-        shape.damage(victim);
-        repair_checksum(victim.bytes);
-        std::string found;
-        for (const Finding& finding : validate(victim.bytes))
-            found += (finding.level == Finding::Level::error ? finding.text : "") + "\n";
-        EXPECT_THAT(found, HasSubstr(shape.what));
-        const auto opened = Hive::open(victim.bytes);
-        EXPECT_EQ(opened.ok(), shape.readable) << (opened ? "" : opened.error().message);
-        if (opened) {
-            EXPECT_NE(opened->read_only_reason(), "");
-        }
-        exercise(victim.bytes);
-    }
-}
-
 TEST(DamagedHives, WithAWrongCountOfSharedDescriptorsAreEditedSafely) {
     for (const uint32_t count : {0x7FFFFFFFu, 0xFFFFFFECu, 0xFFFFFFFEu, 0xFFFFFFFFu}) {
         SCOPED_TRACE(count);
-        Victim victim(small_hive(3));
-        victim.put(victim.security(), sk::reference_count, count);
-        repair_checksum(victim.bytes);
-        auto hive = Hive::open(victim.bytes);
+        Hive sound = small_hive(3);
+        Bytes image = *sealed_image(sound, 4);
+        const auto record = std::search(image.begin(), image.end(), std::begin("sk\0"), std::end("sk\0") - 1);
+        put32(image, static_cast<size_t>(record - image.begin()) + sk::reference_count, count);
+        repair_checksum(image);
+        auto hive = Hive::open(image);
         ASSERT_TRUE(hive);
         ASSERT_EQ(hive->read_only_reason(), "");
         for (char16_t letter = u'a'; letter <= u'z'; ++letter) {  // the count wraps on the way

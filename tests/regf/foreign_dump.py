@@ -1,5 +1,9 @@
 #!/usr/bin/python3
-"""Dumps a hive through another reader, in the form of dump(): the judge of what we read and write."""
+"""Dumps hives through another reader, in the form of dump(): the judge of what we read and write.
+
+usage: foreign_dump.py [--named] FILE...     --named: each begins with its name
+"""
+import os
 import sys
 
 import hivex
@@ -14,7 +18,7 @@ def escaped(name):
     return out
 
 
-def main(path):
+def dump(path):
     hive = hivex.Hivex(path)
     todo = [(hive.root(), "")]
     out = []
@@ -26,7 +30,9 @@ def main(path):
             out.append("V %s %s %d %s" % (where, escaped(hive.value_key(value)), kind & 0xFFFFFFFF, data.hex()))
         children = [(child, where + "/" + escaped(hive.node_name(child))) for child in hive.node_children(node)]
         todo.extend(reversed(children))
-    sys.stdout.write("\n".join(out) + "\n")
+    return "\n".join(out) + "\n"
 
 
-main(sys.argv[1])
+named = sys.argv[1] == "--named"
+for file in sys.argv[1 + named:]:
+    sys.stdout.write(("F %s\n" % os.path.basename(file) if named else "") + dump(file))
