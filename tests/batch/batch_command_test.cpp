@@ -26,6 +26,7 @@ struct Answer {
 /// A school's Windows: four more users, each with the hive of Anna.
 struct BatchCommand : testing::Test {
     OfflineFixture windows;
+    Language language = english;
     fs::path file = windows.scratch() / "set.brl";
 
     void SetUp() override {
@@ -59,7 +60,7 @@ struct BatchCommand : testing::Test {
         words.push_back("--password-fd=" + std::to_string(ends[0]));
         testing::internal::CaptureStdout();
         testing::internal::CaptureStderr();
-        const int code = run_batch(words, PROGRAM_FOLDER, english);
+        const int code = run_batch(words, PROGRAM_FOLDER, language);
         close(ends[0]);
         const std::string out = testing::internal::GetCapturedStdout();
         return {code, out, testing::internal::GetCapturedStderr()};
@@ -93,6 +94,10 @@ TEST_F(BatchCommand, RestrictsAllUsersButThoseItCannot) {
     EXPECT_EQ(run({"apply", file.string(), "--all-users"}).out, first.out);
     EXPECT_TRUE(hives() == after) << "a second run changes nothing";
     EXPECT_TRUE(windows.offline().mounts().mounts()->empty());
+    language = german;
+    EXPECT_THAT(run({"show", "--user", "pupil3"}).err,
+                HasSubstr("(die Registrierungsdatei ist beschädigt (HKU"));
+    language = english;
 
     const Answer shown = run({"show", "--user", "pupil2", "--user=nobody", "--user", "ANNA"});
     EXPECT_EQ(shown.code, 1);
