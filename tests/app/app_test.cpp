@@ -24,6 +24,8 @@ TEST(Strip, TellsOutcomesWithTheirReasons) {
     EXPECT_EQ(german_and_english({load, "Anna", true, {}, ""}), "|");
     EXPECT_EQ(german_and_english({unload, "Anna", true, {}, "", 5}),
               "Anna: 5 Werte geändert, gespeichert 14:02|Anna: 5 values changed, saved 14:02");
+    EXPECT_EQ(german_and_english({unload, "Anna", true, {}, "", 1}),
+              "Anna: 1 Wert geändert, gespeichert 14:02|Anna: 1 value changed, saved 14:02");
     EXPECT_EQ(german_and_english({unload, "J\xf6rg", true, {}, "", 0}),
               "Jörg: nichts geändert, 14:02|Jörg: nothing changed, 14:02");
     EXPECT_EQ(german_and_english({unload, "Ben", false, base::ErrorKind::no_space, "disk full", 0, true}),

@@ -59,6 +59,9 @@ TEST_F(Model, ControlsFireOnARealChangeAndRefuseWhatIsNone) {
     gallery.name.type("more than twelve letters");
     EXPECT_EQ(gallery.name.text(), "more than tw");
 
+    EXPECT_EQ(folders_on_the_way("C:\\School\\Room 1"),
+              (std::vector<std::string>{"C:\\", "C:\\School", "C:\\School\\Room 1"}));
+    EXPECT_EQ(folders_on_the_way("C:\\"), (std::vector<std::string>{"C:\\"}));
     EXPECT_EQ(error_of([this] { gallery.tick.set_value(3); }), 380);
     EXPECT_EQ(error_of([this] { gallery.tab.set_current(9); }), 380);
     EXPECT_EQ(error_of([this] { gallery.list.set_selected(4); }), 9);
