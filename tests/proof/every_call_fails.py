@@ -27,7 +27,7 @@ ERRORS = {
     "copy_file_range": ("ENOSPC", "EXDEV"), "sendfile": ("EIO", "EINVAL"), "mmap": ("ENOMEM",), "brk": ("ENOMEM",),
     "memfd_create": ("EMFILE",), "mprotect": ("ENOMEM",), "fcntl": ("EMFILE",), "renameat": ("EACCES", "ENOSPC"),
     "fchown": ("EPERM",), "fchmod": ("EPERM",), "socketpair": ("EMFILE",), "clone": ("EAGAIN",), "clone3": ("EAGAIN",),
-    "vfork": ("EAGAIN",), "execve": ("ENOMEM",), "pidfd_open": ("EMFILE",), "flock": ("EINTR", "ENOLCK"),
+    "vfork": ("EAGAIN",), "execve": ("ENOMEM",), "pidfd_open": ("EMFILE",), "flock": ("ENOLCK",),
 }
 # That fail for nobody, or whose failure means nothing: what ends a process and what waits for time.
 NEVER = {"exit_group", "exit", "rt_sigreturn", "restart_syscall", "arch_prctl", "set_tid_address", "set_robust_list", "rseq"}
@@ -86,8 +86,11 @@ def apply(process=None, inject=()):
     environment = dict(os.environ, TRACED=process or "", TRACE=trace, INJECT=" ".join(inject))
     if process == "program":
         words = ["strace", "-o", trace, *inject, *words]
-    done = subprocess.run(words, input=password + "\n", text=True, capture_output=True, env=environment, timeout=60)
-    return done.returncode, done.stdout + done.stderr
+    try:
+        done = subprocess.run(words, input=password + "\n", text=True, capture_output=True, env=environment, timeout=60)
+        return done.returncode, done.stdout + done.stderr
+    except subprocess.TimeoutExpired:
+        return None, "it hangs"
 
 
 def calls_of(process):
@@ -117,6 +120,8 @@ def fault_of(process, injected, old, new):
     fresh()
     code, said = apply(process, ("-e", "inject=" + injected))
     found = content(hive)
+    if code is None:
+        return said, ""
     if found not in (old, new):
         return "the hive is neither the old nor the new one", said
     if code == 0 and found != new:

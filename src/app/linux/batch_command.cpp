@@ -52,14 +52,23 @@ class Troubles {
   public:
     explicit Troubles(Language language) : language_(language) {}
     void note(const machine::ToolReport& report) {
-        if (!report.succeeded || report.changes_lost)
-            last_ = text::from_utf8(strip::reason(report.why, report.detail, language_))
-                        .value_or(product::hive_tool_file);
+        // Before a hive is loaded, what an earlier run has left behind is cleared away: no trouble of this
+        // one's.
+        const bool earlier = report.verb == machine::ToolReport::Verb::unload && !loaded_;
+        loaded_ = report.verb == machine::ToolReport::Verb::load && report.succeeded;
+        if (report.succeeded && !report.changes_lost) return;
+        const std::string why = strip::reason(report.why, report.detail, language_);
+        if (earlier || report.succeeded) {
+            std::cerr << text::to_utf8(report.name) << ": " << why << std::endl;
+        } else {
+            last_ = text::from_utf8(why).value_or(product::hive_tool_file);
+        }
     }
     std::string take() { return std::exchange(last_, ""); }
 
   private:
     const Language language_;
+    bool loaded_ = false;
     std::string last_;
 };
 

@@ -49,6 +49,7 @@ std::optional<std::string> outcome(const machine::ToolReport& report, std::strin
         return name + reason(report.why, report.detail, language) +
                pick(report.changes_lost ? lost : nothing_written, language);
     }
+    if (report.changes_lost) return name + reason(report.why, report.detail, language);  // an earlier run's
     if (report.verb == machine::ToolReport::Verb::load) return std::nullopt;
     if (report.changed == 0) return name + pick(unchanged, language) + std::string(clock);
     if (report.changed == 1) return name + pick(one_changed, language) + std::string(clock);
