@@ -86,7 +86,7 @@ Lines expected_lines() {
     const auto values = [&](const std::string& key, const std::string& data, const std::string& names) {
         std::istringstream words(names);
         for (std::string name; words >> name;)
-            lines.insert("V " + key + " " + name + data);
+            lines.insert(std::string("V ").append(key).append(" ").append(name).append(data));
     };
     const auto text = [](std::string_view letters) {
         std::string hex;
