@@ -1,6 +1,6 @@
 # Completion of britlock's options, as the program itself lists them.
 _britlock() {
-    local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
+    local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} verb='' words=''
     COMPREPLY=()
     case $before in
         --machine | --state | --make-sample)
@@ -18,8 +18,16 @@ _britlock() {
             return
             ;;
     esac
-    local options
-    options=$(britlock --help 2>&1 | grep -oE '^ +--[a-z-]+')
-    mapfile -t COMPREPLY < <(compgen -W "$options /icon /uninstall" -- "$word")
+    case ${COMP_WORDS[1]} in
+        apply | show | save) [ "$COMP_CWORD" = 1 ] || verb=${COMP_WORDS[1]} ;;
+    esac
+    [ -n "$verb" ] || words='/icon /uninstall'
+    [ "$COMP_CWORD" != 1 ] || words+=' apply show save'
+    words+=" $(britlock $verb --help 2>&1 | grep -oE '^ +--[a-z-]+(, --[a-z-]+)?' | tr -d ,)"
+    mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
+    if [ "$verb" != show ] && [[ $word != -* ]]; then
+        compopt -o filenames
+        mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -f -X '!*.[bB][rR][lL]' -- "$word"; compgen -d -- "$word")
+    fi
 }
 complete -F _britlock britlock

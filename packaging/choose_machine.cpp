@@ -1,11 +1,13 @@
 #include <QApplication>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLibraryInfo>
 #include <QMessageBox>
 #include <QProcess>
 #include <QPushButton>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QTranslator>
 
 #include "base/twin.h"
 
@@ -44,8 +46,9 @@ QString ask_folder() {
 QString ask_machine() {
     QMessageBox box(QMessageBox::Question, "Brightlock Suite", said(question), QMessageBox::Cancel);
     box.setInformativeText(said(explanation));
-    const QPushButton* const by_folder = box.addButton(said(choose), QMessageBox::AcceptRole);
+    QPushButton* const by_folder = box.addButton(said(choose), QMessageBox::AcceptRole);
     const QPushButton* const by_sample = box.addButton(said(sample), QMessageBox::ActionRole);
+    box.setDefaultButton(by_folder);
     box.exec();
     if (box.clickedButton() == by_folder) return ask_folder();
     return box.clickedButton() == by_sample ? sample_folder() : QString();
@@ -56,6 +59,10 @@ QString ask_machine() {
 int main(int argc, char** argv) {
     const QApplication application(argc, argv);
     QApplication::setWindowIcon(QIcon::fromTheme("brightlock-suite"));
+    QTranslator words;  // of Qt's own buttons and folder dialog
+    if (BRITLOCK_LANGUAGE == german &&
+        words.load("qtbase_de", QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QApplication::installTranslator(&words);
     const QString machine = ask_machine();
     if (machine.isEmpty()) return 0;
     const QStringList file = QApplication::arguments().mid(1);

@@ -26,7 +26,8 @@ Bytes made_hive(int keys) {
         (void)hive.set_value(key, u"Text", {REG_SZ, Bytes(static_cast<size_t>(20 + i % 200), 'x')}, 1);
         (void)hive.set_value(key, u"Number", {REG_DWORD, {1, 0, 0, 0}}, 1);
     }
-    return std::move(*hive.sealed_image(1));
+    const ByteView image = hive.seal(1)->image;
+    return {image.begin(), image.end()};
 }
 
 Bytes small_hive() {
@@ -57,7 +58,7 @@ void write_200_values_and_seal(benchmark::State& state) {
             const Key key = *hive.create(numbered(u"Software\\Policies\\Part ", i % 10), 2);
             (void)hive.set_value(key, numbered(u"Value ", i), {REG_DWORD, {2, 0, 0, 0}}, 2);
         }
-        benchmark::DoNotOptimize(hive.sealed_image(3));
+        benchmark::DoNotOptimize(hive.seal(3));
     }
 }
 

@@ -1,3 +1,6 @@
+#include <algorithm>
+
+#include "regf/commit_check.h"
 #include "regf/hive_check.h"
 
 using namespace fuzz;
@@ -48,6 +51,22 @@ void edit(regf::Hive& hive, ByteView script) {
     }
 }
 
+/// Damage in the new image, and in no more than one page of it: what the judge of commits passes the slow one passes.
+void require_judges_agree(regf::Hive& hive, ByteView script) {
+    const auto sealed = hive.seal(6);
+    Bytes wrong(sealed->image.begin(), sealed->image.end());
+    const size_t at = regf::get32(script, 0) % wrong.size();
+    wrong[at] = static_cast<uint8_t>(wrong[at] ^ script[at % 4]);
+    repair_checksum(wrong);
+    std::vector<uint32_t> pages = sealed->changed_pages;
+    pages.push_back(static_cast<uint32_t>(at / regf::bin_unit));
+    std::sort(pages.begin(), pages.end());
+    pages.erase(std::unique(pages.begin(), pages.end()), pages.end());
+    const auto verdict = regf::judge(
+        {regf::image_of(sealed->opened), regf::image_of(wrong), pages, hive.changes(), {}});
+    require(!verdict.fault.empty() || regf::whole_check(sealed->opened, wrong, hive.changes()).empty());
+}
+
 }  // namespace
 
 // What the fuzzer calls is named by it.
@@ -65,6 +84,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     for (size_t at = 0; at < script.size(); at += 4)
         edit(hive, script.subspan(at, 4));
     require(writable || hive.changes().empty());
-    if (writable) require_sound_commit(hive);
+    if (!writable) return 0;
+    require_sound_commit(hive);
+    require_judges_agree(hive, script);
     return 0;
 }

@@ -3,6 +3,8 @@
 #include <exception>
 #include <string>
 
+#include "base/twin.h"
+
 /// A run-time error of the program, by its number: 6 overflow, 9 subscript, 13 type mismatch, 52 to 76 files,
 /// 380 a property's value, 481 a picture. Caught at the edge where an event enters the program: it shows its
 /// box and the process ends. Nothing else is thrown across procedures.
@@ -10,13 +12,13 @@ class RuntimeError : public std::exception {
   public:
     explicit RuntimeError(int number);
     int number() const { return number_; }
-    /// English, as the box at the end shows it; ANSI bytes.
-    const std::string& text() const { return text_; }
-    const char* what() const noexcept override { return text_.c_str(); }
+    /// What it means, as the box at the end shows it; ANSI bytes.
+    std::string text(int language) const { return pick(text_, language); }
+    const char* what() const noexcept override { return text_.english; }
 
   private:
     int number_;
-    std::string text_;
+    Twin text_;
 };
 
 /// "Errors are ignored statement by statement": hand every statement over on its own. What stands inside a

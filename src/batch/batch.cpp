@@ -121,7 +121,8 @@ Failure Batch::visit_hive(const std::string& name, const Work& work) {
 }
 
 Failure Batch::told(const RuntimeError& error) const {
-    return reg_.pick(run_time_error) + std::to_string(error.number()) + ": " + error.text();
+    return reg_.pick(run_time_error) + std::to_string(error.number()) + ": " +
+           error.text(reg_.get_language());
 }
 
 bool Batch::is_logged_on(const std::string& name) {

@@ -13,7 +13,19 @@ Result<FileLock> FileLock::acquire(const HostPlace& place, Purpose purpose) {
     auto opened = open_regular(place, work ? O_RDWR : O_RDONLY);
     if (work && !opened && opened.error().kind == ErrorKind::refused) opened = open_regular(place, O_RDONLY);
     if (!opened) return opened.error();
-    const int file = opened->file.number();
+    return hold(place, std::move(*opened), purpose);
+}
+
+Result<FileLock> FileLock::handed_over(const HostPlace& place, Descriptor file) {
+    OpenFile opened{std::move(file), {}};
+    if (attempt("fstat", [&] { return fstat(opened.file.number(), &opened.status); }) != 0)
+        return system_error(place.name, "cannot be examined");
+    return hold(place, std::move(opened), Purpose::work);
+}
+
+Result<FileLock> FileLock::hold(const HostPlace& place, OpenFile opened, Purpose purpose) {
+    const bool work = purpose == Purpose::work;
+    const int file = opened.file.number();
     const Error in_use{ErrorKind::in_use, place.name + ": in use by another program"};
     const int kind = work ? LOCK_EX : LOCK_SH;
     if (attempt("flock", [&] { return flock(file, kind | LOCK_NB); }) != 0)
@@ -24,9 +36,9 @@ Result<FileLock> FileLock::acquire(const HostPlace& place, Purpose purpose) {
     if (fcntl(file, F_OFD_GETLK, &whole) == 0 && whole.l_type != F_UNLCK) return in_use;
     struct stat present {};  // who held it may have put another file in its place
     if (fstatat(place.folder.number(), place.name.c_str(), &present, AT_SYMLINK_NOFOLLOW) != 0 ||
-        !is_same_file(present, opened->status))
+        !is_same_file(present, opened.status))
         return in_use;
-    return FileLock(std::move(opened->file));
+    return FileLock(std::move(opened.file));
 }
 
 Result<FileLock> lock_with_patience(const HostPlace& place, FileLock::Purpose purpose,

@@ -16,9 +16,14 @@ class FileLock {
     /// that only ask do not meet.
     enum class Purpose { work, look };
     static Result<FileLock> acquire(const HostPlace& place, Purpose purpose = Purpose::work);
+    /// Goes on with the lock of a descriptor that another process of ours handed over. `in_use` where it is
+    /// of another file than the one that lies there now.
+    static Result<FileLock> handed_over(const HostPlace& place, Descriptor file);
     int descriptor() const { return file_.number(); }
+    Descriptor duplicate() const { return file_.duplicate(); }
 
   private:
+    static Result<FileLock> hold(const HostPlace& place, OpenFile opened, Purpose purpose);
     explicit FileLock(Descriptor file) : file_(std::move(file)) {}
     Descriptor file_;
 };

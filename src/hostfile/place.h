@@ -38,7 +38,9 @@ class Descriptor {
 
     int number() const { return number_; }
     bool is_open() const { return number_ >= 0; }
-    Descriptor duplicate() const { return Descriptor(fcntl(number_, F_DUPFD_CLOEXEC, 0)); }
+    int release() { return std::exchange(number_, -1); }
+    Descriptor duplicate() const { return duplicate_above(0); }
+    Descriptor duplicate_above(int least) const { return Descriptor(fcntl(number_, F_DUPFD_CLOEXEC, least)); }
 
   private:
     int number_ = -1;
@@ -61,11 +63,12 @@ Result<HostPlace> place_of(const std::string& path);
 /// call fail with that errno. For tests that let the n-th call fail.
 extern std::function<int(const char* call)> fail_system_call;
 
+inline int planned_failure(const char* call) { return fail_system_call ? fail_system_call(call) : 0; }
+
 /// Makes a system call, again where a signal broke it off. -1: refused, errno tells why.
 template <class Call>
 auto attempt(const char* name, Call call) -> decltype(call()) {
-    const int error = fail_system_call ? fail_system_call(name) : 0;
-    if (error != 0) {
+    if (const int error = planned_failure(name); error != 0) {
         errno = error;
         return -1;
     }

@@ -159,10 +159,13 @@ Result<Done> Replacement::keep_dos_attributes(int old) const {
     return Done{};
 }
 
-Result<Done> Replacement::flush() const {
-    if (attempt("fsync", [&] { return fsync(descriptor()); }) != 0)
-        return system_error(place_.name, "cannot be flushed");
-    return Done{};
+std::future<Result<Done>> Replacement::begin_to_flush() const {
+    // Where no thread is to be had it is done when it is asked for.
+    return std::async([file = descriptor(), name = place_.name, failure = planned_failure("fsync")] {
+        errno = failure;
+        const bool done = failure == 0 && fsync(file) == 0;
+        return done ? Result<Done>(Done{}) : system_error(name, "cannot be flushed");
+    });
 }
 
 int Replacement::rename(Old old) const {
@@ -180,12 +183,13 @@ int Replacement::rename(Old old) const {
     return renameat(at, temporary_.c_str(), at, name);
 }
 
-Result<Durability> Replacement::put_in_place(Old old) {
+Result<Durability> Replacement::put_in_place(Old old, Folder folder) {
     if (attempt("rename", [&] { return rename(old); }) != 0) {
         if (errno == EEXIST) return Error{ErrorKind::refused, place_.name + ": is there already"};
         return system_error(place_.name, "cannot be replaced");
     }
     file_ = Descriptor();
+    if (folder == Folder::is_left_to_the_system) return Durability::uncertain;
     // The new file is there, whole; that the folder's entry outlives a power cut some drivers cannot promise.
     const bool flushed = attempt("fsync", [&] { return fsync(place_.folder.number()); }) == 0;
     return flushed ? Durability::flushed : Durability::uncertain;

@@ -2,6 +2,8 @@
 
 #include <optional>
 
+#include <future>
+
 #include "hostfile/place.h"
 
 namespace hostfile {
@@ -38,10 +40,14 @@ class Replacement {
     /// read), or the attributes that FAT keeps. All that can be kept is; an error tells of the first that
     /// cannot.
     Result<Done> take_over(int old) const;
-    Result<Done> flush() const;
+    /// Goes on while the caller does something else with the file.
+    std::future<Result<Done>> begin_to_flush() const;
+    Result<Done> flush() const { return begin_to_flush().get(); }
     /// A new file in the place of one that is there: `refused`, where the file system can tell in one step.
     enum class Old { may_exist, must_be_new };
-    Result<Durability> put_in_place(Old old);
+    /// `uncertain` too where the folder is not to be flushed.
+    enum class Folder { is_flushed, is_left_to_the_system };
+    Result<Durability> put_in_place(Old old, Folder folder = Folder::is_flushed);
 
   private:
     explicit Replacement(HostPlace place) : place_(std::move(place)) {}

@@ -18,8 +18,8 @@ constexpr WinCode internet_cannot_connect = 12029;
 constexpr WinCode internet_connection_lost = 12030;
 constexpr WinCode internet_no_such_page = 12150;
 
-/// What went wrong, in one English sentence.
-const char* internet_error_text(WinCode error);
+/// What went wrong, in one sentence.
+const char* internet_error_text(WinCode error, int language);
 
 /// The internet, as far as an update needs it: plain HTTP, one thing at a time. Calls block, with a time
 /// limit, and let no event of a person through.

@@ -2,9 +2,6 @@
 
 #include <algorithm>
 
-#include "regf/bytes.h"
-#include "regf/layout.h"
-
 namespace regf {
 
 namespace {
@@ -85,20 +82,10 @@ void Editor::remove_key(CellOffset offset, FileTime now) {
 }
 
 void Editor::release_key(CellOffset offset) {
-    const CellView doomed = key(offset);
-    const auto values = value_offsets(image_, doomed);
-    for (CellOffset value : values) {
-        release_data(value);
-        image_.release(value);
-    }
-    if (!values.empty()) image_.release(get_cell(doomed, nk::value_list));
-    if (get16(doomed, nk::class_length) > 0) image_.release(get_cell(doomed, nk::class_name));
-    const auto leaves = subkey_lists(image_, doomed).leaves;
-    for (const Leaf& leaf : leaves)
-        image_.release(leaf.offset);
-    if (!leaves.empty() && leaves.front().index_offset != nil) image_.release(leaves.front().index_offset);
-    drop_security(get_cell(doomed, nk::security));
-    image_.release(offset);
+    const CellOffset security = get_cell(key(offset), nk::security);
+    for (const CellOffset cell : cells_of(image_, offset))
+        image_.release(cell);
+    drop_security(security);
 }
 
 /// The descriptor that most siblings share, as they inherited it (found by letting unlike ones cancel each
@@ -137,7 +124,7 @@ CellOffset Editor::cell_for_list(std::optional<CellOffset> old, size_t step, siz
 }
 
 CellOffset Editor::store_leaf(std::optional<CellOffset> old, const char* kind,
-                              std::span<const LeafEntry> entries) {
+                              std::span<const Entry> entries) {
     const size_t step = is_wide(kind) ? 8 : 4;
     const CellOffset at = cell_for_list(old, step, entries.size(), longest(kind));
     const auto list = record(at);
@@ -160,7 +147,7 @@ CellOffset Editor::store_index(std::optional<CellOffset> old, const std::vector<
 }
 
 uint32_t Editor::hash_for(const char* kind, CellOffset child) const {
-    const std::u16string name = key_name(key(child));
+    const NameView name = key_name(key(child));
     return kind[1] == 'h' ? name_hash(name) : kind[1] == 'f' ? name_hint(name) : 0;
 }
 
@@ -169,45 +156,50 @@ uint32_t Editor::hash_for(const char* kind, CellOffset child) const {
 const char* Editor::leaf_kind(const Leaf* old, size_t count) const {
     const bool hashed = image_.minor_version() >= 5;
     if (!old) return hashed ? "lh" : "lf";
-    const CellView list = image_.cell_at(old->offset).value();
-    if (has_signature(list, "lh")) return "lh";
-    if (has_signature(list, "li")) return "li";
+    if (has_signature(old->list, "lh")) return "lh";
+    if (has_signature(old->list, "li")) return "li";
     if (old->index_offset != nil || count <= longest_lf) return "lf";
     return hashed ? "lh" : "li";
 }
 
+std::vector<Editor::Entry> Editor::entries_of(const Leaf& leaf) {
+    std::vector<Entry> entries(leaf.count);
+    for (size_t i = 0; i < leaf.count; ++i)
+        entries[i] = {leaf.key(i), leaf.hash(i)};
+    return entries;
+}
+
 void Editor::insert_subkey(CellOffset parent, CellOffset child) {
-    auto leaves = subkey_lists(image_, key(parent)).leaves;
+    const auto leaves = subkey_lists(image_, key(parent)).leaves;
     if (leaves.empty()) {
         const char* const kind = leaf_kind(nullptr, 1);
-        const LeafEntry only{child, hash_for(kind, child)};
-        // A list may move the image: the parent's record is looked up after it.
+        const Entry only{child, hash_for(kind, child)};
         const CellOffset first = store_leaf(std::nullopt, kind, {&only, 1});
         return put_cell(record(parent), nk::subkey_list, first);
     }
-    const std::u16string name = key_name(key(child));
-    auto before = [&](const LeafEntry& other) { return compare_key_name(key(other.key), name) < 0; };
+    const NameView name = key_name(key(child));
+    const auto is_before = [&](CellOffset other) { return compare_names(key_name(key(other)), name) < 0; };
     size_t which = 0;  // the last leaf that begins before the new name
-    while (which + 1 < leaves.size() && before(leaves[which + 1].entries.front()))
+    while (which + 1 < leaves.size() && is_before(leaves[which + 1].first()))
         ++which;
-    Leaf& leaf = leaves[which];
-    auto& entries = leaf.entries;
+    const Leaf& leaf = leaves[which];
+    auto entries = entries_of(leaf);
     const char* const kind = leaf_kind(&leaf, entries.size() + 1);
-    const auto place = std::partition_point(entries.begin(), entries.end(), before);
+    const auto place = std::ranges::partition_point(entries, is_before, &Entry::key);
     entries.insert(place, {child, hash_for(kind, child)});
     // What Windows stored beside the others stays: it may know capitals that we do not, or others.
-    if (!has_signature(image_.cell_at(leaf.offset).value(), kind)) {
-        for (LeafEntry& entry : entries)
+    if (!has_signature(leaf.list, kind)) {
+        for (Entry& entry : entries)
             entry.hash = hash_for(kind, entry.key);
     }
-    if (entries.size() > longest(kind)) return split_leaf(parent, leaves, which, kind);
+    if (entries.size() > longest(kind)) return split_leaf(parent, leaves, which, entries, kind);
     const CellOffset stored = store_leaf(leaf.offset, kind, entries);
     if (leaf.index_offset == nil) return put_cell(record(parent), nk::subkey_list, stored);
     put_cell(record(leaf.index_offset), 4 + 4 * which, stored);
 }
 
-void Editor::split_leaf(CellOffset parent, const std::vector<Leaf>& leaves, size_t which, const char* kind) {
-    const std::span<const LeafEntry> entries = leaves[which].entries;
+void Editor::split_leaf(CellOffset parent, const std::vector<Leaf>& leaves, size_t which,
+                        std::span<const Entry> entries, const char* kind) {
     const size_t half = entries.size() / 2;
     image_.release(leaves[which].offset);
     auto offsets = offsets_of(leaves);
@@ -221,13 +213,14 @@ void Editor::split_leaf(CellOffset parent, const std::vector<Leaf>& leaves, size
 
 void Editor::take_from_list(CellOffset parent, CellOffset child) {
     auto leaves = subkey_lists(image_, key(parent)).leaves;
-    const auto is_child = [child](const LeafEntry& entry) { return entry.key == child; };
-    auto leaf = leaves.begin();
-    while (leaf != leaves.end() && std::erase_if(leaf->entries, is_child) == 0)
-        ++leaf;
+    std::vector<Entry> entries;
+    const auto leaf = std::ranges::find_if(leaves, [&](const Leaf& any) {
+        entries = entries_of(any);
+        return std::erase_if(entries, [child](const Entry& entry) { return entry.key == child; }) > 0;
+    });
     if (leaf == leaves.end()) throw std::bad_optional_access();
-    if (!leaf->entries.empty()) {
-        store_leaf(leaf->offset, leaf_kind(&*leaf, 0), leaf->entries);  // shrinks in place
+    if (!entries.empty()) {
+        store_leaf(leaf->offset, leaf_kind(&*leaf, 0), entries);  // shrinks in place
         return;
     }
     const CellOffset index = leaf->index_offset;
@@ -263,7 +256,7 @@ CellOffset Editor::append_value(CellOffset owner_offset, std::u16string_view nam
     put16(value, vk::flags, stored.compressed && !name.empty() ? vk::compressed_name : 0);
     std::copy(stored.bytes.begin(), stored.bytes.end(), value.begin() + vk::name);
 
-    auto offsets = value_offsets(image_, key(owner_offset));
+    auto offsets = value_offsets(owner_offset);
     const bool had_list = !offsets.empty();
     offsets.push_back(at);
     CellOffset list_at = get_cell(key(owner_offset), nk::value_list);
@@ -278,11 +271,19 @@ CellOffset Editor::append_value(CellOffset owner_offset, std::u16string_view nam
     return at;
 }
 
+std::vector<CellOffset> Editor::value_offsets(CellOffset owner_offset) const {
+    const ValueList values = value_list(image_, key(owner_offset));
+    std::vector<CellOffset> out(values.count);
+    for (size_t i = 0; i < out.size(); ++i)
+        out[i] = values.value(i);
+    return out;
+}
+
 void Editor::store_data(CellOffset value, const Bytes& data) {
     const auto size = static_cast<uint32_t>(data.size());
     const bool in_segments = size > db::segment_data && image_.minor_version() >= db::first_minor_version;
     const auto old = value_data_place(image_, record(value)).value();
-    const bool old_in_one_cell = !old.resident && old.size > 0 && old.segments.empty();
+    const bool old_in_one_cell = !old.resident && old.size > 0 && old.segment_list == nil;
     if (size > vk::most_resident && !in_segments && old_in_one_cell &&
         image_.same_cell_size(old.cell, size)) {
         const auto cell = record(old.cell);
@@ -324,16 +325,16 @@ CellOffset Editor::store_segments(const Bytes& data) {
 void Editor::release_data(CellOffset value) {
     const auto place = value_data_place(image_, record(value)).value();
     if (place.resident || place.size == 0) return;
-    for (CellOffset segment : place.segments)
-        image_.release(segment);
-    if (place.segment_list) image_.release(*place.segment_list);
+    for (size_t i = 0; i < place.count_segments(); ++i)
+        image_.release(place.segment(i));
+    if (place.segment_list != nil) image_.release(place.segment_list);
     image_.release(place.cell);
 }
 
 void Editor::remove_value(CellOffset owner_offset, CellOffset value, FileTime now) {
     release_data(value);
     image_.release(value);
-    auto offsets = value_offsets(image_, key(owner_offset));
+    auto offsets = value_offsets(owner_offset);
     std::erase(offsets, value);
     const auto owner = record(owner_offset);
     const CellOffset list_at = get_cell(owner, nk::value_list);

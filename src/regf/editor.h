@@ -32,20 +32,27 @@ class Editor {
     void release_key(CellOffset offset);
 
     // Lists of subkeys.
+    /// What is to stand in one leaf.
+    struct Entry {
+        CellOffset key;
+        uint32_t hash;
+    };
+    static std::vector<Entry> entries_of(const Leaf& leaf);
     void insert_subkey(CellOffset parent, CellOffset child);
     void take_from_list(CellOffset parent, CellOffset child);
-    void split_leaf(CellOffset parent, const std::vector<Leaf>& leaves, size_t which, const char* kind);
+    void split_leaf(CellOffset parent, const std::vector<Leaf>& leaves, size_t which,
+                    std::span<const Entry> entries, const char* kind);
     const char* leaf_kind(const Leaf* old, size_t count) const;
     uint32_t hash_for(const char* kind, CellOffset child) const;
     CellOffset cell_for_list(std::optional<CellOffset> old, size_t step, size_t count, size_t most);
-    CellOffset store_leaf(std::optional<CellOffset> old, const char* kind,
-                          std::span<const LeafEntry> entries);
+    CellOffset store_leaf(std::optional<CellOffset> old, const char* kind, std::span<const Entry> entries);
     CellOffset store_index(std::optional<CellOffset> old, const std::vector<CellOffset>& leaves);
 
     // Values.
     void store_data(CellOffset value, const Bytes& data);
     CellOffset store_segments(const Bytes& data);
     void release_data(CellOffset value);
+    std::vector<CellOffset> value_offsets(CellOffset owner_offset) const;
     CellOffset append_value(CellOffset owner_offset, std::u16string_view name);
 
     // Security records.

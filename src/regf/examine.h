@@ -20,6 +20,17 @@ struct Examination {
 /// Holds an image against every rule of the format.
 Examination examine(const Image& image, size_t limit);
 
+struct KeyInTree {
+    CellOffset key;
+    CellOffset parent;  ///< nil: the root
+};
+/// Holds some keys alone against the rules: not what lies below them, nor how often the image names their
+/// cells elsewhere. `cells` gets every cell that belongs to one of them.
+Examination examine_keys(const Image& image, const std::vector<KeyInTree>& keys,
+                         std::vector<CellOffset>& cells);
+/// The rules for the base block alone.
+std::optional<Finding> first_error_in_base_block(const Image& image);
+
 /// "damaged at 0x1A40: ..."
 std::string describe(const Finding& finding);
 

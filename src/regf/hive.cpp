@@ -3,28 +3,40 @@
 #include <algorithm>
 #include <ctime>
 #include <functional>
+#include <map>
 
 #include "regf/bytes.h"
+#include "regf/commit_check.h"
 #include "regf/editor.h"
 #include "regf/examine.h"
 #include "regf/image.h"
 #include "regf/layout.h"
-#include "regf/model.h"
 #include "regf/records.h"
 #include "regf/recovery.h"
+#include "sealed_memory/sealed_memory.h"
 
 namespace regf {
 
 struct Hive::State {
-    explicit State(Bytes bytes) : opened(bytes), image(std::move(bytes)) {}
+    explicit State(Image as_opened) : image(std::move(as_opened)) {}
 
-    Bytes opened;  ///< as it was when it was opened, recovered where it had to be
     Image image;
+    std::optional<Image> opened;  ///< as it was, recovered where it had to be; none before the first edit
     bool recovered = false;
     std::string read_only_reason;
     std::vector<Change> changes;
+    /// What a file says of how many keys share a security record is not believed: too high a number would
+    /// wrap when a key is added, and a record in use be given back with the next key that goes.
+    std::map<CellOffset, uint32_t> corrected_counts;
 
     std::optional<CellView> key(Key key) const { return key_record(image, key.cell); }
+
+    void begin_editing() {
+        if (opened) return;
+        opened.emplace(image.memory(), image.cells());
+        for (const auto& [cell, users] : corrected_counts)
+            put32(image.cell_at(cell).value(), sk::reference_count, users);
+    }
 };
 
 namespace {
@@ -53,11 +65,12 @@ std::string why_read_only(const Image& image, const Examination& examination) {
     return "";
 }
 
-/// What a file says of how many keys share a security record is not believed: too high a number would wrap
-/// when a key is added, and a record in use be given back with the next key that goes.
-void count_security_users(Image& image, const Examination& examination) {
-    for (const auto& [cell, users] : examination.security_users)
-        put32(image.cell_at(cell).value(), sk::reference_count, users);
+std::map<CellOffset, uint32_t> wrong_counts(const Image& image, const Examination& examination) {
+    std::map<CellOffset, uint32_t> wrong;
+    for (const auto& [cell, users] : examination.security_users) {
+        if (get32(image.cell_at(cell).value(), sk::reference_count) != users) wrong.emplace(cell, users);
+    }
+    return wrong;
 }
 
 }  // namespace
@@ -67,29 +80,55 @@ Hive::Hive(Hive&&) noexcept = default;
 Hive& Hive::operator=(Hive&&) noexcept = default;
 Hive::~Hive() = default;
 
-Result<Hive> Hive::open(Bytes bytes, const std::vector<Log>& logs) {
-    const bool dirty = !is_clean(bytes);
-    if (dirty) {
-        auto recovered = recover(bytes, logs);
-        if (!recovered && !has_signature(bytes, "regf"))
-            return Error{ErrorKind::not_a_hive, "not a registry hive"};
-        if (!recovered) return recovered.error();
-        bytes = std::move(*recovered);
-    }
+Result<Hive> Hive::open(ByteView bytes, const std::vector<Log>& logs) {
+    return open(Memory::holding(bytes), logs);
+}
+
+Result<Hive> Hive::open(Memory memory, const std::vector<Log>& logs) {
+    auto state = std::make_unique<State>(Image(std::make_shared<const Memory>(std::move(memory))));
+    const ByteView bytes = state->image.bytes();
+    if (is_clean(bytes)) return open(std::move(state));
+    const auto recovered = recover(bytes, logs);
+    if (!recovered && !has_signature(bytes, "regf"))
+        return Error{ErrorKind::not_a_hive, "not a registry hive"};
+    if (!recovered) return recovered.error();
+    state = std::make_unique<State>(Image(std::make_shared<const Memory>(Memory::holding(*recovered))));
+    state->recovered = true;
+    return open(std::move(state));
+}
+
+Result<Hive> Hive::open(std::unique_ptr<State> state) {
+    const ByteView bytes = state->image.bytes();
     if (get32(bytes, base_block::major) != 1 || get32(bytes, base_block::minor) < oldest_readable) {
         return Error{ErrorKind::unsupported, "hives of this version are not read"};
     }
-    auto state = std::make_unique<State>(std::move(bytes));
-    state->recovered = dirty;
     const Examination examination = examine(state->image, 1);
     if (!examination.walkable) {
         return Error{ErrorKind::damaged, "the hive is damaged " + describe(*examination.first_error())};
     }
     state->read_only_reason = why_read_only(state->image, examination);
-    if (state->read_only_reason.empty()) count_security_users(state->image, examination);
+    if (state->read_only_reason.empty()) state->corrected_counts = wrong_counts(state->image, examination);
     return Hive(std::move(state));
 }
 
+int Hive::hand_over() {
+    const bool as_in_file =
+        !state_->recovered && state_->read_only_reason.empty() && state_->corrected_counts.empty();
+    if (!as_in_file || state_->opened) return -1;
+    state_->image.append_survey();
+    state_->image.memory()->seal();
+    return state_->image.memory()->descriptor();
+}
+
+std::optional<Hive> Hive::taken_over(int descriptor) {
+    auto memory = Memory::sealed_by_another(descriptor);
+    if (!memory) return std::nullopt;
+    auto image = Image::surveyed(std::make_shared<const Memory>(std::move(*memory)));
+    if (!image) return std::nullopt;
+    return Hive(std::make_unique<State>(std::move(*image)));
+}
+
+ByteView Hive::bytes() const { return state_->image.bytes(); }
 bool Hive::recovered() const { return state_->recovered; }
 const std::string& Hive::read_only_reason() const { return state_->read_only_reason; }
 uint32_t Hive::minor_version() const { return state_->image.minor_version(); }
@@ -97,7 +136,7 @@ const std::vector<Change>& Hive::changes() const { return state_->changes; }
 
 // --- reading
 
-std::u16string units_of(ByteView data) { return load_name(data, false); }
+std::u16string units_of(ByteView data) { return NameView{data}.text(); }
 
 Bytes bytes_of(std::u16string_view units) {
     Bytes data(units.size() * 2);
@@ -135,7 +174,7 @@ std::vector<Key> Hive::subkeys(Key key) const {
 
 std::u16string Hive::name(Key key) const {
     const auto record = state_->key(key);
-    return record ? key_name(*record) : std::u16string();
+    return record ? key_name(*record).text() : std::u16string();
 }
 
 std::u16string Hive::class_name(Key key) const {
@@ -163,11 +202,13 @@ std::vector<Hive::NamedValue> Hive::values(Key key) const {
     std::vector<NamedValue> out;
     const auto record = state_->key(key);
     if (!record) return out;
-    for (CellOffset at : value_offsets(state_->image, *record)) {
-        const auto value = value_record(state_->image, at);
+    const ValueList list = value_list(state_->image, *record);
+    for (size_t i = 0; i < list.count; ++i) {
+        const auto value = value_record(state_->image, list.value(i));
         if (!value) continue;
         auto data = value_data(state_->image, *value);
-        out.push_back({value_name(*value), value_type(*value), data.value_or(Bytes{}), data.has_value()});
+        out.push_back(
+            {value_name(*value).text(), value_type(*value), data.value_or(Bytes{}), data.has_value()});
     }
     return out;
 }
@@ -202,7 +243,7 @@ std::u16string Hive::path_of(Key key) const {
     for (CellOffset at = key.cell; at != state_->image.root();) {
         const CellView record = key_record(state_->image, at).value();
         if (!path.empty()) path.insert(0, 1, u'\\');
-        path.insert(0, key_name(record));
+        path.insert(0, key_name(record).text());
         at = get_cell(record, nk::parent);
     }
     return path;
@@ -233,6 +274,7 @@ std::optional<Error> Hive::refuse_edit(Key key, uint64_t size, uint64_t cells) c
 /// An edit that meets a cell where there is none closes the hive: nothing of it is ever written.
 std::optional<Error> Hive::edit(const std::function<void(Editor&)>& work) {
     try {
+        state_->begin_editing();
         Editor editor(state_->image);
         work(editor);
         return std::nullopt;
@@ -340,46 +382,35 @@ Result<Done> Hive::apply(const Change& change) {
     return Error{ErrorKind::invalid, "not a change"};
 }
 
-int Hive::count_differences() const {
-    const Image opened(state_->opened);
-    return regf::count_differences(*model_of(opened), *model_of(state_->image));
-}
-
 // --- sealing
 
-Result<Bytes> Hive::sealed_image(FileTime now) const {
+Result<Hive::Sealed> Hive::seal(FileTime now) {
     if (!state_->read_only_reason.empty()) return Error{ErrorKind::unsupported, state_->read_only_reason};
-    Bytes bytes = state_->image.bytes();
-    const uint32_t sequence =
-        std::max(get32(bytes, base_block::primary_sequence), get32(bytes, base_block::secondary_sequence)) +
-        1;
-    put32(bytes, base_block::primary_sequence, sequence);
-    put32(bytes, base_block::secondary_sequence, sequence);
-    for (const size_t stamp : {base_block::last_written, base_block_size + bin::timestamp}) {
-        if (get64(bytes, stamp) != 0) put64(bytes, stamp, now);  // later systems leave them at 0
-    }
-    put32(bytes, base_block::type, 0);
-    put32(bytes, base_block::checksum, base_block_checksum(bytes));
+    state_->begin_editing();
+    const Image& opened = *state_->opened;
+    const auto head = state_->image.base_block();
+    const uint32_t sequence = std::max(get32(opened.base_block(), base_block::primary_sequence),
+                                       get32(opened.base_block(), base_block::secondary_sequence)) +
+                              1;
+    put32(head, base_block::primary_sequence, sequence);
+    put32(head, base_block::secondary_sequence, sequence);
+    if (get64(head, base_block::last_written) != 0)  // later systems leave it at 0, and that of the first bin
+        put64(head, base_block::last_written, now);
+    state_->image.set_time_of_first_bin(now);
+    put32(head, base_block::checksum, base_block_checksum(head));
 
-    // From here on nothing is taken from the edited image: the bytes are read as a stranger would.
-    const Image sealed(bytes);
-    const Examination examination = examine(sealed, 1);
-    if (const Finding* error = examination.first_error()) {
-        return Error{ErrorKind::damaged, "the new hive would be damaged " + describe(*error)};
-    }
-    const Image opened(state_->opened);
-    const auto expected = model_of(opened);
-    for (const Change& change : state_->changes) {
-        if (!apply_to_model(*expected, change)) {
-            return Error{ErrorKind::damaged, "the changes do not fit the hive at " + printable(change.path)};
-        }
-    }
-    const std::string difference = first_difference(*expected, *model_of(sealed));
-    if (!difference.empty()) {
-        return Error{ErrorKind::damaged,
-                     "the new hive would differ in more than was asked for, at " + difference};
-    }
-    return bytes;
+    Sealed sealed{opened.bytes(), state_->image.bytes(), state_->image.touched_pages(), 0};
+    std::erase_if(sealed.changed_pages, [&](uint32_t page) {
+        const size_t at = size_t{page} * bin_unit;
+        return at + bin_unit <= sealed.opened.size() &&
+               std::ranges::equal(sealed.opened.subspan(at, bin_unit), sealed.image.subspan(at, bin_unit));
+    });
+    const Verdict verdict =
+        judge({opened, state_->image, sealed.changed_pages, state_->changes, state_->corrected_counts});
+    sealed.differences = verdict.differences;
+    if (verdict.fault.empty()) return sealed;
+    return Error{ErrorKind::damaged,
+                 "the new hive would differ in more than was asked for, or be damaged: " + verdict.fault};
 }
 
 FileTime current_file_time() {

@@ -11,10 +11,11 @@
 
 #include "base/error.h"
 #include "regf/cell_offset.h"
+#include "sealed_memory/sealed_memory.h"
 
 /// Registry hive files ("regf"). A hive is held in memory as the image of its file and edited in place;
-/// nothing here touches a disk (see file.h). Whatever the bytes say, no read leaves the image and no loop
-/// fails to end.
+/// nothing here touches a disk (see hive_file.h). Whatever the bytes say, no read leaves the image and no
+/// loop fails to end.
 ///
 /// Names are UTF-16 code units, counted, with any content (NUL, lone surrogates); they compare without case,
 /// unit by unit. Time stamps are FILETIMEs: steps of 100 ns since 1601-01-01 UTC.
@@ -23,6 +24,7 @@ namespace regf {
 using base::Error;
 using base::ErrorKind;
 using base::Result;
+using sealed_memory::Memory;
 
 using Bytes = std::vector<uint8_t>;
 using ByteView = std::span<const uint8_t>;
@@ -96,7 +98,15 @@ class Hive {
     /// refused (`dirty`). A hive with errors that can still be read opens read-only: read_only_reason()
     /// tells. One in which two records claim the same cell is refused (`damaged`), as walking it might never
     /// end.
-    static Result<Hive> open(Bytes image, const std::vector<Log>& logs = {});
+    static Result<Hive> open(Memory image, const std::vector<Log>& logs = {});
+    static Result<Hive> open(ByteView image, const std::vector<Log>& logs = {});
+
+    /// The descriptor of the memory, sealed, for another process that then need not examine it again; the
+    /// hive keeps it. -1 where there is no such memory: the hive was recovered, or has something to be put
+    /// right.
+    int hand_over();
+    /// Takes a descriptor over that hand_over() gave; none where it is no such memory.
+    static std::optional<Hive> taken_over(int descriptor);
 
     struct NewHive {
         uint32_t minor_version = 3;  ///< 3: user hives of every NT; 5: machine hives of XP
@@ -112,6 +122,8 @@ class Hive {
     Hive& operator=(Hive&&) noexcept;
     ~Hive();
 
+    /// The file as it lies in memory, edits included.
+    ByteView bytes() const;
     bool recovered() const;
     /// Empty when the hive may be edited.
     const std::string& read_only_reason() const;
@@ -161,14 +173,19 @@ class Hive {
     /// What was done since the hive was opened, in order; no-ops are not among it.
     const std::vector<Change>& changes() const;
 
-    /// How many values and keys differ from the hive as it was opened.
-    int count_differences() const;
-
-    /// The image to be written: sequence numbers raised, time stamps and checksum set, then parsed and
-    /// validated afresh and compared with the image as it was opened: the two differ in what `changes()`
-    /// asked for and in nothing else. `damaged` if that does not hold (our own fault; nothing may be written
-    /// then).
-    Result<Bytes> sealed_image(FileTime now) const;
+    /// The bytes of the file as they were opened (recovered where they had to be), and as they are to be
+    /// written. Both are good as long as the hive is not edited.
+    struct Sealed {
+        ByteView opened;
+        ByteView image;
+        /// Which pages of 4096 bytes differ, ascending; all others are the same bytes.
+        std::vector<uint32_t> changed_pages;
+        int differences;  ///< how many values and keys differ; all else are times and counters
+    };
+    /// Sets sequence numbers, time stamps and checksum, then reads the result afresh and holds it against the
+    /// image as it was opened: the two differ in what `changes()` asked for and in nothing else. `damaged` if
+    /// that does not hold (our own fault; nothing may be written then).
+    Result<Sealed> seal(FileTime now);
 
   private:
     struct State;
@@ -176,6 +193,7 @@ class Hive {
     Result<Key> create_below(Key key, std::vector<std::u16string_view> names, FileTime now, bool* created);
     std::u16string path_of(Key key) const;
     uint32_t depth_of(Key key) const;
+    static Result<Hive> open(std::unique_ptr<State> state);
     std::optional<Error> edit(const std::function<void(Editor&)>& work);
     std::optional<Error> refuse_edit(Key key, uint64_t size, uint64_t cells) const;
     std::unique_ptr<State> state_;

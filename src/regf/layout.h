@@ -12,8 +12,8 @@ constexpr size_t bin_header_size = 32;
 /// Offsets have 31 bits.
 constexpr uint64_t largest_bins_size = 0x7FFFF000;
 /// What is read at all. Users' hives have a few megabytes, worn-out software hives some hundred; more is made
-/// to exhaust the memory, in which a hive is held twice and taken apart.
-constexpr uint64_t largest_file = 256 << 20;
+/// to exhaust the memory.
+constexpr uint64_t largest_file = uint64_t{1} << 30;
 
 namespace base_block {
 constexpr size_t primary_sequence = 4, secondary_sequence = 8, last_written = 12, major = 20, minor = 24,

@@ -2,85 +2,117 @@
 
 #include <algorithm>
 
-#include "regf/bytes.h"
-#include "regf/layout.h"
 #include "regf/records.h"
 
 namespace regf {
 
+// Recursion goes as deep as a hive may be: 512 levels.
+
 namespace {
 
-// Recursion goes as deep as a hive may be: 512 levels.
-std::unique_ptr<ModelKey> read_key(const Image& image, CellOffset offset) {
-    const CellView record = key_record(image, offset).value();
-    auto key = std::make_unique<ModelKey>();
-    key->name = key_name(record);
-    key->class_name = class_name_of(image, record).value_or(u"");
-    key->security = security_descriptor(image, get_cell(record, nk::security));
+CellView key_at(const Image& image, CellOffset offset) { return key_record(image, offset).value(); }
+CellView value_at(const Image& image, CellOffset offset) { return value_record(image, offset).value(); }
+
+Value stored_value(const Image& image, CellOffset offset) {
+    const CellView record = value_at(image, offset);
+    return {value_type(record), value_data(image, record).value()};
+}
+
+}  // namespace
+
+// --- reading
+
+Model::Model(const Image& opened) : opened_(opened), root_(read_key(opened.root())) {}
+
+std::unique_ptr<Model::Key> Model::read_key(CellOffset offset) const {
+    const CellView record = key_at(opened_, offset);
+    auto key = std::make_unique<Key>();
+    key->cell = offset;
+    key->name = key_name(record).text();
+    key->class_name = class_name_of(opened_, record).value_or(u"");
+    key->security = security_descriptor(opened_, get_cell(record, nk::security));
     key->flags = get16(record, nk::flags);
     key->last_written = get64(record, nk::last_written);
-    for (CellOffset at : value_offsets(image, record)) {
-        const auto value = value_record(image, at);
-        if (!value) continue;
-        key->values.push_back(
-            {value_name(*value), {value_type(*value), value_data(image, *value).value_or(Bytes{})}});
-    }
-    for (CellOffset child : subkey_offsets(image, record))
-        key->subkeys.push_back(read_key(image, child));
+    const ValueList values = value_list(opened_, record);
+    for (size_t i = 0; i < values.count; ++i)
+        key->values.push_back({value_name(value_at(opened_, values.value(i))).text(), values.value(i), {}});
+    for (CellOffset child : subkey_offsets(opened_, record))
+        key->subkeys.push_back({child, nullptr});
     return key;
 }
 
-using Children = std::vector<std::unique_ptr<ModelKey>>;
+Model::Key* Model::read_child(Child& child) const {
+    if (!child.key) child.key = read_key(child.cell);
+    return child.key.get();
+}
 
-Children::iterator place_of(ModelKey& key, std::u16string_view name) {
+void Model::read_everything() { read_below(*root_); }
+
+void Model::read_below(Key& key) {
+    for (Child& child : key.subkeys)
+        read_below(*read_child(child));
+}
+
+regf::Value Model::value_of(const Value& value) const {
+    return value.set_since ? *value.set_since : stored_value(opened_, value.cell);
+}
+
+// --- changing
+
+int Model::compare(const Child& child, std::u16string_view name) const {
+    return child.key ? compare_names(child.key->name, name)
+                     : compare_names(key_name(key_at(opened_, child.cell)), name);
+}
+
+std::vector<Model::Child>::iterator Model::place_of(Key& key, std::u16string_view name) const {
     return std::partition_point(key.subkeys.begin(), key.subkeys.end(),
-                                [&](const auto& child) { return compare_names(child->name, name) < 0; });
+                                [&](const Child& child) { return compare(child, name) < 0; });
 }
 
-ModelKey* child_of(ModelKey& key, std::u16string_view name) {
+Model::Key* Model::child_of(Key& key, std::u16string_view name) const {
     const auto at = place_of(key, name);
-    return at != key.subkeys.end() && same_name((*at)->name, name) ? at->get() : nullptr;
+    return at != key.subkeys.end() && compare(*at, name) == 0 ? read_child(*at) : nullptr;
 }
 
-/// The key above the last part of the path, and that part; null where a level is missing.
-std::pair<ModelKey*, std::u16string_view> walk_to_last(ModelKey& root, std::u16string_view path) {
-    ModelKey* key = &root;
-    for (size_t end = path.find(u'\\'); key && end != std::u16string_view::npos; end = path.find(u'\\')) {
-        key = child_of(*key, path.substr(0, end));
-        path.remove_prefix(end + 1);
-    }
-    return {key, path};
+CellOffset Model::deleted_child(const Key& parent, std::u16string_view name) const {
+    if (parent.was != nil) return find_subkey(opened_, key_at(opened_, parent.was), name, true).value_or(nil);
+    const auto was = std::ranges::find_if(parent.gone, [&](CellOffset gone) {
+        return compare_names(key_name(key_at(opened_, gone)), name) == 0;
+    });
+    return was != parent.gone.end() ? *was : nil;
 }
 
-bool create_in_model(ModelKey& parent, std::u16string_view name, FileTime when) {
+bool Model::create(Key& parent, std::u16string_view name, FileTime when) {
     const auto at = place_of(parent, name);
-    if (at != parent.subkeys.end() && same_name((*at)->name, name)) return false;
-    auto key = std::make_unique<ModelKey>();
+    if (at != parent.subkeys.end() && compare(*at, name) == 0) return false;
+    auto key = std::make_unique<Key>();
     key->name = name;
     key->flags = store_name(name).compressed ? nk::compressed_name : 0;
     key->last_written = when;
-    parent.subkeys.insert(at, std::move(key));
+    key->was = deleted_child(parent, name);
+    parent.subkeys.insert(at, {nil, std::move(key)});
     parent.last_written = when;
     return true;
 }
 
-bool delete_in_model(ModelKey& parent, std::u16string_view name, FileTime when) {
+bool Model::remove(Key& parent, std::u16string_view name, FileTime when) {
     const auto at = place_of(parent, name);
-    if (at == parent.subkeys.end() || !same_name((*at)->name, name)) return false;
+    if (at == parent.subkeys.end() || compare(*at, name) != 0) return false;
+    if (at->cell != nil) parent.gone.push_back(at->cell);
     parent.subkeys.erase(at);
     parent.last_written = when;
     return true;
 }
 
-bool change_values(ModelKey& key, const Change& change) {
+bool Model::change_values(Key& key, const Change& change) {
     const auto at = std::find_if(key.values.begin(), key.values.end(),
-                                 [&](const auto& v) { return same_name(v.name, change.name); });
+                                 [&](const Value& v) { return same_name(v.name, change.name); });
     key.last_written = change.when;
     if (change.kind == Change::Kind::set_value) {
         if (at == key.values.end()) {
-            key.values.push_back({change.name, change.value});
+            key.values.push_back({change.name, nil, change.value});
         } else {
-            at->value = change.value;
+            at->set_since = change.value;
         }
         return true;
     }
@@ -89,79 +121,116 @@ bool change_values(ModelKey& key, const Change& change) {
     return true;
 }
 
-std::string difference_of_one(const ModelKey& expected, const ModelKey& found) {
-    if (expected.name != found.name) return "another name: " + printable(found.name);
-    if (expected.class_name != found.class_name) return "another class name";
-    if (expected.security && !(found.security && std::ranges::equal(*expected.security, *found.security)))
-        return "another security descriptor";
-    if (expected.flags != found.flags) return "other flags";
-    if (expected.last_written != found.last_written) return "another time stamp";
-    if (expected.values.size() != found.values.size()) return "another number of values";
-    for (size_t i = 0; i < expected.values.size(); ++i) {
-        if (!(expected.values[i] == found.values[i]))
-            return "another value " + printable(expected.values[i].name);
+bool Model::apply(const Change& change) {
+    Key* key = root_.get();
+    std::u16string_view path = change.path;
+    for (size_t end = path.find(u'\\'); end != std::u16string_view::npos; end = path.find(u'\\')) {
+        key = child_of(*key, path.substr(0, end));
+        if (!key) return false;
+        path.remove_prefix(end + 1);
     }
-    return expected.subkeys.size() != found.subkeys.size() ? "another number of subkeys" : "";
-}
-
-}  // namespace
-
-std::unique_ptr<ModelKey> model_of(const Image& image) { return read_key(image, image.root()); }
-
-bool apply_to_model(ModelKey& root, const Change& change) {
-    const auto [parent, last] = walk_to_last(root, change.path);
-    if (!parent) return false;
-    if (change.kind == Change::Kind::create_key) return create_in_model(*parent, last, change.when);
-    if (change.kind == Change::Kind::delete_key) return delete_in_model(*parent, last, change.when);
-    ModelKey* const key = last.empty() ? parent : child_of(*parent, last);
+    if (change.kind == Change::Kind::create_key) return create(*key, path, change.when);
+    if (change.kind == Change::Kind::delete_key) return remove(*key, path, change.when);
+    if (!path.empty()) key = child_of(*key, path);
     return key && change_values(*key, change);
 }
 
-std::string first_difference(const ModelKey& expected, const ModelKey& found) {
-    std::string what = difference_of_one(expected, found);
-    if (!what.empty()) return ": " + what;
-    for (size_t i = 0; i < expected.subkeys.size(); ++i) {
-        what = first_difference(*expected.subkeys[i], *found.subkeys[i]);
-        if (!what.empty()) return "\\" + printable(expected.subkeys[i]->name) + what;
+// --- comparing
+
+std::string Model::difference_in_values(const Key& key, const Image& image, CellOffset found) const {
+    const ValueList values = value_list(image, key_at(image, found));
+    if (key.values.size() != values.count) return "another number of values";
+    for (size_t i = 0; i < values.count; ++i) {
+        const CellOffset at = values.value(i);
+        if (value_name(value_at(image, at)).text() != key.values[i].name ||
+            stored_value(image, at) != value_of(key.values[i]))
+            return "another value " + printable(key.values[i].name);
     }
     return "";
 }
 
-namespace {
+std::string Model::difference_in_one(const Key& key, const Image& image, CellOffset found) const {
+    const CellView record = key_at(image, found);
+    if (key.cell != nil && key.cell != found) return "another cell";
+    if (key_name(record).text() != key.name) return "another name";
+    if (class_name_of(image, record).value_or(u"") != key.class_name) return "another class name";
+    const auto security = security_descriptor(image, get_cell(record, nk::security));
+    if (!security || (key.security && !std::ranges::equal(*key.security, *security)))
+        return "another security descriptor";
+    if (get16(record, nk::flags) != key.flags) return "other flags";
+    if (get64(record, nk::last_written) != key.last_written) return "another time stamp";
+    return difference_in_values(key, image, found);
+}
 
-int size_of(const ModelKey& key) {
-    int size = 1 + static_cast<int>(key.values.size());
-    for (const auto& child : key.subkeys)
-        size += size_of(*child);
+std::string Model::difference_below(const Key& key, const Image& image, CellOffset found, CellOffset parent,
+                                    const Met& met) const {
+    std::string what = difference_in_one(key, image, found);
+    if (!what.empty()) return ": " + what;
+    if (met) met(key, found, parent);
+    const auto subkeys = subkey_offsets(image, key_at(image, found));
+    if (subkeys.size() != key.subkeys.size()) return ": another number of subkeys";
+    for (size_t i = 0; i < subkeys.size(); ++i) {
+        const Child& child = key.subkeys[i];
+        if (!child.key && child.cell != subkeys[i]) return ": another subkey";
+        if (child.key) what = difference_below(*child.key, image, subkeys[i], found, met);
+        if (!what.empty()) return "\\" + printable(child.key->name) + what;
+    }
+    return "";
+}
+
+std::string Model::first_difference(const Image& image, const Met& met) const {
+    return difference_below(*root_, image, image.root(), nil, met);
+}
+
+// --- counting
+
+int Model::size_of_opened(CellOffset offset) const {
+    const CellView record = key_at(opened_, offset);
+    int size = 1 + static_cast<int>(value_list(opened_, record).count);
+    for (CellOffset child : subkey_offsets(opened_, record))
+        size += size_of_opened(child);
     return size;
 }
 
-/// Values of `key` that `other` lacks; those with other content count where `changed` asks for them.
-int count_values(const ModelKey& key, const ModelKey& other, bool changed) {
-    return static_cast<int>(std::ranges::count_if(key.values, [&](const auto& value) {
-        const auto same = std::ranges::find_if(
-            other.values, [&](const auto& any) { return same_name(any.name, value.name); });
-        return same == other.values.end() || (changed && !(same->value == value.value));
-    }));
+int Model::size_of(const Key& key) const {
+    int size = 1 + static_cast<int>(key.values.size());
+    for (const Child& child : key.subkeys)
+        size += size_of(*child.key);  // all below a new key is new
+    return size;
 }
 
-}  // namespace
-
-int count_differences(const ModelKey& before, const ModelKey& after) {
-    int count = count_values(before, after, true) + count_values(after, before, false);
-    auto old = before.subkeys.begin();
-    auto now = after.subkeys.begin();
-    while (old != before.subkeys.end() || now != after.subkeys.end()) {  // both are ascending
-        const int order = old == before.subkeys.end()  ? 1
-                          : now == after.subkeys.end() ? -1
-                                                       : compare_names((*old)->name, (*now)->name);
-        if (order == 0) {
-            count += count_differences(**old++, **now++);
-        } else {
-            count += order < 0 ? size_of(**old++) : size_of(**now++);
-        }
+int Model::differences_in_values(const Key& key, CellOffset before) const {
+    int count = 0;
+    const CellView record = key_at(opened_, before);
+    std::vector<CellOffset> kept;
+    for (const Value& value : key.values) {
+        const auto old =
+            value.cell != nil ? std::optional(value.cell) : find_value(opened_, record, value.name);
+        count += !old || (value.set_since && *value.set_since != stored_value(opened_, *old));
+        if (old) kept.push_back(*old);
     }
+    std::ranges::sort(kept);
+    const ValueList values = value_list(opened_, record);
+    for (size_t i = 0; i < values.count; ++i)
+        count += !std::ranges::binary_search(kept, values.value(i));
     return count;
 }
+
+int Model::differences_in(const Key& key) const {
+    const bool is_new = key.cell == nil;
+    int count = differences_in_values(key, is_new ? key.was : key.cell);
+    std::vector<CellOffset> lost = is_new ? subkey_offsets(opened_, key_at(opened_, key.was)) : key.gone;
+    for (const Child& child : key.subkeys) {
+        if (!child.key) continue;
+        const CellOffset old = child.cell != nil ? child.cell : child.key->was;
+        std::erase(lost, old);
+        count += old == nil ? size_of(*child.key) : differences_in(*child.key);
+    }
+    for (CellOffset gone : lost)
+        count += size_of_opened(gone);
+    return count;
+}
+
+int Model::count_differences() const { return differences_in(*root_); }
 
 }  // namespace regf

@@ -83,7 +83,17 @@ constexpr std::array<char16_t, 0x10000> capitals = [] {
 
 char16_t upcase(char16_t unit) { return capitals[unit]; }
 
-int compare_names(std::u16string_view a, std::u16string_view b) {
+std::u16string NameView::text() const {
+    std::u16string out(size(), u'\0');
+    for (size_t i = 0; i < out.size(); ++i)
+        out[i] = (*this)[i];
+    return out;
+}
+
+namespace {
+
+template <class A, class B>
+int compare(const A& a, const B& b) {
     const size_t common = std::min(a.size(), b.size());
     for (size_t i = 0; i < common; ++i) {
         const int difference = upcase(a[i]) - upcase(b[i]);
@@ -92,11 +102,17 @@ int compare_names(std::u16string_view a, std::u16string_view b) {
     return static_cast<int>(a.size()) - static_cast<int>(b.size());
 }
 
+}  // namespace
+
+int compare_names(NameView a, NameView b) { return compare(a, b); }
+int compare_names(NameView a, std::u16string_view b) { return compare(a, b); }
+int compare_names(std::u16string_view a, std::u16string_view b) { return compare(a, b); }
+
 bool same_name(std::u16string_view a, std::u16string_view b) {
     return a.size() == b.size() && compare_names(a, b) == 0;
 }
 
-uint32_t name_hint(std::u16string_view name) {
+uint32_t name_hint(NameView name) {
     uint32_t hint = 0;
     for (size_t i = 0; i < std::min<size_t>(name.size(), 4); ++i) {
         if (name[i] > 0xFF) return 0;
@@ -105,10 +121,10 @@ uint32_t name_hint(std::u16string_view name) {
     return hint;
 }
 
-uint32_t name_hash(std::u16string_view name) {
+uint32_t name_hash(NameView name) {
     uint32_t hash = 0;
-    for (char16_t unit : name)
-        hash = hash * 37 + upcase(unit);
+    for (size_t i = 0; i < name.size(); ++i)
+        hash = hash * 37 + upcase(name[i]);
     return hash;
 }
 
@@ -119,14 +135,6 @@ StoredName store_name(std::u16string_view name) {
         out.bytes.push_back(static_cast<uint8_t>(u));
         if (!out.compressed) out.bytes.push_back(static_cast<uint8_t>(u >> 8));
     }
-    return out;
-}
-
-std::u16string load_name(std::span<const uint8_t> bytes, bool compressed) {
-    if (compressed) return {bytes.begin(), bytes.end()};
-    std::u16string out;
-    for (size_t i = 0; i + 1 < bytes.size(); i += 2)
-        out.push_back(static_cast<char16_t>(get16(bytes, i)));
     return out;
 }
 

@@ -1,10 +1,6 @@
 #include "regf/records.h"
 
 #include <algorithm>
-#include <iterator>
-
-#include "regf/bytes.h"
-#include "regf/layout.h"
 
 namespace regf {
 
@@ -16,79 +12,64 @@ std::optional<CellView> key_record(const Image& image, CellOffset offset) {
     return key;
 }
 
-std::u16string key_name(CellView key) {
-    return load_name(key.subspan(nk::name, get16(key, nk::name_length)),
-                     get16(key, nk::flags) & nk::compressed_name);
-}
-
-int compare_key_name(CellView key, std::u16string_view name) {
-    const bool compressed = get16(key, nk::flags) & nk::compressed_name;
-    const size_t length = get16(key, nk::name_length) / (compressed ? 1 : 2);
-    for (size_t i = 0; i < std::min(length, name.size()); ++i) {
-        const auto unit =
-            static_cast<char16_t>(compressed ? key[nk::name + i] : get16(key, nk::name + 2 * i));
-        const int difference = upcase(unit) - upcase(name[i]);
-        if (difference != 0) return difference;
-    }
-    return static_cast<int>(length) - static_cast<int>(name.size());
+NameView key_name(CellView key) {
+    return {key.subspan(nk::name, get16(key, nk::name_length)),
+            bool(get16(key, nk::flags) & nk::compressed_name)};
 }
 
 namespace {
 
-bool is_leaf(CellView list) {
-    return has_signature(list, "li") || has_signature(list, "lf") || has_signature(list, "lh");
-}
-
-size_t step_of(CellView list) { return has_signature(list, "lf") || has_signature(list, "lh") ? 8 : 4; }
-
-/// How many elements a list has; 0 where they do not fit.
-size_t count_of(CellView list) {
-    const size_t count = get16(list, 2);
-    return count * step_of(list) <= list.size() - 4 ? count : 0;
-}
-
-std::optional<Leaf> read_leaf(const Image& image, CellOffset offset, CellOffset index_offset) {
-    const auto list = image.cell_at(offset, 4);
-    if (!list || !is_leaf(*list) || count_of(*list) == 0) return std::nullopt;
-    Leaf leaf{offset, index_offset, std::vector<LeafEntry>(count_of(*list))};
-    const size_t step = step_of(*list);
-    for (size_t i = 0; i < leaf.entries.size(); ++i) {
-        const size_t at = 4 + i * step;
-        leaf.entries[i] = {get_cell(*list, at), step == 8 ? get32(*list, at + 4) : 0};
-    }
-    return leaf;
+/// Bytes of one element: 0 where it is no leaf.
+size_t step_of(CellView list) {
+    if (has_signature(list, "lf") || has_signature(list, "lh")) return 8;
+    return has_signature(list, "li") ? 4 : 0;
 }
 
 }  // namespace
 
+std::optional<Leaf> read_leaf(const Image& image, CellOffset offset, CellOffset index_offset) {
+    const auto list = image.cell_at(offset, 4);
+    const size_t step = list ? step_of(*list) : 0;
+    if (step == 0) return std::nullopt;
+    const Leaf leaf{offset, index_offset, *list, get16(*list, 2), step};
+    if (leaf.count == 0 || leaf.count * step > list->size() - 4) return std::nullopt;
+    return leaf;
+}
+
 SubkeyLists subkey_lists(const Image& image, CellView key) {
     SubkeyLists out;
+    read_subkey_lists(image, key, out);
+    return out;
+}
+
+void read_subkey_lists(const Image& image, CellView key, SubkeyLists& out) {
+    out.leaves.clear();
+    out.whole = get32(key, nk::subkey_count) == 0;
+    if (out.whole) return;
     const CellOffset offset = get_cell(key, nk::subkey_list);
     const auto list = image.cell_at(offset, 4);
-    if (get32(key, nk::subkey_count) == 0) {
-        out.whole = true;
-    } else if (list && has_signature(*list, "ri")) {
-        // A leaf named again and again must not make a small file large in memory.
-        size_t room = image.bins_size() / 8;
-        for (size_t i = 0; i < count_of(*list); ++i) {
-            auto leaf = read_leaf(image, get_cell(*list, 4 + 4 * i), offset);
-            if (!leaf || leaf->entries.size() > room) return out;
-            room -= leaf->entries.size();
-            out.leaves.push_back(std::move(*leaf));
+    if (list && has_signature(*list, "ri")) {
+        const size_t count = get16(*list, 2);
+        if (count * 4 > list->size() - 4) return;
+        size_t room = image.bins_size() / 8;  // a leaf named again and again must not fill the memory
+        for (size_t i = 0; i < count; ++i) {
+            const auto leaf = read_leaf(image, get_cell(*list, 4 + 4 * i), offset);
+            if (!leaf || leaf->count > room) return;
+            room -= leaf->count;
+            out.leaves.push_back(*leaf);
         }
-        out.whole = !out.leaves.empty();
-    } else if (auto leaf = read_leaf(image, offset, nil)) {
-        out.leaves.push_back(std::move(*leaf));
+        out.whole = count > 0;
+    } else if (const auto leaf = read_leaf(image, offset, nil)) {
+        out.leaves.push_back(*leaf);
         out.whole = true;
     }
-    return out;
 }
 
 std::vector<CellOffset> subkey_offsets(const Image& image, CellView key) {
     std::vector<CellOffset> out;
     for (const Leaf& leaf : subkey_lists(image, key).leaves) {
-        for (const LeafEntry& entry : leaf.entries) {
-            if (key_record(image, entry.key)) out.push_back(entry.key);
+        for (size_t i = 0; i < leaf.count; ++i) {
+            if (key_record(image, leaf.key(i))) out.push_back(leaf.key(i));
         }
     }
     return out;
@@ -96,17 +77,23 @@ std::vector<CellOffset> subkey_offsets(const Image& image, CellView key) {
 
 std::optional<CellOffset> find_subkey(const Image& image, CellView key, std::u16string_view name,
                                       bool in_order) {
-    auto compare = [&](const LeafEntry& entry) {
-        const auto record = key_record(image, entry.key);
-        return record ? compare_key_name(*record, name) : 1;
+    const auto compare = [&](CellOffset child) {
+        const auto record = key_record(image, child);
+        return record ? compare_names(key_name(*record), name) : 1;
     };
-    auto before = [&](const LeafEntry& entry) { return compare(entry) < 0; };
-    auto same = [&](const LeafEntry& entry) { return compare(entry) == 0; };
     for (const Leaf& leaf : subkey_lists(image, key).leaves) {
-        const auto& all = leaf.entries;
-        const auto at = in_order ? std::partition_point(all.begin(), all.end(), before)
-                                 : std::find_if(all.begin(), all.end(), same);
-        if (at != all.end() && same(*at)) return at->key;
+        size_t at = 0;
+        for (size_t end = leaf.count; in_order && at < end;) {
+            const size_t middle = at + (end - at) / 2;
+            if (compare(leaf.key(middle)) < 0) {
+                at = middle + 1;
+            } else {
+                end = middle;
+            }
+        }
+        while (!in_order && at < leaf.count && compare(leaf.key(at)) != 0)
+            ++at;
+        if (at < leaf.count && compare(leaf.key(at)) == 0) return leaf.key(at);
     }
     return std::nullopt;
 }
@@ -118,26 +105,25 @@ std::optional<CellView> value_record(const Image& image, CellOffset offset) {
     return value;
 }
 
-std::u16string value_name(CellView value) {
-    return load_name(value.subspan(vk::name, get16(value, vk::name_length)),
-                     get16(value, vk::flags) & vk::compressed_name);
+NameView value_name(CellView value) {
+    return {value.subspan(vk::name, get16(value, vk::name_length)),
+            bool(get16(value, vk::flags) & vk::compressed_name)};
 }
 
-std::vector<CellOffset> value_offsets(const Image& image, CellView key) {
+ValueList value_list(const Image& image, CellView key) {
     const size_t count = get32(key, nk::value_count);
     if (count == 0 || (get16(key, nk::flags) & nk::predefined_handle)) return {};
-    const auto list = image.cell_at(get_cell(key, nk::value_list));
-    std::vector<CellOffset> out;
-    if (!list) return out;
-    for (size_t i = 0; i < std::min(count, list->size() / 4); ++i)
-        out.push_back(get_cell(*list, i * 4));
-    return out;
+    const CellOffset offset = get_cell(key, nk::value_list);
+    const auto list = image.cell_at(offset);
+    if (!list) return {};
+    return {offset, *list, std::min(count, list->size() / 4)};
 }
 
 std::optional<CellOffset> find_value(const Image& image, CellView key, std::u16string_view name) {
-    for (CellOffset offset : value_offsets(image, key)) {
-        const auto value = value_record(image, offset);
-        if (value && same_name(value_name(*value), name)) return offset;
+    const ValueList values = value_list(image, key);
+    for (size_t i = 0; i < values.count; ++i) {
+        const auto value = value_record(image, values.value(i));
+        if (value && compare_names(value_name(*value), name) == 0) return values.value(i);
     }
     return std::nullopt;
 }
@@ -165,12 +151,12 @@ std::optional<DataPlace> value_data_place(const Image& image, CellView value) {
     if (count < 2 || count != (uint64_t{place.size} + db::segment_data - 1) / db::segment_data)
         return std::nullopt;
     place.segment_list = get_cell(*record, db::segment_list);
-    const auto list = image.cell_at(*place.segment_list, size_t{count} * 4);
+    const auto list = image.cell_at(place.segment_list, size_t{count} * 4);
     if (!list) return std::nullopt;
+    place.segments = list->first(size_t{count} * 4);
     for (uint32_t i = 0, left = place.size; i < count; ++i) {
         const uint32_t here = std::min(left, db::segment_data);
-        place.segments.push_back(get_cell(*list, size_t{i} * 4));
-        if (!image.cell_at(place.segments.back(), here)) return std::nullopt;
+        if (!image.cell_at(place.segment(i), here)) return std::nullopt;
         left -= here;
     }
     return place;
@@ -186,8 +172,8 @@ std::optional<Bytes> value_data(const Image& image, CellView value) {
     if (place->size == 0) return Bytes{};
     if (place->segments.empty()) return copy(*image.cell_at(place->cell), place->size);
     Bytes out;
-    for (CellOffset segment : place->segments) {
-        const auto cell = *image.cell_at(segment);
+    for (size_t i = 0; i < place->count_segments(); ++i) {
+        const auto cell = *image.cell_at(place->segment(i));
         const size_t here = std::min<size_t>(place->size - out.size(), db::segment_data);
         out.insert(out.end(), cell.begin(), cell.begin() + static_cast<ptrdiff_t>(here));
     }
@@ -237,7 +223,29 @@ std::optional<std::u16string> class_name_of(const Image& image, CellView key) {
     if (length == 0) return std::u16string();
     const auto cell = image.cell_at(get_cell(key, nk::class_name), length);
     if (!cell) return std::nullopt;
-    return load_name(cell->first(length), false);
+    return NameView{cell->first(length)}.text();
+}
+
+std::vector<CellOffset> cells_of(const Image& image, CellOffset key) {
+    const CellView record = key_record(image, key).value();
+    std::vector<CellOffset> cells;
+    const ValueList values = value_list(image, record);
+    for (size_t i = 0; i < values.count; ++i) {
+        const auto place = value_data_place(image, value_record(image, values.value(i)).value()).value();
+        for (size_t segment = 0; segment < place.count_segments(); ++segment)
+            cells.push_back(place.segment(segment));
+        for (const CellOffset cell : {place.segment_list, place.cell, values.value(i)})
+            cells.push_back(cell);
+    }
+    const SubkeyLists lists = subkey_lists(image, record);
+    for (const Leaf& leaf : lists.leaves)
+        cells.push_back(leaf.offset);
+    for (const CellOffset cell : {lists.index(), values.offset})
+        cells.push_back(cell);
+    if (get16(record, nk::class_length) > 0) cells.push_back(get_cell(record, nk::class_name));
+    cells.push_back(key);
+    std::erase(cells, nil);
+    return cells;
 }
 
 }  // namespace regf

@@ -37,7 +37,7 @@ struct Page {
 };
 
 /// The largest hive that a file and its logs can fill.
-uint64_t room_in(const Bytes& primary, const std::vector<Log>& logs) {
+uint64_t room_in(ByteView primary, const std::vector<Log>& logs) {
     uint64_t room = primary.size();
     for (const Log& log : logs)
         room += log.bytes.size();
@@ -92,7 +92,7 @@ std::optional<std::vector<Page>> old_pages(const Bytes& log) {
     return pages;
 }
 
-std::optional<Bytes> replay_old(const Bytes& primary, const std::vector<Log>& logs) {
+std::optional<Bytes> replay_old(ByteView primary, const std::vector<Log>& logs) {
     const bool sound = has_right_checksum(primary);
     // In a broken base block any field may be the broken one; the first bin has the same time.
     const auto is_of_this_write = [&](const Bytes& log) {
@@ -109,7 +109,7 @@ std::optional<Bytes> replay_old(const Bytes& primary, const std::vector<Log>& lo
     if (!best) return std::nullopt;
     const auto pages = *old_pages(*best);
     if (pages.empty()) return std::nullopt;
-    Bytes image = primary;
+    Bytes image(primary.begin(), primary.end());
     const uint32_t sequence = std::max(sound ? primary_sequence(primary) : 0, primary_sequence(*best)) + 1;
     if (!sound) {
         take_base_block(image, *best);
@@ -178,7 +178,7 @@ std::vector<Entry> read_entries(const Bytes& log) {
 /// Sequence numbers wrap.
 int32_t ahead_of(uint32_t a, uint32_t b) { return static_cast<int32_t>(a - b); }
 
-std::optional<Bytes> replay_new(const Bytes& primary, const std::vector<Log>& logs) {
+std::optional<Bytes> replay_new(ByteView primary, const std::vector<Log>& logs) {
     const bool sound = has_right_checksum(primary);
     std::vector<const Bytes*> usable;
     for (const Log& log : logs) {
@@ -192,7 +192,7 @@ std::optional<Bytes> replay_new(const Bytes& primary, const std::vector<Log>& lo
     std::stable_sort(usable.begin(), usable.end(), [origin](const Bytes* a, const Bytes* b) {
         return ahead_of(primary_sequence(*a), origin) < ahead_of(primary_sequence(*b), origin);
     });
-    Bytes image = primary;
+    Bytes image(primary.begin(), primary.end());
     if (!sound) {
         usable.erase(usable.begin(), usable.end() - 1);  // the later one alone
         take_base_block(image, *usable.front());
@@ -245,16 +245,17 @@ bool is_clean(ByteView image) {
            primary_sequence(image) == get32(image, base_block::secondary_sequence);
 }
 
-Result<Bytes> recover(const Bytes& image, const std::vector<Log>& logs) {
+Result<Bytes> recover(ByteView image, const std::vector<Log>& logs) {
     if (image.size() >= base_block_size + bin_unit) {
         for (const auto replay : {replay_new, replay_old}) {
             auto recovered = replay(image, logs);
             if (!recovered) continue;
-            const Examination result = examine(Image(*recovered), 1);
-            if (!result.first_error()) return std::move(*recovered);
-            return Error{ErrorKind::dirty,
-                         "writes were not finished, and the log leads to a hive that is damaged " +
-                             describe(*result.first_error())};
+            const auto findings = validate(*recovered, 1);
+            const auto error = std::ranges::find(findings, Finding::Level::error, &Finding::level);
+            if (error == findings.end()) return std::move(*recovered);
+            return Error{
+                ErrorKind::dirty,
+                "writes were not finished, and the log leads to a hive that is damaged " + describe(*error)};
         }
     }
     return Error{ErrorKind::dirty, "writes were not finished, and no log completes them"};

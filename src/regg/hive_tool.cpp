@@ -15,6 +15,7 @@ namespace {
 using base::Error;
 using base::ErrorKind;
 using base::Result;
+using machine::HandedHive;
 using machine::MountRecord;
 using machine::ToolReport;
 
@@ -47,7 +48,8 @@ Result<std::string> file_name(const Setting& setting, const std::string& file) {
     return *ansi;
 }
 
-Result<Done> load(const Setting& setting, const std::string& file, const std::string& name) {
+Result<Done> load(const Setting& setting, const std::string& file, const std::string& name,
+                  std::optional<HandedHive>& to_hand_over) {
     const auto named = file_name(setting, file);
     if (!named) return named.error();
     const auto place = machine::locate_hive(setting.drives, *named);
@@ -55,8 +57,7 @@ Result<Done> load(const Setting& setting, const std::string& file, const std::st
     // Windows writes over whatever it wakes up to.
     if (machine::hibernates(setting.drives))
         return Error{ErrorKind::unsupported, "this Windows hibernates: start it and shut it down first"};
-    const auto lock =
-        hostfile::lock_with_patience(*place, hostfile::FileLock::Purpose::work, hostfile::a_moment);
+    auto lock = hostfile::lock_with_patience(*place, hostfile::FileLock::Purpose::work, hostfile::a_moment);
     if (!lock) return lock.error();
     // Another unload has written it this moment, and its record is about to go.
     const auto old = setting.mounts.find(name);
@@ -64,7 +65,7 @@ Result<Done> load(const Setting& setting, const std::string& file, const std::st
     const auto mounted = machine::is_mounted(setting.drives, setting.mounts, *place);
     if (!mounted) return mounted.error();
     if (*mounted) return Error{ErrorKind::in_use, file + " is mounted already"};
-    const auto hive = regf::read_hive(*place, *lock);
+    auto hive = regf::read_hive(*place, *lock);
     if (!hive) return hive.error();
     if (!hive->hive.read_only_reason().empty())
         return Error{ErrorKind::unsupported, file + " cannot be edited: " + hive->hive.read_only_reason()};
@@ -72,7 +73,9 @@ Result<Done> load(const Setting& setting, const std::string& file, const std::st
         return Error{ErrorKind::refused, "no permission to write " + file + " and its folder"};
     // What could not be written at the end is refused now, before anybody works on it.
     if (auto possible = regf::try_replacing(*place); !possible) return possible;
-    return setting.mounts.add({name, *named, hive->identity.stamp});
+    auto added = setting.mounts.add({name, *named, hive->identity.stamp});
+    if (added) to_hand_over = HandedHive{lock->duplicate(), regf::hand_over(hive->hive)};
+    return added;
 }
 
 /// A later try may succeed: with room on the disk, with the disk there again, with the right to write.
@@ -81,16 +84,17 @@ bool can_pass(ErrorKind kind) {
            kind == ErrorKind::refused;
 }
 
-Result<Done> write_changes(const Setting& setting, const std::string& name, ToolReport& report) try {
+Result<Done> write_changes(Setting& setting, const std::string& name, ToolReport& report) try {
     constexpr auto patience = std::chrono::seconds(2);  // for the tools of other instances, which are quick
-    const auto hive = machine::open_mounted(setting.drives, setting.mounts, name, patience);
+    auto hive =
+        machine::open_mounted(setting.drives, setting.mounts, name, std::move(setting.handed), patience);
     if (!hive) return hive.error();
     const auto announce = [&](const regf::HiveStamp& stamp) { setting.mounts.announce(hive->record, stamp); };
     const auto written =
         regf::commit(hive->place, hive->file.hive, hive->file.identity, regf::current_file_time(), announce);
     if (!written) return written.error();
-    report.changed = hive->file.hive.count_differences();
-    if (*written == regf::Durability::uncertain)
+    report.changed = written->differences;
+    if (written->durability == regf::Durability::uncertain)
         report.detail = "the hive is written, but its folder could not be flushed: do not cut the power yet";
     if (hive->record.unsealed) {
         report.changes_lost = true;
@@ -109,16 +113,16 @@ Result<Done> keep_or_drop(const Setting& setting, const MountRecord& record, con
     if (record.sealed.empty()) return setting.mounts.remove(record.mount);
     if (can_pass(why.kind) && !record.failed_before && setting.mounts.note_failure(record))
         return Error{why.kind, why.message + "; it is kept for the next unload"};
-    if (auto removed = setting.mounts.remove(record.mount); !removed) return removed;
+    if (auto removed = setting.mounts.drop(record.mount); !removed) return removed;
     report.changes_lost = true;
     return Error{why.kind, why.message + "; what was to be written to it is dropped"};
 }
 
-Result<Done> unload(const Setting& setting, const std::string& name, ToolReport& report) {
+Result<Done> unload(Setting& setting, const std::string& name, ToolReport& report) {
     const auto record = setting.mounts.find(name);
     if (!record && record.error().kind == ErrorKind::damaged) {
         report.changes_lost = true;
-        if (auto removed = setting.mounts.remove({name, {}, {}}); !removed) return removed;
+        if (auto removed = setting.mounts.drop({name, {}, {}}); !removed) return removed;
     }
     if (!record) return record.error();
     auto done = write_changes(setting, name, report);
@@ -132,7 +136,8 @@ Result<Done> unload(const Setting& setting, const std::string& name, ToolReport&
     return keep_or_drop(setting, *now, done.error(), report);
 }
 
-Result<Done> work(const Setting& setting, const std::vector<std::string>& words, ToolReport& report) {
+Result<Done> work(Setting& setting, const std::vector<std::string>& words, Run& run) {
+    ToolReport& report = run.report;
     const bool loads = words.size() == 3 && words[0] == "load";
     const bool unloads = words.size() == 2 && words[0] == "unload";
     if (!loads && !unloads) return Error{ErrorKind::invalid, usage};
@@ -140,22 +145,22 @@ Result<Done> work(const Setting& setting, const std::vector<std::string>& words,
     if (!name) return name.error();
     report.verb = loads ? ToolReport::Verb::load : ToolReport::Verb::unload;
     report.name = *name;
-    auto done = loads ? load(setting, words[1], *name) : unload(setting, *name, report);
+    auto done = loads ? load(setting, words[1], *name, run.hive) : unload(setting, *name, report);
     if (done) return done;
     return Error{done.error().kind, "HKU\\" + text::to_utf8(*name) + ": " + done.error().message};
 }
 
 }  // namespace
 
-ToolReport run(const Setting& setting, const std::vector<std::string>& words) {
-    ToolReport report;
-    const auto done = work(setting, words, report);
-    report.succeeded = done.ok();
+Run run(Setting setting, const std::vector<std::string>& words) {
+    Run run;
+    const auto done = work(setting, words, run);
+    run.report.succeeded = done.ok();
     if (!done) {
-        report.why = done.error().kind;
-        report.detail = done.error().message;
+        run.report.why = done.error().kind;
+        run.report.detail = done.error().message;
     }
-    return report;
+    return run;
 }
 
 }  // namespace regg

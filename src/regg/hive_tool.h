@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,10 +15,17 @@ namespace regg {
 struct Setting {
     machine::DriveMap drives;  ///< none: files can be named by host paths only
     machine::MountTable mounts;
+    std::optional<machine::HandedHive> handed{};  ///< the hive to be unloaded, from the program that had it
+};
+
+/// What came of a run.
+struct Run {
+    machine::ToolReport report;
+    std::optional<machine::HandedHive> hive;  ///< that was loaded
 };
 
 /// `load <file> HKU\<name>` or `unload HKU\<name>`, words in UTF-8. After a success too the report may have a
 /// detail: something that should be known.
-machine::ToolReport run(const Setting& setting, const std::vector<std::string>& words);
+Run run(Setting setting, const std::vector<std::string>& words);
 
 }  // namespace regg

@@ -9,13 +9,27 @@
 
 namespace {
 
-using machine::ToolReport;
+using machine::first_inherited;
+using machine::HandedHive;
 
-ToolReport failed(base::ErrorKind why, const std::string& detail) {
-    ToolReport report;
-    report.why = why;
-    report.detail = detail;
-    return report;
+regg::Run failed(base::ErrorKind why, const std::string& detail) {
+    regg::Run run;
+    run.report.why = why;
+    run.report.detail = detail;
+    return run;
+}
+
+/// How many descriptors the program that started us has left to us.
+int count_inherited() {
+    const char* const count = std::getenv(machine::inherited_variable);
+    return count ? std::atoi(count) : 0;
+}
+
+std::optional<HandedHive> handed_hive() {
+    const int count = count_inherited();
+    if (count < 2) return std::nullopt;
+    return HandedHive{machine::Descriptor(first_inherited + 1),
+                      count < 3 ? machine::Descriptor() : machine::Descriptor(first_inherited + 2)};
 }
 
 base::Result<regg::Setting> setting_of_environment() {
@@ -24,25 +38,25 @@ base::Result<regg::Setting> setting_of_environment() {
     auto map = machine::DriveMap::parse(drives ? drives : "");
     if (!map) return map.error();
     const std::string folder = mounts ? mounts : machine::default_state_folder() + "/mounts/host";
-    return regg::Setting{std::move(*map), machine::MountTable(folder)};
+    return regg::Setting{std::move(*map), machine::MountTable(folder), handed_hive()};
 }
 
-ToolReport work(const std::vector<std::string>& words) {
+regg::Run work(const std::vector<std::string>& words) {
     try {
-        const auto setting = setting_of_environment();
-        return setting ? regg::run(*setting, words) : failed(setting.error().kind, setting.error().message);
+        auto setting = setting_of_environment();
+        return setting ? regg::run(std::move(*setting), words)
+                       : failed(setting.error().kind, setting.error().message);
     } catch (const std::exception&) {
         return failed(base::ErrorKind::no_space, "there is not enough memory for this hive");
     }
 }
 
 /// To the program that asked, or to the person at the terminal.
-void tell(const ToolReport& report) {
-    const char* descriptor = std::getenv(machine::report_descriptor_variable);
-    if (descriptor) {
-        (void)machine::write_all(std::atoi(descriptor), machine::encode(report));  // nobody else to tell
-    } else if (!report.detail.empty()) {
-        (void)std::fprintf(stderr, "regg: %s\n", report.detail.c_str());
+void tell(const regg::Run& run) {
+    if (count_inherited() > 0) {
+        (void)machine::send(first_inherited, machine::encode(run.report), run.hive);  // nobody else to tell
+    } else if (!run.report.detail.empty()) {
+        (void)std::fprintf(stderr, "regg: %s\n", run.report.detail.c_str());
     }
 }
 
@@ -51,7 +65,7 @@ void tell(const ToolReport& report) {
 int main(int count, char** words) {
     (void)std::signal(SIGXFSZ, SIG_IGN);  // a limit on file sizes is an error to report like a full disk
     (void)std::signal(SIGPIPE, SIG_IGN);  // who asked may be gone; what is begun is ended all the same
-    const ToolReport report = work({words + 1, words + count});
-    tell(report);
-    return report.succeeded ? EXIT_SUCCESS : EXIT_FAILURE;
+    const regg::Run run = work({words + 1, words + count});
+    tell(run);
+    return run.report.succeeded ? EXIT_SUCCESS : EXIT_FAILURE;
 }

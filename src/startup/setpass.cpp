@@ -108,10 +108,10 @@ void setpass::cmd_abbrechen_Click() {
 /// True: the failed statement is to run once more.
 bool setpass::handle_error(const RuntimeError& error) {
     constexpr int no_line_numbers = 0;
-    const std::string text = "Fehlercode: " + std::to_string(error.number()) + "/ " + error.text() +
-                             "/Line:" + std::to_string(no_line_numbers) +
-                             "\r\nin Modul:: cmd_Abbrechen_Click\r\n\r\n" +
-                             U"Ggf. Hersteller verständigen."_ansi + support_contact;
+    const std::string text =
+        "Fehlercode: " + std::to_string(error.number()) + "/ " + error.text(program_.reg.get_language()) +
+        "/Line:" + std::to_string(no_line_numbers) + "\r\nin Modul:: cmd_Abbrechen_Click\r\n\r\n" +
+        U"Ggf. Hersteller verständigen."_ansi + support_contact;
     const Answer answer = program_.toolkit.message_box({.text = text,
                                                         .title = "Unerwarteter Fehler !",
                                                         .icon = Icon::exclamation,

@@ -9,6 +9,8 @@ namespace toolkit {
 
 namespace {
 
+constexpr Twin run_time_error{"Laufzeitfehler", "Run-time error"};
+
 std::string as_shown(std::string_view text) {
     std::string out(text::up_to_nul(text));
     for (size_t i = 0; i < out.size(); ++i) {
@@ -78,8 +80,9 @@ void Toolkit::deliver(const std::function<void()>& event) {
         try {
             event();
         } catch (const RuntimeError& error) {
+            const std::string number = std::to_string(error.number());
             message_box(
-                {.text = "Run-time error '" + std::to_string(error.number()) + "':\n\n" + error.text(),
+                {.text = pick(run_time_error, language_) + (" '" + number) + "':\n\n" + error.text(language_),
                  .icon = Icon::critical});
             end_process(Ending::failed);
         }

@@ -8,6 +8,7 @@
 
 #include "base/product.h"
 #include "base/runtime_error.h"
+#include "base/twin.h"
 #include "toolkit/controls.h"
 #include "toolkit/form.h"
 #include "toolkit/printer.h"
@@ -43,6 +44,8 @@ class Toolkit {
   public:
     static constexpr const char* product_title = product::title;
 
+    /// The language is that of the box in which a run-time error ends.
+    explicit Toolkit(Language language = english) : language_(language) {}
     virtual ~Toolkit() = default;
 
     /// Modal. The text and the title are cut at their first NUL, a lone carriage return breaks the line.
@@ -105,6 +108,7 @@ class Toolkit {
     void forget(const Form* form);
     void release_unloaded();
 
+    const Language language_;
     std::vector<Form*> forms_;  // on show, in the order of their showing
     struct Unloaded {
         Form& form;

@@ -95,10 +95,11 @@ void Update::enable_buttons(bool enabled) {
 
 /// Any difference counts as newer, a lower number and a line end behind it as well.
 void Update::cmd1_Click() {
-    const auto latest = latest_version(program_.machine.internet, program_.reg.get_language());
+    const int language = program_.reg.get_language();
+    const auto latest = latest_version(program_.machine.internet, language);
     if (!latest) {
         program_.toolkit.message_box(
-            {.text = std::string("ERROR: ") + machine::internet_error_text(latest.error()),
+            {.text = std::string("ERROR: ") + machine::internet_error_text(latest.error(), language),
              .icon = Icon::critical});
         return;
     }

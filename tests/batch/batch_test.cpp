@@ -21,12 +21,11 @@ struct School {
     std::map<std::string, MemoryKey*> users;
 
     School() {
-        for (const char* name : {"Anna", "Ben", "Carla"})
-            users[name] = &w.windows.add_profile(name);
-        for (const auto& [name, hive] : users) {
-            (*hive)[key::desktop].set("Wallpaper", "C:\\" + name + ".bmp");
-            (*hive)[key::explorer].set("FixedLNK", 1).set("FixedLNKUrl", "C:\\Icons of " + name);
-            (*hive)[key::restrict_run].set("Gesamt", 1).set(" 0", name + ".EXE");
+        for (const std::string name : {"Anna", "Ben", "Carla"}) {
+            MemoryKey& hive = *(users[name] = &w.windows.add_profile(name));
+            hive[key::desktop].set("Wallpaper", "C:\\" + name + ".bmp");
+            hive[key::explorer].set("FixedLNK", 1).set("FixedLNKUrl", "C:\\Icons of " + name);
+            hive[key::restrict_run].set("Gesamt", 1).set(" 0", name + ".EXE");
         }
         w.windows.registry.at(HKEY_LOCAL_MACHINE, "Software\\Microsoft\\Windows NT\\CurrentVersion")
             .set("RegisteredOrganization", "12 Schools");
@@ -53,8 +52,7 @@ TEST(Batch, DoesWhatAPersonDoesInTheWindow) {
         for (const char* name : {"Ben", "Anna"}) {
             MainForm& window = by_hand.w.enter();
             by_hand.w.choose(name);
-            by_hand.w.screen.expect_file("C:\\set.brl");
-            by_hand.w.click(window.mm11);
+            by_hand.w.choosing_file("C:\\set.brl").click(window.mm11);
             by_hand.w.screen.act([&] { window.t810.set_text(by_hand.w.program->users.profile_base_path); });
             by_hand.w.apply();
         }
@@ -66,53 +64,43 @@ TEST(Batch, DoesWhatAPersonDoesInTheWindow) {
 
 TEST(Batch, LeavesOneUserOutOfTheTroubleOfAnother) {
     School school;
+    auto& files = school.w.windows.files;
     (*school.users["Ben"])[key::restrict_run].set("Gesamt", "99999");
     const std::string ben = school.users["Ben"]->dump();
-    school.w.windows.add_profile("Held");
-    school.w.windows.files.fail("C:\\Documents and Settings\\Held\\NTUSER.DAT", permission_denied);
-    school.w.windows.add_profile("Gone");
-    (void)school.w.windows.files.remove("C:\\Documents and Settings\\Gone\\NTUSER.DAT");
-    school.w.windows.add_profile("Administrator");
+    for (const char* name : {"Held", "Gone", "Administrator"})
+        school.w.windows.add_profile(name);
+    files.fail("C:\\Documents and Settings\\Held\\NTUSER.DAT", permission_denied);
+    (void)files.remove("C:\\Documents and Settings\\Gone\\NTUSER.DAT");
     RestrictionSet set;
     set.boxes.set(11, 1);
 
-    Batch batch = school.batch();
+    std::string trouble;
+    Batch batch(school.w.windows.machine(), english, [&] { return trouble; });
     EXPECT_THAT(batch.users(), ElementsAre("Administrator", "Anna", "Ben", "Carla", "Gone", "Held"));
-    const auto apply = [&](const char* name) { return batch.apply(name, brl_text(set)); };
-    EXPECT_EQ(apply("Nobody"), "there is no such user here");
-    EXPECT_EQ(apply("..\\Anna"), "there is no such user here");
-    EXPECT_EQ(apply(""), "there is no such user here");
-    EXPECT_EQ(apply("administrator"), "the user who is logged on cannot be restricted");
-    EXPECT_EQ(apply("Ben"), "run-time error 6: Overflow");
-    EXPECT_EQ(apply("Held"), "the file NTUSER.DAT is in use or locked");
-    EXPECT_EQ(apply("Gone"), "the file NTUSER.DAT is missing or empty");
-    EXPECT_EQ(apply("Anna"), "");
-    EXPECT_EQ(apply("Carla"), "");
+    for (const auto& [name, outcome] : {std::pair{"Nobody", "there is no such user here"},
+                                        {"..\\Anna", "there is no such user here"},
+                                        {"", "there is no such user here"},
+                                        {"administrator", "the user who is logged on cannot be restricted"},
+                                        {"Ben", "run-time error 6: Overflow"},
+                                        {"Held", "the file NTUSER.DAT is in use or locked"},
+                                        {"Gone", "the file NTUSER.DAT is missing or empty"},
+                                        {"Anna", ""},
+                                        {"Carla", ""}}) {
+        EXPECT_EQ(batch.apply(name, brl_text(set)), outcome) << name;
+    }
     EXPECT_EQ(school.users["Ben"]->dump(), ben);
     EXPECT_THAT(school.users["Carla"]->dump(), HasSubstr("NoClose = dword 1"));
     EXPECT_THAT(school.users["Carla"]->dump(), HasSubstr("FixedLNKUrl = \"C:\\Icons of Carla\""));
-    EXPECT_EQ(school.w.windows.machine().registry.create_key(HKEY_USERS, "Ben\\Software"),
-              Registry::Disposition::failed)
-        << "a hive stays mounted";
+    EXPECT_FALSE(school.w.windows.registry.is_mounted(*school.users["Ben"]));
 
     EXPECT_EQ(batch.apply("Anna", "other,file"), "the file is not a Brightlock Suite file");
+    trouble = "the disk is full";
+    EXPECT_EQ(batch.apply("Anna", brl_text(set)), "the changes could not be saved (the disk is full)");
     school.w.windows.processes.failing_tool = 1;
     EXPECT_EQ(school.batch(german).apply("Anna", brl_text(set)),
               "die Datei NTUSER.DAT konnte nicht geladen werden");
-    (void)school.w.windows.files.remove("C:\\Program Files\\Brightlock Suite\\regg.exe");
-    EXPECT_EQ(apply("Anna"), "run-time error 53: File not found");
-}
-
-TEST(Batch, TellsOfChangesThatDidNotReachTheDisk) {
-    School school;
-    std::vector<std::string> troubles = {"", "the disk is full"};
-    Batch batch(school.w.windows.machine(), english, [&] {
-        std::string trouble = troubles.back();
-        troubles.pop_back();
-        return trouble;
-    });
-    EXPECT_EQ(batch.apply("Anna", brl_text({})), "the changes could not be saved (the disk is full)");
-    EXPECT_EQ(batch.apply("Ben", brl_text({})), "");
+    (void)files.remove("C:\\Program Files\\Brightlock Suite\\regg.exe");
+    EXPECT_EQ(school.batch(english).apply("Anna", brl_text(set)), "run-time error 53: File not found");
 }
 
 TEST(Batch, ShowsAUserInWords) {

@@ -21,6 +21,17 @@ struct Person {
     explicit Person(Language its_language = english) : language(its_language) {}
     ~Person() { EXPECT_EQ(screen.left_over(), 0u) << "a question that never came"; }
 
+    /// The next act must bring a box of this title; it is answered so.
+    Person& expecting(std::string title, toolkit::Answer answer = toolkit::Answer::ok) {
+        screen.expect_box(std::move(title), answer);
+        return *this;
+    }
+    /// In the file dialog of the next act; an empty path cancels it.
+    Person& choosing_file(std::string path) {
+        screen.expect_file(std::move(path));
+        return *this;
+    }
+
     /// Starts the process; a running one is forgotten, as by a kill.
     bool start(const machine::Machine& machine) {
         screen.ended = false;
@@ -47,12 +58,11 @@ struct Person {
     MainForm& window() { return *program->loaded<MainForm>(); }
 
     /// Chooses a user in the list.
-    void choose(std::string_view user) {
+    bool choose(std::string_view user) {
         auto& combo = window().Combo_user;
-        const auto& names = combo.items();
-        const auto at = std::find(names.begin(), names.end(), user);
-        ASSERT_NE(at, names.end()) << user;
-        screen.act([&] { combo.choose(static_cast<int>(at - names.begin())); });
+        const auto at = std::find(combo.items().begin(), combo.items().end(), user) - combo.items().begin();
+        EXPECT_LT(at, std::ssize(combo.items())) << user;
+        return screen.act([&] { combo.choose(static_cast<int>(at)); });
     }
 
     /// Turns to the page of a control and clicks it.
@@ -75,6 +85,8 @@ struct Person {
         });
     }
     bool apply() { return click(window().cmd_set); }
+    /// The text of the last box.
+    const std::string& told() { return screen.boxes.back().text; }
 
     void turn_to(const toolkit::Control& control) {
         for (const toolkit::Control* c = &control; c; c = c->parent()) {

@@ -24,10 +24,8 @@ struct Marks {
             marks.lines[drive.name()] = std::to_string(drive.value());
         for (const auto& row : window.lv1.rows())
             marks.lines["applet " + row.text] = std::to_string(row.checked);
-        std::string list;
         for (const std::string& item : window.List1.items())
-            list += item + "|";
-        marks.lines["List1"] = list;
+            marks.lines["List1"] += item + "|";
         marks.lines["t31"] = window.t31.text();
         marks.lines["t32"] = window.t32.text();
         return marks;

@@ -11,7 +11,6 @@ namespace {
 using namespace machine;
 using namespace text::literals;
 using testing::ElementsAre;
-using testing::StartsWith;
 
 constexpr const char* version_page = "http://update.brightlock.invalid/update/brit.txt";
 constexpr const char* german_version_page = "http://update-de.brightlock.invalid/update/brit.txt";
@@ -35,11 +34,6 @@ struct OnlineUpdate : testing::Test {
         w.windows.internet.pages[installer_page] = file;
         press(form->cmd1);
     }
-    std::string written() {
-        std::string bytes;
-        EXPECT_EQ(w.windows.files.read(installer, bytes), no_error);
-        return bytes;
-    }
     std::string enabled() {
         std::string names;
         for (auto* button : {&form->cmd1, &form->cmd2, &form->cmd3, &form->cmd_abbruch})
@@ -49,15 +43,14 @@ struct OnlineUpdate : testing::Test {
 };
 
 TEST_F(OnlineUpdate, TellsEveryDifferenceAsANewerVersion) {
-    EXPECT_EQ(enabled(), "cmd1 cmd3 cmd_abbruch ");
     w.screen.expect_box("Brightlock Suite");
     press(form->cmd1);
-    EXPECT_EQ(w.screen.boxes.back().text, "ERROR: Unable to connect to the remote host");
+    EXPECT_EQ(w.told(), "ERROR: Unable to connect to the remote host");
     EXPECT_EQ(form->lbl4.text(), "1.0.0\r\n??? <check>");
 
     offer("1.0.0", "");
     EXPECT_EQ(form->lbl5.text(), "You own the latest version.");
-    EXPECT_FALSE(form->cmd2.enabled());
+    EXPECT_EQ(enabled(), "cmd1 cmd3 cmd_abbruch ");
     for (const char* other : {"0.9.9", "1.0.0\n", "1.0.0 ", ""}) {
         offer(other, "");
         EXPECT_EQ(form->lbl5.text(), "A newer version is ready to be downloaded...") << other;
@@ -83,7 +76,7 @@ TEST_F(OnlineUpdate, FetchesTheInstallerStartsItAndEnds) {
     EXPECT_EQ(seen[4], "0 KB downgeloaded... Bitte warten...");
     EXPECT_EQ(seen[7], "1 KB downgeloaded... Bitte warten...");
     EXPECT_EQ(form->lbl7.text(), "1450 Byts wurden Downgeloadet     -  Fertig!");
-    EXPECT_EQ(written(), file + std::string(1550, 'o')) << "a longer one keeps its tail";
+    EXPECT_EQ(w.content(installer), file + std::string(1550, 'o')) << "a longer one keeps its tail";
     EXPECT_EQ(w.windows.processes.started.back().command_line, '"' + std::string(installer) + '"');
     EXPECT_THAT(w.windows.internet.requests, ElementsAre(version_page, installer_page));
     EXPECT_EQ(w.windows.internet.open_bodies(), 0u);
@@ -92,11 +85,11 @@ TEST_F(OnlineUpdate, FetchesTheInstallerStartsItAndEnds) {
 TEST_F(OnlineUpdate, ACancelStopsThisDownloadOrTheNextOne) {
     offer("2.0.0", std::string(1000, 'n'));
     w.screen.meanwhile = [&] {
-        if (written().size() == 400) form->cmd_abbruch.click();
+        if (w.content(installer).size() == 400) form->cmd_abbruch.click();
     };
     w.screen.expect_box("Cancel !");
     EXPECT_TRUE(press(form->cmd2));
-    EXPECT_EQ(written().size(), 600u) << "one chunk more, then the flag is looked at";
+    EXPECT_EQ(w.content(installer).size(), 600u) << "one chunk more, then the flag is looked at";
     EXPECT_EQ(form->lbl6.text() + form->lbl7.text(), "");
     EXPECT_EQ(enabled(), "cmd1 cmd2 cmd3 cmd_abbruch ");
     EXPECT_EQ(w.windows.internet.open_bodies(), 0u);
@@ -106,9 +99,9 @@ TEST_F(OnlineUpdate, ACancelStopsThisDownloadOrTheNextOne) {
     press(form->cmd_abbruch);
     w.screen.expect_box("Cancel !");
     EXPECT_TRUE(press(form->cmd2));
-    EXPECT_EQ(written().size(), 200u);
+    EXPECT_EQ(w.content(installer).size(), 200u);
     EXPECT_FALSE(press(form->cmd2)) << "the flag is gone";
-    EXPECT_EQ(written().size(), 1000u);
+    EXPECT_EQ(w.content(installer).size(), 1000u);
 }
 
 TEST_F(OnlineUpdate, ALostConnectionIsToldAndEndsTheFile) {
@@ -116,19 +109,17 @@ TEST_F(OnlineUpdate, ALostConnectionIsToldAndEndsTheFile) {
     w.windows.internet.lost_after = 600;
     w.screen.expect_box("Brightlock Suite");
     EXPECT_FALSE(press(form->cmd2));
-    EXPECT_EQ(w.screen.boxes.back().text, "Error 12030");
-    EXPECT_EQ(w.screen.boxes.back().icon, toolkit::Icon::none);
+    EXPECT_EQ(w.told(), "Error 12030");
     EXPECT_EQ(form->lbl7.text(), "600 Byts wurden Downgeloadet     -  Fertig!");
 }
 
-TEST_F(OnlineUpdate, WhatCannotBeWrittenOrStartedClosesTheForm) {
+TEST_F(OnlineUpdate, WhatCannotBeWrittenClosesTheForm) {
     offer("2.0.0", "new");
     w.windows.files.fail(installer, path_access);
     w.screen.expect_box("Error while connecting...");
     EXPECT_TRUE(press(form->cmd2));
     EXPECT_EQ(w.program->loaded<Update>(), nullptr);
     EXPECT_EQ(w.windows.internet.open_bodies(), 0u);
-    EXPECT_TRUE(w.window().shown());
 }
 
 TEST_F(OnlineUpdate, ClosingTheWindowCancelsTheDownload) {
@@ -138,7 +129,7 @@ TEST_F(OnlineUpdate, ClosingTheWindowCancelsTheDownload) {
     w.screen.while_box = [&](const toolkit::Box&) { w.screen.meanwhile = nullptr; };
     EXPECT_TRUE(w.screen.act([&] { form->cmd2.click(); }));
     EXPECT_EQ(w.program->loaded<Update>(), nullptr);
-    EXPECT_EQ(written().size(), 400u);
+    EXPECT_EQ(w.content(installer).size(), 400u);
 }
 
 TEST(OnlineUpdateInGerman, AsksTheGermanHost) {
@@ -149,7 +140,6 @@ TEST(OnlineUpdateInGerman, AsksTheGermanHost) {
     EXPECT_EQ(form.lbl4.text(), U"1.0.0\r\n??? <prüfen>"_ansi);
     w.screen.act([&] { form.cmd1.click(); });
     EXPECT_EQ(form.lbl5.text(), "Eine neuere Version steht zum Download bereit.");
-    EXPECT_THAT(form.lbl2.text(), StartsWith(U"Für diese Aktion"_ansi));
 }
 
 }  // namespace

@@ -19,18 +19,32 @@ struct World : Person {
 
     bool nt() const { return windows.system.windows.platform == 2; }
 
+    World& expecting(std::string title, toolkit::Answer answer = toolkit::Answer::ok) {
+        screen.expect_box(std::move(title), answer);
+        return *this;
+    }
     bool start(const std::string& command_line = "") {
         windows.system.arguments = command_line;
         return Person::start(windows.machine());
     }
 
+    void have_password() {
+        windows.registry.at(HKEY_LOCAL_MACHINE, product::key)
+            .set("UserPW", encode_password("secret", password_key));
+    }
+
     /// Starts it with a password that is set, and passes the prompt.
     MainForm& enter() {
-        const std::string password = encode_password("secret", password_key);
-        windows.registry.at(HKEY_LOCAL_MACHINE, product::key).set("UserPW", password);
+        have_password();
         start();
         give_password("secret");
         return window();
+    }
+
+    std::string content(const std::string& path) {
+        std::string bytes;
+        EXPECT_EQ(windows.files.read(path, bytes), machine::no_error) << path;
+        return bytes;
     }
 
     machine::MemoryMachine windows;

@@ -38,7 +38,7 @@ struct HiveFiles : testing::Test {
         EXPECT_TRUE(hive.set_value(*hive.create(u"Software\\New", 4), u"v", {REG_BINARY, Bytes(9000, 1)}, 4));
     }
     /// Reads, edits and commits.
-    Result<Durability> change_file() const {
+    Result<Committed> change_file() const {
         auto lock = FileLock::acquire(place);
         if (!lock) return lock.error();
         auto file = read_hive(place, *lock);
@@ -110,8 +110,8 @@ TEST_F(HiveFiles, ChangedMeanwhileAreLeftAlone) {
     EXPECT_TRUE(commit(place, file->hive, file->identity, 5)) << "nothing to write";
     EXPECT_TRUE(read_file(place.path()) == old_image);
     edit(file->hive);
-    const Hive other = Hive::create({.file_name = u"another", .now = 9});
-    write_file(place.path(), *other.sealed_image(9));
+    Hive other = Hive::create({.file_name = u"another", .now = 9});
+    write_file(place.path(), *sealed_image(other, 9));
     const Bytes theirs = read_file(place.path());
     const auto result = commit(place, file->hive, file->identity, 5);
     ASSERT_FALSE(result);

@@ -40,7 +40,7 @@ void exercise(const Bytes& image) {
         }
         (void)hive.delete_key(child, 7);
     }
-    const auto sealed = hive.sealed_image(7);
+    const auto sealed = sealed_image(hive, 7);
     ASSERT_TRUE(sealed) << sealed.error().message;
     const auto again = Hive::open(*sealed);
     ASSERT_TRUE(again) << again.error().message;
@@ -60,7 +60,8 @@ Hive small_hive(uint32_t minor) {
 }
 
 TEST(DamagedHives, AreReadOrRefusedWhicheverByteIsWrong) {
-    const Bytes image = *small_hive(3).sealed_image(4);
+    Hive hive = small_hive(3);
+    const Bytes image = *sealed_image(hive, 4);
     ASSERT_EQ(image.size(), base_block_size + 2 * bin_unit);
     for (size_t at = 0; at < image.size(); ++at) {
         if (at == 512) at = base_block_size;  // nothing between has a meaning
@@ -83,7 +84,7 @@ TEST(DamagedHives, AreReadOrRefusedWhicheverByteIsWrong) {
 
 /// A hive to be broken at will.
 struct Victim {
-    explicit Victim(Hive from) : hive(std::move(from)), bytes(*hive.sealed_image(4)) {}
+    explicit Victim(Hive from) : hive(std::move(from)), bytes(*sealed_image(hive, 4)) {}
     Key key(std::u16string_view path) const { return *hive.find(path); }
     uint32_t get(uint32_t cell, size_t field) const {
         return get32(bytes, base_block_size + cell + 4 + field);
@@ -212,7 +213,7 @@ TEST(DamagedHives, WithAWrongCountOfSharedDescriptorsAreEditedSafely) {
         for (const Key key : hive->subkeys(hive->root()))
             ASSERT_TRUE(hive->delete_key(key, 5));
         ASSERT_TRUE(hive->create(u"a\\b", 5));
-        const auto sealed = hive->sealed_image(6);
+        const auto sealed = sealed_image(*hive, 6);
         ASSERT_TRUE(sealed) << sealed.error().message;
         EXPECT_TRUE(validate(*sealed).empty());
     }

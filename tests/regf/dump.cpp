@@ -10,6 +10,8 @@
 #include <iterator>
 #include <memory>
 
+#include "regf/whole_check.h"
+
 namespace regf {
 
 namespace {
@@ -64,6 +66,13 @@ std::string full_dump(const Hive& hive) {
     std::string out;
     dump_key(hive, hive.root(), "", true, out);
     return out;
+}
+
+Result<Bytes> sealed_image(Hive& hive, FileTime now) {
+    const auto sealed = hive.seal(now);
+    if (!sealed) return sealed.error();
+    EXPECT_EQ(whole_check(sealed->opened, sealed->image, hive.changes()), "");
+    return Bytes(sealed->image.begin(), sealed->image.end());
 }
 
 Bytes read_file(const std::string& path) {

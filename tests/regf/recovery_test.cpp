@@ -11,23 +11,29 @@ namespace regf {
 namespace {
 
 TEST(Figures, AreThoseOfWindows) {
-    EXPECT_EQ(name_hash(u"A"), 0x41u);
-    EXPECT_EQ(name_hash(u"Software"), 0xE9FE1463u);
-    EXPECT_EQ(name_hash(u"Control Panel"), 0xBD9CD7B9u);
-    EXPECT_EQ(name_hash(u"\u00EBigenaardig"), 0x4B098ECEu);
-    EXPECT_EQ(name_hash(u"\u041F\u0440\u0438\u0432\u0435\u0442"), 0x81C3D610u);
-    EXPECT_EQ(name_hint(u"123"), 0x00333231u);
-    EXPECT_EQ(name_hint(u"\u00EBigenaardig"), 0x656769EBu);
-    EXPECT_EQ(name_hint(u"key\xD81D"), 0u);
+    const auto of_stored = [](auto number, std::u16string_view name) {
+        const StoredName stored = store_name(name);
+        return number(NameView{stored.bytes, stored.compressed});
+    };
+    const auto hash = [&](std::u16string_view name) { return of_stored(name_hash, name); };
+    const auto hint = [&](std::u16string_view name) { return of_stored(name_hint, name); };
+    EXPECT_EQ(hash(u"A"), 0x41u);
+    EXPECT_EQ(hash(u"Software"), 0xE9FE1463u);
+    EXPECT_EQ(hash(u"Control Panel"), 0xBD9CD7B9u);
+    EXPECT_EQ(hash(u"\u00EBigenaardig"), 0x4B098ECEu);
+    EXPECT_EQ(hash(u"\u041F\u0440\u0438\u0432\u0435\u0442"), 0x81C3D610u);
+    EXPECT_EQ(hint(u"123"), 0x00333231u);
+    EXPECT_EQ(hint(u"\u00EBigenaardig"), 0x656769EBu);
+    EXPECT_EQ(hint(u"key\xD81D"), 0u);
     const std::u16string ascending[] = {u"2",      u"3",       u"ss1",    u"SS3",
                                         u"\u009F", u"\u00DF2", u"\u0178", u"\u0430"};
     for (size_t i = 1; i < std::size(ascending); ++i)
         EXPECT_LT(compare_names(ascending[i - 1], ascending[i]), 0) << i;
     EXPECT_TRUE(same_name(u"\u00FF", u"\u0178"));
     constexpr FileTime now = 130000000000000000;
-    const auto smallest =
-        Hive::create({.minor_version = 3, .root_name = u"ROOT", .file_name = u"mini.dat", .now = now})
-            .sealed_image(now);
+    Hive hive =
+        Hive::create({.minor_version = 3, .root_name = u"ROOT", .file_name = u"mini.dat", .now = now});
+    const auto smallest = sealed_image(hive, now);
     ASSERT_TRUE(smallest);
     EXPECT_EQ(smallest->size(), 8192u);
     EXPECT_EQ(get32(*smallest, base_block::checksum), 0xCB77AF53u);
@@ -42,11 +48,11 @@ Bytes of_a_later_version(Bytes image) {
 }
 
 TEST(Recovery, DoesNotMakeAHiveOfALaterVersionWritable) {
-    const auto hive = Hive::open(of_a_later_version(read_file(unfinished)),
-                                 {{"LOG", of_a_later_version(read_file(unfinished + ".LOG"))}});
+    auto hive = Hive::open(of_a_later_version(read_file(unfinished)),
+                           {{"LOG", of_a_later_version(read_file(unfinished + ".LOG"))}});
     ASSERT_TRUE(hive) << hive.error().message;
     EXPECT_TRUE(hive->recovered());
-    const auto sealed = hive->sealed_image(10);
+    const auto sealed = sealed_image(*hive, 10);
     ASSERT_FALSE(sealed);
     EXPECT_EQ(sealed.error().kind, ErrorKind::unsupported);
 }

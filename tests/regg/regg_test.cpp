@@ -48,7 +48,7 @@ Ran run_tool(const std::string& arguments, const std::string& environment) {
 ToolReport run_here(const OfflineFixture& fixture, const std::string& key_to_unload) {
     regg::Setting setting{DriveMap(), MountTable(fixture.mounts_folder())};
     EXPECT_TRUE(setting.drives.add_drive('C', fixture.disk().string()));
-    return regg::run(setting, {"unload", key_to_unload});
+    return regg::run(std::move(setting), {"unload", key_to_unload}).report;
 }
 
 Registry::Disposition make_lock_key(OfflineFixture& fixture) {
@@ -530,8 +530,8 @@ TEST(HiveTool, RefusesAtLoadWhatItCouldNotReplace) {
     in_process_of(12345, [&] {
         regg::Setting setting{DriveMap(), MountTable((state / "mounts").string())};
         (void)setting.drives.add_drive('C', fixture.disk().string());
-        const auto report =
-            regg::run(setting, {"load", OfflineFixture::windows_hive_of("Anna"), "HKU\\Anna"});
+        const auto [report, handed] =
+            regg::run(std::move(setting), {"load", OfflineFixture::windows_hive_of("Anna"), "HKU\\Anna"});
         return !report.succeeded && report.detail.find("its owner cannot be kept") != std::string::npos;
     });
 }

@@ -47,40 +47,36 @@ Gallery::Gallery(Toolkit& toolkit, FolderSource& source)
     set_caption("Gallery & more");
     set_icon(&computer);
     set_client_size(8730, 6120);
-    caption_menus();
     fill();
     place_all();
     listen();
 }
 
-void Gallery::caption_menus() {
-    m_file.set_caption("&File");
-    m_open.set_caption("&Open");
-    m_line.set_caption("-");
-    m_more.set_caption("&More");
-    m_deep.set_caption("&Deep");
-    m_help.set_caption("&Help");
-    m_unbuilt.set_caption("Not &built yet");
-}
-
 void Gallery::fill() {
+    // clang-format off
+    const std::pair<MenuItem&, const char*> menus[] = {
+        {m_file, "&File"}, {m_open, "&Open"}, {m_line, "-"}, {m_more, "&More"}, {m_deep, "&Deep"}, {m_help, "&Help"},
+        {m_unbuilt, "Not &built yet"}};
+    const std::pair<Control&, const char*> texts[] = {
+        {page1, "Disable some entries in your Startmenu..."}, {page2, "Mark some lines..."}, {page3, "Choose a folder..."},
+        {tick, "&Tick this entry of the menu"}, {second, "No change of the taskbar && the menu"},
+        {grey, "Neither this nor that"}, {name_label, "Registered &Name:"}, {secret, "hidden"}, {heading, "Start"},
+        {hint, "Restrict your Startmenu and hide some entries you not want to entered by your users."},
+        {combo, "somebody else"}, {apply, "&Apply"}, {cancel, "&Cancel"}, {unbuilt, "Later"}, {ok, "&OK"}};
+    // clang-format on
+    for (const auto& [item, caption] : menus)
+        item.set_caption(caption);
+    for (const auto& [control, text] : texts)
+        control.set_text(text);
     bar.set_group("group", "Restrictions");
     for (const char* text : {"Start", "Control Panel", "Desktop", "Restrict EXEs", "Hide Drives",
                              "Net/Printer", "IE Explorer", "Misc.", "Settings", "Help"}) {
         bar.add({text, text, &computer});
     }
     tab.set_captions({"&1.)", "&2.)", "&3.)", "&4.)", "&5.)", "&6.)", "&7.)", "&8.)", "&9.)"});
-    page1.set_text("Disable some entries in your Startmenu...");
-    page2.set_text("Mark some lines...");
-    page3.set_text("Choose a folder...");
-    tick.set_text("&Tick this entry of the menu");
-    second.set_text("No change of the taskbar && the menu");
-    grey.set_text("Neither this nor that");
     grey.set_value(2);
-    name_label.set_text("Registered &Name:");
     name.set_max_length(12);
     secret.set_password_char('*');
-    secret.set_text("hidden");
     for (const char* text : {"BRITLOCK.EXE", "CALC.EXE", "R&D.EXE", "NOTEPAD.EXE", "SOL.EXE", "WINMINE.EXE"})
         list.add(text);
     for (int i = 1; i <= 20; ++i)
@@ -88,26 +84,19 @@ void Gallery::fill() {
     drive.set_drive("C");
     dir.set_path("C:\\School");
     files.set_path("C:\\School");
-    heading.set_text("Start");
     heading.set_font_size(14);
-    hint.set_text("Restrict your Startmenu and hide some entries you not want to entered by your users.");
     picture.set_drawing(&computer);
     for (const char* text : {"Administrator", "pupil", "R&D"})
         combo.add(text);
-    combo.set_text("somebody else");
-    apply.set_text("&Apply");
-    cancel.set_text("&Cancel");
-    unbuilt.set_text("Later");
     cancel.is_cancel = true;
-    ok.set_text("&OK");
     ok.is_default = true;
-    for (const auto& [text, width] : std::map<std::string, int>{{"1 www.example.invalid", 1850},
-                                                                {"2 Load Profile:...", 2900},
-                                                                {"3 teacher", 1800},
-                                                                {"4 NT", 800}}) {
-        status.add({text, width, false});
+    for (const auto& [text, width] : {std::pair{"1 www.example.invalid", 1850},
+                                      {"2 Load Profile:...", 2900},
+                                      {"3 teacher", 1800},
+                                      {"4 NT", 800},
+                                      {"12:00:00", 1500}}) {
+        status.add({text, width, width == 1500});
     }
-    status.add({"12:00:00", 1500, true});
     status.set_font_size(7);
 }
 

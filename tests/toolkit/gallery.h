@@ -63,7 +63,6 @@ class Gallery : public toolkit::Form {
     toolkit::Timer clock{*this, "clock"};
 
   private:
-    void caption_menus();
     void fill();
     void place_all();
     void listen();

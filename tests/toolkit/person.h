@@ -63,3 +63,6 @@ class Person {
 
 /// Made by the renderer's own part of the test program. `argc` and `argv` are those of main().
 std::unique_ptr<Person> make_person(int& argc, char** argv);
+
+/// The one of this test program.
+inline std::unique_ptr<Person> the_person;

@@ -7,6 +7,7 @@
 #include <QListView>
 #include <QTest>
 
+#include "toolkit/person.h"
 #include "toolkit/qt/picture.h"
 #include "toolkit/qt_person.h"
 
@@ -33,47 +34,34 @@ std::string picture_file(const char* format) {
 }  // namespace
 
 TEST(Picture, ShowsTheFormatsOfADesktopOnly) {
-    for (const char* format : {"bmp", "ico", "jpeg", "gif"}) {
+    for (const char* format : {"bmp", "ico", "jpeg", "gif"})
         EXPECT_FALSE(qt::decode_picture(picture_file(format)).isNull()) << format;
-    }
-    for (const char* format : {"png", "ppm", "xpm"}) {
+    for (const char* format : {"png", "ppm", "xpm"})
         EXPECT_TRUE(qt::decode_picture(picture_file(format)).isNull()) << format;
-    }
-    EXPECT_TRUE(qt::decode_picture("").isNull());
+    std::string bomb = picture_file("bmp");
+    bomb.replace(18, 8, std::string("\xff\x3f\0\0\xff\x3f\0\0", 8));  // 16383 by 16383 pixels
+    EXPECT_TRUE(qt::decode_picture(bomb).isNull());
 }
 
-TEST(Picture, ShowsNoMemoryWhereTheFileEndsEarly) {
-    for (const char* format : {"bmp", "gif"}) {
-        const std::string whole = picture_file(format);
-        for (size_t length = 0; length < whole.size(); ++length) {
-            const QImage image = qt::decode_picture(std::string_view(whole).substr(0, length));
-            for (int i = 0; i < image.width() * image.height(); ++i) {
-                const QColor colour = image.pixelColor(i % image.width(), i / image.width());
-                ASSERT_TRUE(colour == Qt::darkCyan || colour == Qt::white || colour == Qt::black ||
-                            colour.alpha() == 0)
-                    << format << " of " << length << " bytes: " << colour.name(QColor::HexArgb).toStdString();
-            }
-        }
-    }
-}
-
-TEST(Picture, SurvivesHostileBytes) {
+TEST(Picture, ShowsNoMemoryWhereTheFileEndsEarlyAndSurvivesHostileBytes) {
     for (const char* format : {"bmp", "ico", "jpeg", "gif"}) {
         const std::string whole = picture_file(format);
+        const bool lossless = format[0] == 'b' || format[0] == 'g';
         for (size_t i = 0; i < whole.size(); ++i) {
-            qt::decode_picture(std::string_view(whole).substr(0, i));
+            const QImage cut = qt::decode_picture(std::string_view(whole).substr(0, i));
+            for (int pixel = 0; lossless && pixel < cut.width() * cut.height(); ++pixel) {
+                const QColor colour = cut.pixelColor(pixel % cut.width(), pixel / cut.width());
+                const bool known = colour == Qt::darkCyan || colour == Qt::white || colour == Qt::black;
+                ASSERT_TRUE(known || colour.alpha() == 0) << format << " of " << i << " bytes";
+            }
             for (const char flip : {'\x01', '\x80', '\xff'}) {
                 std::string damaged = whole;
                 damaged[i] ^= flip;
                 const QImage image = qt::decode_picture(damaged);
-                EXPECT_LE(image.width(), 16384);
-                EXPECT_LE(image.height(), 16384);
+                EXPECT_LE(std::max(image.width(), image.height()), 16384);
             }
         }
     }
-    std::string bomb = picture_file("bmp");
-    bomb.replace(18, 8, std::string("\xff\x3f\0\0\xff\x3f\0\0", 8));  // 16383 by 16383 pixels
-    EXPECT_TRUE(qt::decode_picture(bomb).isNull());
 }
 
 class QtFileDialog : public testing::Test {
@@ -82,7 +70,7 @@ class QtFileDialog : public testing::Test {
     std::string ask(FileDialog dialog, Act act) {
         dialog.filter = "Restrictions|*.brl|All files|*.*";
         std::string path;
-        QtPerson::at_next_dialog([act](QDialog& box) {
+        at_next_dialog([act](QDialog& box) {
             act(box);
             if (box.isVisible()) box.reject();
         });
@@ -106,7 +94,7 @@ class QtFileDialog : public testing::Test {
     static void key(QWidget& target, Qt::Key key) { QTest::keyClick(&target, key); }
 
     enum { files, folders };
-    Toolkit& screen = QtPerson::get().screen();
+    Toolkit& screen = the_person->screen();
 };
 
 TEST_F(QtFileDialog, WalksByKeysAndFilters) {
@@ -154,9 +142,9 @@ TEST_F(QtFileDialog, SaysSoWhenADriveDoesNotAnswer) {
         EXPECT_TRUE(before.starts_with("C:\\/"));
         auto& drives = *box.findChildren<QComboBox*>()[1];
         EXPECT_EQ(drives.currentText(), "C:");
-        QtPerson::get().at_next_box({Key::enter});
+        the_person->at_next_box({Key::enter});
         key(drives, Qt::Key_Down);
-        EXPECT_TRUE(QtPerson::get().last_box().text.starts_with("D: ist nicht zu erreichen"));
+        EXPECT_TRUE(the_person->last_box().text.starts_with("D: ist nicht zu erreichen"));
         EXPECT_EQ(drives.currentText(), "C:");
         EXPECT_EQ(lines(box, folders), before);
     });

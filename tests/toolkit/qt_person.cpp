@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QClipboard>
 #include <QComboBox>
@@ -13,36 +14,43 @@
 #include <QPushButton>
 #include <QTabBar>
 #include <QTest>
+#include <QTimer>
 #include <QWheelEvent>
 #include <cstdio>
 #include <map>
 
+#include "toolkit/person.h"
 #include "toolkit/qt/conversion.h"
+#include "toolkit/qt/peer.h"
+#include "toolkit/qt/qt_toolkit.h"
 
 using namespace toolkit;
 
 namespace {
 
+QWidget& widget_of(const Control& control) { return static_cast<qt::WidgetPeer*>(control.peer)->widget(); }
+
+QWidget& window_of(const Form& form) { return *widget_of(*form.controls().front()).window(); }
+
+/// What has the keyboard.
 QWidget& target() {
-    for (QWidget* window : {QApplication::activePopupWidget(), QApplication::activeModalWidget()}) {
+    for (QWidget* window : {QApplication::activePopupWidget(), QApplication::activeModalWidget(),
+                            QApplication::activeWindow()}) {
         if (window) return window->focusWidget() ? *window->focusWidget() : *window;
-    }
-    for (QWidget* widget : {QApplication::focusWidget(), QApplication::activeWindow()}) {
-        if (widget) return *widget;
     }
     throw std::logic_error("nothing has the keyboard");
 }
 
 /// What hears the mouse of a control.
 QWidget& surface(const Control& control) {
-    QWidget& widget = QtPerson::widget(control);
+    QWidget& widget = widget_of(control);
     if (auto* list = qobject_cast<QListView*>(&widget)) return *list->viewport();
     if (auto* tabs = widget.findChild<QTabBar*>({}, Qt::FindDirectChildrenOnly)) return *tabs;
     return widget;
 }
 
 QPoint line_at(const Control& control, int line) {
-    QWidget& widget = QtPerson::widget(control);
+    QWidget& widget = widget_of(control);
     if (auto* tabs = qobject_cast<QTabBar*>(&surface(control))) return tabs->tabRect(line).center();
     auto& list = dynamic_cast<QListView&>(widget);
     if (line >= list.model()->rowCount()) return list.viewport()->rect().bottomLeft() - QPoint(-20, 2);
@@ -74,82 +82,131 @@ std::string lines_of(const Control& control, QListView& list) {
     return out;
 }
 
+/// Somebody at the Qt renderer.
+class QtPerson : public Person {
+  public:
+    QtPerson(int& argc, char** argv)
+        : screen_(argc, argv, folders_, german, [](Ending ending) {
+              std::fputs("before the end\n", stderr);
+              return ending == Ending::done ? 0 : 1;
+          }) {}
+    ~QtPerson() override { qDeleteAll(QApplication::topLevelWidgets()); }
+
+    Toolkit& screen() override { return screen_; }
+    FolderSource& folders() override { return folders_; }
+
+    void press(Key key) override {
+        static const std::map<Key, Qt::Key> keys = {
+            {Key::tab, Qt::Key_Tab},       {Key::back_tab, Qt::Key_Backtab}, {Key::enter, Qt::Key_Return},
+            {Key::escape, Qt::Key_Escape}, {Key::space, Qt::Key_Space},      {Key::up, Qt::Key_Up},
+            {Key::down, Qt::Key_Down},     {Key::left, Qt::Key_Left},        {Key::right, Qt::Key_Right},
+            {Key::home, Qt::Key_Home},     {Key::del, Qt::Key_Delete},       {Key::f1, Qt::Key_F1},
+            {Key::f4, Qt::Key_F4},         {Key::f10, Qt::Key_F10}};
+        QTest::keyClick(&target(), keys.at(key));
+    }
+    void press_access(char letter) override {
+        QTest::keyClick(&target(), static_cast<Qt::Key>(letter), Qt::AltModifier);
+    }
+    void paste(std::string_view ansi) override {
+        QApplication::clipboard()->setText(qt::shown(ansi));
+        QTest::keyClick(&target(), Qt::Key_V, Qt::ControlModifier);
+    }
+    void type(std::u16string_view text) override {
+        for (const char16_t letter : text) {
+            const auto key = letter < 0x80 ? static_cast<Qt::Key>(letter) : Qt::Key_unknown;
+            QTest::sendKeyEvent(QTest::Click, &target(), key, QChar(letter), Qt::NoModifier);
+        }
+    }
+    void click(const Control& control) override {
+        QWidget& at = widget_of(control);
+        QTest::mouseClick(&at, Qt::LeftButton, {}, QPoint(5, at.height() / 2));
+    }
+    void click_line(const Control& control, int line) override {
+        QTest::mouseClick(&surface(control), Qt::LeftButton, {}, line_at(control, line));
+    }
+    void double_click_line(const Control& control, int line) override {
+        QTest::mouseDClick(&surface(control), Qt::LeftButton, {}, line_at(control, line));
+    }
+    /// As one that comes from outside: Qt decides first whether it moves the focus.
+    void turn_wheel(const Control& control, int notches) override {
+        QWidget& over = surface(control);
+        const QPoint at = over.rect().center();
+        QWheelEvent event(at, over.mapToGlobal(at), {}, QPoint(0, -120 * notches), Qt::NoButton, {},
+                          Qt::NoScrollPhase, false);
+        QSpontaneKeyEvent::setSpontaneous(&event);
+        qApp->notify(&over, &event);
+    }
+    void close_window(const Form& form) override { window_of(form).close(); }
+    void at_next_box(Keys keys) override {
+        at_next_dialog([this, keys](QDialog& box) {
+            box_ = {ansi_text(box.windowTitle()), {}, {}};
+            if (const auto* message = qobject_cast<QMessageBox*>(&box)) {
+                EXPECT_EQ(message->textFormat(), Qt::PlainText);
+                box_.text = ansi_text(message->text());
+                std::fprintf(stderr, "%s\n", box_.text.c_str());
+                for (const QAbstractButton* button : message->buttons())
+                    box_.buttons.push_back(ansi_text(button->text()));
+            }
+            for (const Key key : keys) {
+                EXPECT_TRUE(box.isVisible());
+                press(key);
+            }
+        });
+    }
+    void wait() override {
+        QTest::qWait(150);  // as long as Qt shows a button pressed by its access key
+        // What a window manager does when a box has gone.
+        if (!QApplication::activeWindow() && !screen_.forms().empty())
+            window_of(*screen_.forms().back()).activateWindow();
+        QTest::qWait(1);
+    }
+
+    std::string sees(const Control& control) override {
+        QWidget& shows = widget_of(control);
+        if (auto* list = qobject_cast<QListView*>(&shows)) return lines_of(control, *list);
+        if (const auto* box = qobject_cast<QCheckBox*>(&shows))
+            return mark_of(box->checkState()) + ansi_text(box->text());
+        if (const auto* line = qobject_cast<QLineEdit*>(&shows)) return ansi_text(line->displayText());
+        // A combo box is painted from the control; the list behind it must not name another entry.
+        const auto* combo = qobject_cast<QComboBox*>(&shows);
+        return combo && combo->currentIndex() >= 0 ? ansi_text(combo->currentText()) : control.text();
+    }
+    bool sees_window(const Form& form) override { return window_of(form).isVisible(); }
+    bool is_on_screen(const Control& control) override { return widget_of(control).isVisible(); }
+    bool is_grey(const Control& control) override { return !widget_of(control).isEnabled(); }
+    std::string sees_menu() override {
+        const auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        std::string out;
+        for (const QAction* action : menu ? menu->actions() : QList<QAction*>()) {
+            if (!action->isVisible()) continue;
+            const std::string text = action->isSeparator() ? "-" : ansi_text(action->text());
+            out += (action->isEnabled() || action->isSeparator() ? text : "(" + text + ")") + "|";
+        }
+        return out;
+    }
+    const Control* keyboard(const Form& form) override {
+        for (const Control* control : form.controls()) {
+            if (control->kind() == Kind::timer) continue;
+            if (surface(*control).hasFocus() || widget_of(*control).hasFocus()) return control;
+        }
+        return nullptr;
+    }
+    unsigned colour(const Control& control) override {
+        QWidget& over = widget_of(control);
+        const QImage shot = over.window()->grab().toImage();
+        return shot.pixel(over.mapTo(over.window(), over.rect().center())) & 0xffffffU;
+    }
+    Seen last_box() override { return box_; }
+
+  private:
+    PaperFolders folders_;
+    QtToolkit screen_;
+    Seen box_;
+};
+
 }  // namespace
 
-QtPerson::QtPerson(int& argc, char** argv)
-    : screen_(argc, argv, folders_, german, [](Ending ending) {
-          std::fputs("before the end\n", stderr);
-          return ending == Ending::done ? 0 : 1;
-      }) {
-    instance_ = this;
-}
-
-QtPerson::~QtPerson() {
-    qDeleteAll(QApplication::topLevelWidgets());
-    instance_ = nullptr;
-}
-
-std::unique_ptr<Person> make_person(int& argc, char** argv) {
-    // No test needs a screen; with one, they can be watched.
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    QLoggingCategory::setFilterRules("qt.gui.imageio*=false");  // damaged pictures are meant to be damaged
-    return std::make_unique<QtPerson>(argc, argv);
-}
-
-// --- the hand
-
-void QtPerson::press(Key key) {
-    static const std::map<Key, Qt::Key> keys = {
-        {Key::tab, Qt::Key_Tab},       {Key::back_tab, Qt::Key_Backtab}, {Key::enter, Qt::Key_Return},
-        {Key::escape, Qt::Key_Escape}, {Key::space, Qt::Key_Space},      {Key::up, Qt::Key_Up},
-        {Key::down, Qt::Key_Down},     {Key::left, Qt::Key_Left},        {Key::right, Qt::Key_Right},
-        {Key::home, Qt::Key_Home},     {Key::del, Qt::Key_Delete},       {Key::f1, Qt::Key_F1},
-        {Key::f4, Qt::Key_F4},         {Key::f10, Qt::Key_F10}};
-    QTest::keyClick(&target(), keys.at(key));
-}
-
-void QtPerson::press_access(char letter) {
-    QTest::keyClick(&target(), static_cast<Qt::Key>(letter), Qt::AltModifier);
-}
-
-void QtPerson::paste(std::string_view ansi) {
-    QApplication::clipboard()->setText(qt::shown(ansi));
-    QTest::keyClick(&target(), Qt::Key_V, Qt::ControlModifier);
-}
-
-void QtPerson::type(std::u16string_view text) {
-    for (const char16_t letter : text)
-        QTest::sendKeyEvent(QTest::Click, &target(),
-                            letter < 0x80 ? static_cast<Qt::Key>(letter) : Qt::Key_unknown, QChar(letter),
-                            Qt::NoModifier);
-}
-
-void QtPerson::click(const Control& control) {
-    const QPoint middle_left(5, widget(control).height() / 2);
-    QTest::mouseClick(&widget(control), Qt::LeftButton, {}, middle_left);
-}
-
-void QtPerson::click_line(const Control& control, int line) {
-    QTest::mouseClick(&surface(control), Qt::LeftButton, {}, line_at(control, line));
-}
-
-void QtPerson::double_click_line(const Control& control, int line) {
-    QTest::mouseDClick(&surface(control), Qt::LeftButton, {}, line_at(control, line));
-}
-
-/// As one that comes from outside: Qt decides first whether it moves the focus.
-void QtPerson::turn_wheel(const Control& control, int notches) {
-    QWidget& over = surface(control);
-    const QPoint at = over.rect().center();
-    QWheelEvent event(at, over.mapToGlobal(at), {}, QPoint(0, -120 * notches), Qt::NoButton, {},
-                      Qt::NoScrollPhase, false);
-    QSpontaneKeyEvent::setSpontaneous(&event);
-    qApp->notify(&over, &event);
-}
-
-void QtPerson::close_window(const Form& form) { widget(*form.controls().front()).window()->close(); }
-
-void QtPerson::at_next_dialog(const std::function<void(QDialog&)>& act) {
+void at_next_dialog(const std::function<void(QDialog&)>& act) {
     QTimer::singleShot(0, [act] {
         auto* window = dynamic_cast<QDialog*>(QApplication::activeModalWidget());
         ASSERT_TRUE(window);
@@ -157,77 +214,9 @@ void QtPerson::at_next_dialog(const std::function<void(QDialog&)>& act) {
     });
 }
 
-void QtPerson::at_next_box(Keys keys) {
-    at_next_dialog([this, keys](QDialog& box) {
-        box_ = {ansi_text(box.windowTitle()), {}, {}};
-        if (const auto* message = qobject_cast<QMessageBox*>(&box)) {
-            EXPECT_EQ(message->textFormat(), Qt::PlainText);
-            box_.text = ansi_text(message->text());
-            std::fprintf(stderr, "%s\n", box_.text.c_str());
-            for (const QAbstractButton* button : message->buttons())
-                box_.buttons.push_back(ansi_text(button->text()));
-        }
-        for (const Key key : keys) {
-            EXPECT_TRUE(box.isVisible());
-            press(key);
-        }
-    });
-}
-
-void QtPerson::wait() {
-    constexpr int milliseconds = 150;  // as long as Qt shows a button pressed by its access key
-    QTest::qWait(milliseconds);
-    // What a window manager does when a box has gone.
-    if (!QApplication::activeWindow() && !screen_.forms().empty())
-        widget(*screen_.forms().back()->controls().front()).activateWindow();
-    QTest::qWait(1);
-}
-
-// --- the eye
-
-std::string QtPerson::sees(const Control& control) {
-    QWidget& shows = widget(control);
-    if (auto* list = qobject_cast<QListView*>(&shows)) return lines_of(control, *list);
-    if (const auto* box = qobject_cast<QCheckBox*>(&shows))
-        return mark_of(box->checkState()) + ansi_text(box->text());
-    if (const auto* line = qobject_cast<QLineEdit*>(&shows)) return ansi_text(line->displayText());
-    if (const auto* combo = qobject_cast<QComboBox*>(&shows)) {
-        // Painted from the control; the list behind it must not name another entry.
-        const bool listed = combo->currentIndex() >= 0;
-        return listed ? ansi_text(combo->currentText()) : control.text();
-    }
-    return control.text();
-}
-
-bool QtPerson::sees_window(const Form& form) {
-    return widget(*form.controls().front()).window()->isVisible();
-}
-
-bool QtPerson::is_on_screen(const Control& control) { return widget(control).isVisible(); }
-
-bool QtPerson::is_grey(const Control& control) { return !widget(control).isEnabled(); }
-
-std::string QtPerson::sees_menu() {
-    const auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-    std::string out;
-    for (const QAction* action : menu ? menu->actions() : QList<QAction*>()) {
-        if (!action->isVisible()) continue;
-        const std::string text = action->isSeparator() ? "-" : ansi_text(action->text());
-        out += (action->isEnabled() || action->isSeparator() ? text : "(" + text + ")") + "|";
-    }
-    return out;
-}
-
-const Control* QtPerson::keyboard(const Form& form) {
-    for (const Control* control : form.controls()) {
-        if (control->kind() != Kind::timer && surface(*control).hasFocus()) return control;
-        if (control->kind() != Kind::timer && widget(*control).hasFocus()) return control;
-    }
-    return nullptr;
-}
-
-unsigned QtPerson::colour(const Control& control) {
-    QWidget& over = widget(control);
-    const QImage shot = over.window()->grab().toImage();
-    return shot.pixel(over.mapTo(over.window(), over.rect().center())) & 0xffffffU;
+std::unique_ptr<Person> make_person(int& argc, char** argv) {
+    // No test needs a screen; with one, they can be watched.
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    QLoggingCategory::setFilterRules("qt.gui.imageio*=false");  // damaged pictures are meant to be damaged
+    return std::make_unique<QtPerson>(argc, argv);
 }

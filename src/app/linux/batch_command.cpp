@@ -12,6 +12,7 @@
 #include "app/linux/exit_code.h"
 #include "app/linux/host_text.h"
 #include "app/linux/password_line.h"
+#include "app/linux/strip.h"
 #include "base/product.h"
 #include "base/text.h"
 #include "batch/batch.h"
@@ -49,20 +50,23 @@ struct NotOpened {
 /// Trouble that the hive tool tells of, for the user whose turn it is.
 class Troubles {
   public:
+    explicit Troubles(Language language) : language_(language) {}
     void note(const machine::ToolReport& report) {
         if (!report.succeeded || report.changes_lost)
-            last_ = text::from_utf8(report.detail).value_or(product::hive_tool_file);
+            last_ = text::from_utf8(strip::reason(report.why, report.detail, language_))
+                        .value_or(product::hive_tool_file);
     }
     std::string take() { return std::exchange(last_, ""); }
 
   private:
+    const Language language_;
     std::string last_;
 };
 
 class BatchRun {
   public:
-    BatchRun(const BatchOptions& options, std::string executables, int language)
-        : options_(options), executables_(std::move(executables)), language_(language) {}
+    BatchRun(const BatchOptions& options, std::string executables, Language language)
+        : options_(options), executables_(std::move(executables)), language_(language), troubles_(language) {}
 
     int run();
 
@@ -82,7 +86,7 @@ class BatchRun {
 
     const BatchOptions& options_;
     std::string executables_;
-    int language_;
+    const Language language_;
     Troubles troubles_;
     std::unique_ptr<machine::OfflineMachine> windows_;
     std::unique_ptr<Batch> batch_;
@@ -112,7 +116,7 @@ void BatchRun::open() {
     wanted.state_folder = options_.state_folder;
     wanted.on_report = [this](const machine::ToolReport& report) { troubles_.note(report); };
     auto opened = machine::OfflineMachine::open(wanted);
-    if (!opened) throw NotOpened{opened.error().message};
+    if (!opened) throw NotOpened{strip::reason(opened.error().kind, opened.error().message, language_)};
     windows_ = std::move(*opened);
 }
 
@@ -136,11 +140,13 @@ std::string BatchRun::password() const {
 std::string BatchRun::restriction_file() const {
     const std::string& name = options_.file;
     const auto bytes = read_host_file(name);
-    if (!bytes) throw NotOpened{name + say(file_unreadable) + RuntimeError(bytes.error()).text()};
+    if (!bytes)
+        throw NotOpened{name + say(file_unreadable) +
+                        text::to_utf8(RuntimeError(bytes.error()).text(language_))};
     try {
         if (!britlock::read_brl(*bytes, {})) throw NotOpened{name + say(no_restriction_file)};
     } catch (const RuntimeError& error) {
-        throw NotOpened{name + say(file_unreadable) + error.text()};
+        throw NotOpened{name + say(file_unreadable) + text::to_utf8(error.text(language_))};
     }
     return *bytes;
 }
@@ -198,12 +204,13 @@ Failure BatchRun::write_file(const RestrictionSet& set) const {
             ? machine::replace_file(*place, [&](int file) { return machine::write_all(file, brl_text(set)); })
             : machine::file_error(place.error().kind);
     if (error == machine::no_error) return "";
-    return text::from_utf8(options_.file + say(file_unwritable)).value_or("") + RuntimeError(error).text();
+    return text::from_utf8(options_.file + say(file_unwritable)).value_or("") +
+           RuntimeError(error).text(language_);
 }
 
 }  // namespace
 
-int run_batch(const std::vector<std::string>& words, const std::string& executables, int language) {
+int run_batch(const std::vector<std::string>& words, const std::string& executables, Language language) {
     const auto complain = [](const std::string& why) { std::cerr << "britlock: " << why << "\n"; };
     if (std::find(words.begin(), words.end(), "--help") != words.end()) {
         std::cout << batch_usage;
@@ -220,7 +227,7 @@ int run_batch(const std::vector<std::string>& words, const std::string& executab
     } catch (const NotOpened& end) {
         complain(end.why);
     } catch (const RuntimeError& error) {
-        complain(error.text());
+        complain(text::to_utf8(error.text(language)));
     }
     return exit_could_not_open;
 }

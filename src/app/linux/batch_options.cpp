@@ -13,16 +13,16 @@ const char* const batch_usage =
     "  --machine DIR            the folder of a Windows installation: its drive C\n"
     "  --drive D=DIR            the folder of a further drive\n"
     "  --user NAME              a user; may be given several times\n"
-    "  --all-users              everybody who has a profile\n"
+    "  --all-users              everybody who has a profile, Administrator as well\n"
     "  --json                   for programs: one object for each user, on a line of its own\n"
     "  --overwrite              replace FILE.brl where it is there already\n"
     "  --password-fd N          read the product's password from this file descriptor, not the terminal\n"
     "  --program-directory PATH where the program lies for Windows (for the start at logon)\n"
     "  --state DIR              folder for mounted hives\n"
+    "  --help                   tell this, and end\n"
     "\n"
-    "The exit code is 0 (all done), 1 (some user failed), 2 (wrong call) or 3 (the password, the file or "
-    "the\n"
-    "installation: nothing could be opened).\n";
+    "A value can also follow its option after '='. The exit code is 0 (all done), 1 (some user failed), 2\n"
+    "(wrong call) or 3 (the password, the file or the installation: nothing could be opened).\n";
 
 namespace {
 

@@ -17,7 +17,7 @@ int main(int argc, char** argv) {
     try {
         const std::filesystem::path folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
         if (argc > 1 && is_batch_verb(argv[1]))
-            return run_batch({argv + 1, argv + argc}, folder, BRITLOCK_LANGUAGE);
+            return run_batch({argv + 1, argv + argc}, folder, static_cast<Language>(BRITLOCK_LANGUAGE));
         const std::filesystem::path window = folder / "britlock-window";
         (void)execv(window.c_str(), argv);
         std::cerr << "britlock: cannot start " << window.string() << ": " << std::strerror(errno) << "\n";

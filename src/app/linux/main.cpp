@@ -165,7 +165,8 @@ void Session::note(const machine::ToolReport& report) {
     strip_.push_back(*line);
     screen_->set_strip(strip_);
     if (!report.changes_lost || ending_) return;
-    const std::string why = text::from_utf8(report.detail).value_or(product::hive_tool_file);
+    const std::string why =
+        text::from_utf8(strip::reason(report.why, report.detail, language)).value_or(product::hive_tool_file);
     screen_->message_box(
         {.text = pick(before_name, language) + report.name + pick(after_name, language) + why,
          .icon = toolkit::Icon::critical});

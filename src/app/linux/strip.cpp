@@ -22,7 +22,7 @@ struct Meaning {
 };
 
 constexpr Meaning meanings[] = {
-    {ErrorKind::missing, "die Datei fehlt"},
+    {ErrorKind::missing, "die Datei oder der Ordner fehlt"},
     {ErrorKind::refused, "der Zugriff wurde verweigert"},
     {ErrorKind::in_use, "die Datei ist in Gebrauch"},
     {ErrorKind::no_space, "der Datenträger ist voll"},

@@ -82,11 +82,14 @@ WinCode FileHive::apply(const regf::Change& change) {
     if (held_->hive.changes().empty()) return success;
 
     // Whatever comes of the commit, what is in memory is not what was read: the next look reads afresh.
-    const regf::HiveFile changed = std::move(*held_);
+    regf::HiveFile changed = std::move(*held_);
     held_.reset();
     const regf::FileTime now = regf::current_file_time();
-    const auto written = absent ? regf::write_new(place_, changed.hive, now)
-                                : regf::commit(place_, changed.hive, changed.identity, now);
+    if (absent) {
+        const auto made = regf::write_new(place_, changed.hive, now);
+        return made ? success : win_code(made.error().kind);
+    }
+    const auto written = regf::commit(place_, changed.hive, changed.identity, now);
     return written ? success : win_code(written.error().kind);
 }
 
@@ -108,9 +111,8 @@ WinCode MountHive::apply(const regf::Change& change) {
 
 WinCode MountHive::seal() {
     if (broken_ != success || !unsealed_) return broken_;
-    if (append(seal_frame()) != success) return broken_;
-    if (fdatasync(record_.number()) != 0) broken_ = registry_io_failed;
-    unsealed_ = broken_ != success;
+    // Not flushed: the hive is, next, with these changes in it, or else the note that this failed.
+    if (append(seal_frame()) == success) unsealed_ = false;
     return broken_;
 }
 

@@ -1,5 +1,6 @@
 #include "machine/offline/mount_record.h"
 
+#include <array>
 #include <type_traits>
 #include <utility>
 
@@ -9,13 +10,20 @@ namespace {
 
 enum class Frame : uint8_t { mount = 'M', change = 'C', seal = 'S', written = 'W', failure = 'F' };
 
+constexpr std::array<uint32_t, 256> crc_of_byte = [] {
+    std::array<uint32_t, 256> table{};
+    for (uint32_t byte = 0; byte < table.size(); ++byte) {
+        table[byte] = byte;
+        for (int bit = 0; bit < 8; ++bit)
+            table[byte] = (table[byte] >> 1) ^ ((table[byte] & 1) != 0 ? 0xEDB88320 : 0);
+    }
+    return table;
+}();
+
 uint32_t crc32(std::string_view bytes) {
     uint32_t crc = 0xFFFFFFFF;
-    for (char c : bytes) {
-        crc ^= static_cast<unsigned char>(c);
-        for (int bit = 0; bit < 8; ++bit)
-            crc = (crc >> 1) ^ ((crc & 1) != 0 ? 0xEDB88320 : 0);
-    }
+    for (char c : bytes)
+        crc = (crc >> 8) ^ crc_of_byte[(crc ^ static_cast<unsigned char>(c)) & 0xFF];
     return ~crc;
 }
 

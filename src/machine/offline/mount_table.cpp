@@ -48,6 +48,9 @@ base::Result<MountRecord> read_record(const HostPlace& place) {
     if (!is_private(opened->status, 0077)) return not_private(place.path());
     const auto bytes = read_all(opened->file.number());
     if (!bytes) return base::Error{base::ErrorKind::io, "the record of a mount cannot be read"};
+    // A power cut takes what had not reached the disk. Nothing had been sealed in such a record.
+    if (bytes->find_first_not_of('\0') == std::string::npos)
+        return base::Error{base::ErrorKind::missing, "the record of the mount is empty"};
     auto record = parse_record(*bytes);
     if (!record) return base::Error{base::ErrorKind::damaged, "the record of the mount is damaged"};
     return std::move(*record);
@@ -120,8 +123,10 @@ base::Result<Done> MountTable::add(const Mount& mount) const {
     if (const FileError error = write_all(record->descriptor(), mount_frame(mount)))
         return base::Error{error == device_full ? base::ErrorKind::no_space : base::ErrorKind::io,
                            "cannot record the mount in " + folder_};
-    if (auto flushed = record->flush(); !flushed) return flushed;
-    const auto placed = record->put_in_place(hostfile::Replacement::Old::may_exist);
+    // Not flushed: a mount has no meaning after a power cut, and what is sealed in it is flushed when it
+    // counts.
+    const auto placed = record->put_in_place(hostfile::Replacement::Old::may_exist,
+                                             hostfile::Replacement::Folder::is_left_to_the_system);
     return placed ? base::Result<Done>(Done{}) : placed.error();
 }
 
@@ -135,8 +140,14 @@ base::Result<Done> MountTable::remove(const Mount& mount) const {
     const int folder = place->folder.number();
     if (unlinkat(folder, place->name.c_str(), 0) != 0)
         return hostfile::system_error(folder_, "the record of the mount cannot be removed");
-    (void)fsync(folder);  // some file systems flush no folder
     return Done{};
+}
+
+base::Result<Done> MountTable::drop(const Mount& mount) const {
+    auto removed = remove(mount);
+    if (const auto folder = open_folder())
+        (void)fsync(folder->number());  // some file systems flush no folder
+    return removed;
 }
 
 base::Result<Descriptor> MountTable::open_sealed(const MountRecord& record) const {
@@ -160,6 +171,20 @@ void MountTable::announce(const MountRecord& record, const regf::HiveStamp& stam
 
 bool MountTable::note_failure(const MountRecord& record) const { return append(record, failure_frame()); }
 
+namespace {
+
+/// As this system's own list tells: asking for accounts of a network would take libraries of the system that
+/// the hive tool does without. Empty for those.
+std::string home_of_account() {
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> list(std::fopen("/etc/passwd", "re"), std::fclose);
+    while (const passwd* account = list ? fgetpwent(list.get()) : nullptr) {
+        if (account->pw_uid == geteuid()) return account->pw_dir;
+    }
+    return "";
+}
+
+}  // namespace
+
 std::string default_state_folder() {
     const auto own = [](const char* folder) {
         struct stat status {};
@@ -168,8 +193,8 @@ std::string default_state_folder() {
     const char* const home = std::getenv("HOME");
     if (const char* state = std::getenv("XDG_STATE_HOME"); own(state) && (!home || own(home)))
         return std::string(state) + "/brightlock";
-    const passwd* account = own(home) ? nullptr : getpwuid(geteuid());
-    return std::string(account ? account->pw_dir : home ? home : "") + "/.local/state/brightlock";
+    const std::string account = own(home) ? "" : home_of_account();
+    return (!account.empty() ? account : home ? home : "") + "/.local/state/brightlock";
 }
 
 base::Result<Done> make_state_folder(const std::string& folder) {
@@ -189,12 +214,14 @@ std::string mounts_folder(const std::string& state_folder, const std::string& dr
 }
 
 base::Result<MountedHive> open_mounted(const DriveMap& drives, const MountTable& mounts,
-                                       std::string_view name, std::chrono::milliseconds patience) {
+                                       std::string_view name, std::optional<HandedHive> handed,
+                                       std::chrono::milliseconds patience) {
     const auto found = mounts.find(name);
     if (!found) return found.error();
     auto place = locate_hive(drives, found->mount.file);
     if (!place) return place.error();
-    auto lock = hostfile::lock_with_patience(*place, hostfile::FileLock::Purpose::work, patience);
+    auto lock = handed ? hostfile::FileLock::handed_over(*place, std::move(handed->lock))
+                       : hostfile::lock_with_patience(*place, hostfile::FileLock::Purpose::work, patience);
     if (!lock) return lock.error();
     auto record = mounts.find(name);  // again, as only the lock keeps others from adding to it
     if (!record) return record.error();
@@ -204,12 +231,17 @@ base::Result<MountedHive> open_mounted(const DriveMap& drives, const MountTable&
     if (present->stamp != record->mount.stamp)
         return base::Error{base::ErrorKind::changed,
                            file_for_people(record->mount.file) + " was changed after it had been mounted"};
-    auto file = regf::read_hive(*place, *lock);
+    Descriptor memory = handed ? std::move(handed->memory) : Descriptor();
+    auto examined = memory.is_open() ? regf::taken_over(*place, memory.duplicate()) : std::nullopt;
+    auto file =
+        examined ? base::Result<regf::HiveFile>(std::move(*examined)) : regf::read_hive(*place, *lock);
     if (!file) return file.error();
+    if (!examined) memory = regf::hand_over(file->hive);
     for (const regf::Change& change : record->sealed) {
         if (const auto applied = file->hive.apply(change); !applied) return applied.error();
     }
-    return MountedHive{std::move(*record), std::move(*place), std::move(*lock), std::move(*file)};
+    return MountedHive{std::move(*record), std::move(*place), std::move(*lock), std::move(*file),
+                       std::move(memory)};
 }
 
 bool is_written(const DriveMap& drives, const MountRecord& record) {

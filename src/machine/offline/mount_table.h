@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "machine/offline/drive_map.h"
+#include "machine/offline/handed_hive.h"
 #include "machine/offline/mount_record.h"
 
 namespace machine {
@@ -30,6 +31,8 @@ class MountTable {
     /// Removes the record of this very mount, or one that nobody can read; what another instance has mounted
     /// under its name since stays.
     base::Result<Done> remove(const Mount& mount) const;
+    /// The same, and it does not come back after a power cut: for changes that were told to be lost.
+    base::Result<Done> drop(const Mount& mount) const;
     /// Opens a record for appending, with all behind its last seal cut off.
     base::Result<Descriptor> open_sealed(const MountRecord& record) const;
     /// Notes what the hive is about to become; where it cannot, the next unload of a killed one says less.
@@ -61,11 +64,16 @@ struct MountedHive {
     HostPlace place;
     hostfile::FileLock lock;
     regf::HiveFile file;
+    Descriptor memory;  ///< for the next process; not open where that must read the file itself
+
+    HandedHive hand_over() const {
+        return {lock.duplicate(), memory.is_open() ? memory.duplicate() : Descriptor()};
+    }
 };
 /// `changed`: somebody else has written the file since it was mounted. `missing`: nothing is mounted there,
 /// or the file is no longer in its folder.
 base::Result<MountedHive> open_mounted(const DriveMap& drives, const MountTable& mounts,
-                                       std::string_view name,
+                                       std::string_view name, std::optional<HandedHive> handed = std::nullopt,
                                        std::chrono::milliseconds patience = hostfile::a_moment);
 /// A run wrote the sealed changes into the file and died before it could remove the record.
 bool is_written(const DriveMap& drives, const MountRecord& record);

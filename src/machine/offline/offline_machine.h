@@ -34,7 +34,7 @@ class OfflineMachine {
 
     /// Marks the changes to a hive that is mounted still as complete, so that the next unload writes them,
     /// and lets go of it.
-    WinCode release() { return registry_.release_mounts(); }
+    WinCode release() { return registry_.release_mounts().code; }
     /// The end of a run: a run-time error can come between mount and unmount, and what was written till then
     /// is to be on the disk.
     void write_pending();

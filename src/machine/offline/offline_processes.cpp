@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -20,7 +21,6 @@ namespace {
 
 constexpr auto desktop_opener = "xdg-open";
 constexpr int poll_milliseconds = 5;
-constexpr int report_number = STDERR_FILENO + 1;  ///< of the descriptor, in the hive tool
 
 std::vector<char*> pointers(const std::vector<std::string>& texts) {
     std::vector<char*> out;
@@ -71,17 +71,29 @@ Processes::Started OfflineProcesses::start_hive_tool(const std::string& host_pro
     for (const std::string& argument : split_arguments(arguments))
         words.push_back(text::to_utf8(argument));
 
-    std::array<int, 2> ends{};
-    if (pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK) != 0) return {device_error, 0};
     Child child;
-    child.reports = Descriptor(ends[0]);
-    const Descriptor tool_end(ends[1]);
-    child.sealed = registry_.release_mounts();
     const bool unloads = words.size() > 1 && words[1] == "unload";
     child.known.verb = unloads ? ToolReport::Verb::unload : ToolReport::Verb::load;
     const std::string& key = words.back();
     child.known.name = text::from_utf8(key.substr(key.find('\\') + 1)).value_or("");
-    return run(words, std::move(child), tool_end);
+    const auto released = registry_.release_mounts(unloads ? child.known.name : "");
+    child.sealed = released.code;
+    if (unloads && is_not_mounted(child.known.name)) {
+        child.code = 1;  // as the tool would say; it takes its time to start
+        return add(std::move(child));
+    }
+    Channel channel = Channel::open();
+    if (!channel.of_tool.is_open()) return {device_error, 0};
+    child.reports = std::move(channel.ours);
+    std::vector<const Descriptor*> inherited{&channel.of_tool};
+    if (released.hive) inherited.push_back(&released.hive->lock);
+    if (released.hive && released.hive->memory.is_open()) inherited.push_back(&released.hive->memory);
+    return run(words, std::move(child), inherited);
+}
+
+bool OfflineProcesses::is_not_mounted(const std::string& name) const {
+    const auto record = mounts_.find(name);
+    return !record && record.error().kind == base::ErrorKind::missing;
 }
 
 Processes::Started OfflineProcesses::open_folder_window(const std::string& folder) {
@@ -93,24 +105,41 @@ Processes::Started OfflineProcesses::open_folder_window(const std::string& folde
     return opened.error == no_error ? opened : Started{no_error, 0};  // a system without a desktop
 }
 
+/// Of those that had told all before they were gone.
+void OfflineProcesses::take_leave(int options) {
+    std::erase_if(leaving_, [&](pid_t process) { return waitpid(process, nullptr, options) != 0; });
+}
+
+Processes::Started OfflineProcesses::add(Child child) {
+    take_leave(WNOHANG);
+    children_.push_back(std::move(child));
+    return {no_error, static_cast<uint32_t>(children_.size())};
+}
+
 Processes::Started OfflineProcesses::run(const std::vector<std::string>& arguments, Child child,
-                                         const Descriptor& reports) {
+                                         const std::vector<const Descriptor*>& inherited) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
+    // First out of the way of the numbers that the tool knows, then to them.
+    std::vector<Descriptor> moved;
+    for (const Descriptor* descriptor : inherited) {
+        const int number = first_inherited + static_cast<int>(moved.size());
+        moved.push_back(descriptor->duplicate_above(first_inherited + static_cast<int>(inherited.size())));
+        posix_spawn_file_actions_adddup2(&actions, moved.back().number(), number);
+    }
     std::vector<std::string> variables = environment();
-    if (reports.is_open()) {
-        posix_spawn_file_actions_adddup2(&actions, reports.number(), report_number);
+    if (!inherited.empty()) {
         // Of two with one name the first counts.
         variables.insert(variables.begin(),
                          {"BRIGHTLOCK_DRIVES=" + drives_.text(), "BRIGHTLOCK_MOUNTS=" + mounts_.folder(),
-                          std::string(report_descriptor_variable) + "=" + std::to_string(report_number)});
+                          std::string(inherited_variable) + "=" + std::to_string(inherited.size())});
     }
     const int failed = posix_spawnp(&child.process, arguments[0].c_str(), &actions, nullptr,
                                     pointers(arguments).data(), pointers(variables).data());
     posix_spawn_file_actions_destroy(&actions);
     if (failed != 0) return {no_such_file, 0};
-    children_.push_back(std::move(child));
-    return {no_error, static_cast<uint32_t>(children_.size())};
+    child.end = Descriptor(static_cast<int>(syscall(SYS_pidfd_open, child.process, 0)));
+    return add(std::move(child));
 }
 
 uint32_t OfflineProcesses::exit_code(uint32_t id) {
@@ -118,29 +147,33 @@ uint32_t OfflineProcesses::exit_code(uint32_t id) {
     Child& child = children_.at(id - 1);
     if (child.process == 0) return child.code;
     // The program asks again at once: a moment's rest here leaves it alive and the processor free.
-    pollfd waiting{child.reports.number(), POLLIN, 0};
-    (void)poll(&waiting, 1, poll_milliseconds);
+    std::array<pollfd, 2> waiting{{{child.reports.number(), POLLIN, 0},
+                                   {child.end.number(), POLLIN, 0}}};  // closed ones are passed over
+    (void)poll(waiting.data(), waiting.size(), poll_milliseconds);
+    // What the tool has told stands: clearing its memory away may take it longer than its work.
+    if (child.reports.is_open()) child.told += receive(child.reports.number(), child.hive);
+    ToolReport told = child.known;
+    const bool is_told = decode(child.told, told);
     int status = 0;
     const pid_t ended = waitpid(child.process, &status, WNOHANG);
-    if (ended == 0) return still_active;
-    // Where nothing is known of its end it counts as failed.
-    const bool known = ended == child.process && WIFEXITED(status);
+    if (ended == 0 && !is_told) return still_active;
+    if (ended == 0) leaving_.push_back(child.process);
     child.process = 0;
-    child.code = known ? static_cast<uint32_t>(WEXITSTATUS(status)) : 1;
-    if (child.reports.is_open()) report(child, end_of(ended, status));
+    child.end = Descriptor();
+    // Where nothing is known of its end it counts as failed.
+    const bool known = ended > 0 && WIFEXITED(status);
+    child.code = is_told ? !told.succeeded : known ? static_cast<uint32_t>(WEXITSTATUS(status)) : 1;
+    if (!child.reports.is_open()) return child.code;
+    child.reports = Descriptor();
+    if (!is_told) {
+        told.detail = end_of(ended, status);
+        told.succeeded = told.detail.empty();
+    }
+    report(child, std::move(told));
     return child.code;
 }
 
-void OfflineProcesses::report(Child& child, const std::string& end) {
-    std::string bytes;
-    std::array<char, 4096> piece{};
-    for (ssize_t size = 0; (size = read(child.reports.number(), piece.data(), piece.size())) > 0;)
-        bytes.append(piece.data(), static_cast<size_t>(size));
-    ToolReport told = child.known;
-    if (!decode(bytes, told)) {
-        told.succeeded = end.empty();
-        told.detail = end;
-    }
+void OfflineProcesses::report(Child& child, ToolReport told) {
     if (told.verb == ToolReport::Verb::unload && child.sealed != success) {
         told.succeeded = false;
         told.changes_lost = true;
@@ -152,7 +185,8 @@ void OfflineProcesses::report(Child& child, const std::string& end) {
         return;
     // Another instance clears away what a crashed run may have left, and takes a mount that nobody holds for
     // it.
-    if (told.verb == ToolReport::Verb::load && told.succeeded && !registry_.hold(told.name)) {
+    if (told.verb == ToolReport::Verb::load && told.succeeded &&
+        !registry_.hold(told.name, std::move(child.hive))) {
         told.succeeded = false;
         told.why = base::ErrorKind::in_use;
         told.detail = "another instance of the program works on this user";

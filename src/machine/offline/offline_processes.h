@@ -3,6 +3,7 @@
 #include <sys/types.h>
 
 #include <deque>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,10 @@ class OfflineProcesses : public Processes {
           system_(system),
           on_report_(std::move(on_report)) {}
 
+    OfflineProcesses(const OfflineProcesses&) = delete;
+    OfflineProcesses& operator=(const OfflineProcesses&) = delete;
+    ~OfflineProcesses() override { take_leave(0); }
+
     Started start(std::string_view command_line, WindowStyle style) override;
     uint32_t exit_code(uint32_t id) override;
     void open_address(std::string_view address) override;
@@ -34,14 +39,22 @@ class OfflineProcesses : public Processes {
     struct Child {
         pid_t process = 0;  ///< 0 once it has ended
         uint32_t code = still_active;
-        Descriptor reports;        ///< the hive tool's end of the pipe; none: another program
-        ToolReport known;          ///< before the tool has told anything: verb and name
-        WinCode sealed = success;  ///< of the changes that it is to write
+        Descriptor end;                  ///< can be read once it has ended
+        Descriptor reports;              ///< our end of the channel; none: another program than the hive tool
+        ToolReport known;                ///< before the tool has told anything: verb and name
+        std::string told;                ///< so far
+        std::optional<HandedHive> hive;  ///< that came with it
+        WinCode sealed = success;        ///< of the changes that it is to write
     };
     Started start_hive_tool(const std::string& host_program, const std::string& arguments);
     Started open_folder_window(const std::string& folder);
-    Started run(const std::vector<std::string>& arguments, Child child, const Descriptor& reports);
-    void report(Child& child, const std::string& end);
+    Started add(Child child);
+    /// `inherited`: descriptors for the hive tool, which gets them as the numbers it knows.
+    Started run(const std::vector<std::string>& arguments, Child child,
+                const std::vector<const Descriptor*>& inherited);
+    bool is_not_mounted(const std::string& name) const;
+    void report(Child& child, ToolReport told);
+    void take_leave(int options);
 
     const DriveMap& drives_;
     const MountTable& mounts_;
@@ -50,6 +63,7 @@ class OfflineProcesses : public Processes {
     OnToolReport on_report_;  ///< none: failures go to the standard error
     /// By id, the first being 1. Handlers that run while one is waited for may start more: none may move.
     std::deque<Child> children_;
+    std::vector<pid_t> leaving_;
 };
 
 }  // namespace machine

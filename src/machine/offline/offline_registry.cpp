@@ -27,10 +27,10 @@ OfflineRegistry::OfflineRegistry(const DriveMap& drives, const MountTable& mount
       software_(std::move(software_hive), FileHive::Missing::is_an_error),
       user_(std::move(user_hive), FileHive::Missing::is_empty) {}
 
-HiveStore* OfflineRegistry::mounted(std::string_view name, WinCode& code) {
+HiveStore* OfflineRegistry::mounted(std::string_view name, WinCode& code, std::optional<HandedHive> handed) {
     const std::string folded = text::lower(name);
     if (const auto open = open_mounts_.find(folded); open != open_mounts_.end()) return open->second.get();
-    auto hive = open_mounted(drives_, mounts_, name);
+    auto hive = open_mounted(drives_, mounts_, name, std::move(handed));
     auto record = hive ? mounts_.open_sealed(hive->record) : base::Result<Descriptor>(hive.error());
     if (!record) {
         code = win_code(record.error().kind);
@@ -167,19 +167,20 @@ WinCode OfflineRegistry::enum_key(Root root, std::string_view subkey, uint32_t i
     return more_data;
 }
 
-bool OfflineRegistry::hold(std::string_view name) {
+bool OfflineRegistry::hold(std::string_view name, std::optional<HandedHive> handed) {
     WinCode code = success;
-    return mounted(name, code) != nullptr;
+    return mounted(name, code, std::move(handed)) != nullptr;
 }
 
-WinCode OfflineRegistry::release_mounts() {
-    WinCode worst = success;
+OfflineRegistry::Released OfflineRegistry::release_mounts(std::string_view to_unload) {
+    Released released;
     for (const auto& [name, hive] : open_mounts_) {
-        if (const WinCode code = hive->seal(); code != success) worst = code;
+        if (const WinCode code = hive->seal(); code != success) released.code = code;
+        if (name == text::lower(to_unload)) released.hive = hive->hand_over();
     }
     open_mounts_.clear();
     spelling_.end_session();
-    return worst;
+    return released;
 }
 
 std::vector<std::string> OfflineRegistry::open_mounts() const {

@@ -29,10 +29,14 @@ class OfflineRegistry : public Registry {
     WinCode enum_key(Root root, std::string_view subkey, uint32_t index, std::string& name) override;
 
     /// Takes hold of a mounted hive, so that no other instance can unmount it. False where one has.
-    bool hold(std::string_view name);
-    /// Lets go of every mounted hive, its changes sealed: the hive tool may have it next. Not success where a
-    /// hive's last changes are lost.
-    WinCode release_mounts();
+    bool hold(std::string_view name, std::optional<HandedHive> handed);
+    /// Lets go of every mounted hive, its changes sealed: the hive tool may have it next, and takes over the
+    /// one that it is to unload. Not success where a hive's last changes are lost.
+    struct Released {
+        WinCode code = success;
+        std::optional<HandedHive> hive;
+    };
+    Released release_mounts(std::string_view to_unload = "");
     /// Names of the mounted hives that are held at present.
     std::vector<std::string> open_mounts() const;
 
@@ -56,7 +60,7 @@ class OfflineRegistry : public Registry {
     static WinCode open_for_writing(const Location& location);
     /// Before the first value of a key is read or changed.
     void remember_spelling(const Location& location, const Opened& opened);
-    HiveStore* mounted(std::string_view name, WinCode& code);
+    HiveStore* mounted(std::string_view name, WinCode& code, std::optional<HandedHive> handed = std::nullopt);
     std::vector<std::string> subkey_names(Root root, std::string_view subkey);
 
     const DriveMap& drives_;

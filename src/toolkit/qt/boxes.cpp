@@ -1,9 +1,12 @@
 #include "toolkit/qt/boxes.h"
 
 #include <QDialogButtonBox>
+#include <QFontMetrics>
+#include <QGridLayout>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSpacerItem>
 #include <QVBoxLayout>
 #include <span>
 
@@ -50,6 +53,14 @@ QMessageBox::Icon picture(Icon icon) {
     return QMessageBox::NoIcon;
 }
 
+/// The width of a box is that of its text, and the title of a short one would be cut.
+void make_room_for_title(QMessageBox& window) {
+    const int frame_and_buttons = pixels(2700);
+    const int width = QFontMetrics(window.font()).horizontalAdvance(window.windowTitle()) + frame_and_buttons;
+    auto& grid = *static_cast<QGridLayout*>(window.layout());
+    grid.addItem(new QSpacerItem(width, 0), grid.rowCount(), 0, 1, grid.columnCount());
+}
+
 }  // namespace
 
 Answer ask(const Box& box, Language language, QWidget* parent) {
@@ -62,6 +73,7 @@ Answer ask(const Box& box, Language language, QWidget* parent) {
             window.addButton(shown(word(choice.caption, language)), QMessageBox::AcceptRole);
         if (choice.answer == box.default_answer) window.setDefaultButton(button);
     }
+    make_room_for_title(window);
     window.exec();
     const qsizetype pressed = window.buttons().indexOf(window.clickedButton());
     return offered[std::max<qsizetype>(pressed, 0)].answer;
@@ -87,7 +99,7 @@ std::string ask_line(const std::string& title, const std::string& prompt, Langua
     rows->addWidget(buttons);
     text->setBuddy(line);
     line->setFocus();
-    window.setMinimumWidth(pixels(5400));
+    window.setMinimumWidth(pixels(8400));
     return window.exec() == QDialog::Accepted ? line->ansi_text() : std::string();
 }
 

@@ -56,8 +56,9 @@ class PagePrinter : public Printer {
 };
 
 PagePrinter::PagePrinter(const PrinterChoice& choice) {
-    if (choice.printer.isEmpty() && choice.pdf_file.isEmpty()) throw RuntimeError(482);
     if (choice.pdf_file.isEmpty()) {
+        // Of a queue that has gone Qt says nothing, and the document is lost.
+        if (QPrinterInfo::printerInfo(choice.printer).isNull()) throw RuntimeError(482);
         printer_.setPrinterName(choice.printer);
     } else {
         printer_.setOutputFormat(QPrinter::PdfFormat);
@@ -169,6 +170,7 @@ SetupWindow::SetupWindow(const PrinterChoice& choice, Language language, QWidget
     rows->addRow(buttons_);
     setMinimumWidth(pixels(6600));
     show_use();
+    if (means_file()) file_->setFocus();
 }
 
 void SetupWindow::show_use() {
@@ -191,7 +193,9 @@ PrinterChoice SetupWindow::chosen() const {
 }  // namespace
 
 PrinterChoice PrinterChoice::usual() {
-    return {.printer = QPrinterInfo::defaultPrinterName(), .pdf_file = {}};
+    const QString named = QPrinterInfo::defaultPrinterName();
+    return {.printer = named.isEmpty() ? QPrinterInfo::availablePrinterNames().value(0) : named,
+            .pdf_file = {}};
 }
 
 std::unique_ptr<Printer> open_printer(const PrinterChoice& choice) {

@@ -14,7 +14,7 @@ namespace toolkit::qt {
 struct PrinterChoice {
     QString printer;   ///< a name; empty: none, or a file is meant
     QString pdf_file;  ///< empty: a printer is meant
-    /// The system's default printer, none where there is none.
+    /// The default printer, else the first there is; none where there is none.
     static PrinterChoice usual();
 };
 

@@ -37,10 +37,13 @@ void tell_failures_only(QtMsgType type, const QMessageLogContext&, const QString
         (void)std::fprintf(stderr, "britlock: %s\n", message.toLocal8Bit().constData());
 }
 
-/// What a question lies over: a window of ours also while another program is active.
+/// What a question lies over: a window of ours also while another program is active, or none, as between
+/// two questions.
 QWidget* in_front(const Toolkit& toolkit) {
-    QWidget* active = QApplication::activeWindow();
-    return active || toolkit.forms().empty() ? active : window_of(*toolkit.forms().back());
+    if (QWidget* active = QApplication::activeWindow()) return active;
+    if (const Control* control = toolkit.focus(); control && control->peer)
+        return static_cast<qt::WidgetPeer*>(control->peer)->widget().window();
+    return toolkit.forms().empty() ? nullptr : window_of(*toolkit.forms().back());
 }
 
 }  // namespace
@@ -103,7 +106,8 @@ std::string QtToolkit::screen_trouble(bool unseen) {
 
 QtToolkit::QtToolkit(int& argc, char** argv, FolderSource& folders, Language language,
                      std::function<int(Ending)> before_end)
-    : d_(std::make_unique<Private>(argc, argv, folders, language, std::move(before_end))) {}
+    : Toolkit(language),
+      d_(std::make_unique<Private>(argc, argv, folders, language, std::move(before_end))) {}
 
 QtToolkit::~QtToolkit() = default;
 

@@ -40,8 +40,11 @@ class TextBoxWidget : public Shown<AnsiLine, TextBox> {
     void show_state() override {
         setMaxLength(control_.max_length() > 0 ? control_.max_length() : no_limit);
         setEchoMode(control_.password_char() ? Password : Normal);
-        // Setting the same text again would throw the cursor to the end.
-        if (const QString text = shown(control_.text()); this->text() != text) setText(text);
+        // Setting the same text again would move the cursor.
+        if (const QString text = shown(control_.text()); this->text() != text) {
+            setText(text);
+            home(false);  // of a long path the drive shows, not the end
+        }
     }
 
     void mouseReleaseEvent(QMouseEvent* event) override {

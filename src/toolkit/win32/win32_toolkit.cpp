@@ -41,7 +41,7 @@ struct Win32Toolkit::Private {
 };
 
 Win32Toolkit::Win32Toolkit(Language language, std::function<int(Ending)> before_end)
-    : d_(std::make_unique<Private>(language, std::move(before_end))) {
+    : Toolkit(language), d_(std::make_unique<Private>(language, std::move(before_end))) {
     InitCommonControls();
 }
 

@@ -1,0 +1,162 @@
+"""Lets every system call of an Apply fail in turn, once and from then on, and lets the process die there: in the program, in
+the tool that loads the hive and in the one that unloads it. The hive must be the old or the new one, the answer true, and the
+next Apply must heal what is left.
+
+usage: every_call_fails.py BIN_FOLDER STRIDE      one case in so many; tells how many there were
+"""
+import os
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import collections
+
+import hivex
+
+bin_folder, stride = os.path.abspath(sys.argv[1]), int(sys.argv[2])
+folder = tempfile.mkdtemp(prefix="brightlock-calls-")
+disk, state, tools = (folder + "/" + name for name in ("disk", "state", "tools"))
+profile = disk + "/Documents and Settings/Anna"
+hive = profile + "/NTUSER.DAT"
+password = "secret"
+
+# What a call may plausibly fail with; all others fail with EIO.
+ERRORS = {
+    "openat": ("EMFILE", "EACCES"), "open": ("EMFILE",), "write": ("ENOSPC", "EIO"), "pwrite64": ("ENOSPC", "EIO"),
+    "copy_file_range": ("ENOSPC", "EXDEV"), "sendfile": ("EIO", "EINVAL"), "mmap": ("ENOMEM",), "brk": ("ENOMEM",),
+    "memfd_create": ("EMFILE",), "mprotect": ("ENOMEM",), "fcntl": ("EMFILE",), "renameat": ("EACCES", "ENOSPC"),
+    "fchown": ("EPERM",), "fchmod": ("EPERM",), "socketpair": ("EMFILE",), "clone": ("EAGAIN",), "clone3": ("EAGAIN",),
+    "vfork": ("EAGAIN",), "execve": ("ENOMEM",), "pidfd_open": ("EMFILE",), "flock": ("EINTR", "ENOLCK"),
+}
+# That fail for nobody, or whose failure means nothing: what ends a process and what waits for time.
+NEVER = {"exit_group", "exit", "rt_sigreturn", "restart_syscall", "arch_prctl", "set_tid_address", "set_robust_list", "rseq"}
+
+
+def set_password():
+    stored = bytes(a ^ b for a, b in zip(password.encode(), b"7392" * 5)).decode("latin-1")
+    software = hivex.Hivex(disk + "/WINDOWS/system32/config/software", write=True)
+    key = software.root()
+    for part in ("Morvane", "BRLCK"):
+        key = software.node_get_child(key, part) or software.node_add_child(key, part)
+    software.node_set_value(key, {"key": "UserPW", "t": 1, "value": (stored + "\0").encode("utf-16-le")})
+    software.commit(None)
+
+
+def make_tool():
+    """A regg.exe that runs the real one under strace where the environment asks for it."""
+    os.mkdir(tools)
+    shutil.copy(bin_folder + "/britlock", tools)
+    with open(tools + "/regg.exe", "w") as tool:
+        tool.write('#!/bin/sh\n[ "$1" = "$TRACED" ] && exec strace -f -o "$TRACE" $INJECT "%s/regg.exe" "$@"\n'
+                   'exec "%s/regg.exe" "$@"\n' % (bin_folder, bin_folder))
+    os.chmod(tools + "/regg.exe", 0o755)
+
+
+def make_set():
+    ones = lambda count: b",".join([b"1"] * count) + b"\r\n"
+    with open(folder + "/set.brl", "wb") as brl:
+        brl.write(b'"BRLCK"\r\n"NEVER EDIT THIS FILE!"\r\n' + ones(10) + ones(1) * 39 + ones(10) + ones(8)
+                  + b'"C:\\WINDOWS\\x.bmp"\r\n' + ones(1) + b'3\r\n' + b'"PROGRAM.EXE"\r\n' * 3 + ones(26) + ones(8)
+                  + ones(10) + b'"1","2"\r\n"C:\\"\r\n')
+
+
+def content(file):
+    """Keys and values as another reader sees them, without times; None where it cannot."""
+    def walk(reader, node):
+        values = sorted((reader.value_key(v), reader.value_value(v)) for v in reader.node_values(node))
+        return reader.node_name(node), values, [walk(reader, child) for child in reader.node_children(node)]
+    try:
+        reader = hivex.Hivex(file)
+        return walk(reader, reader.root())
+    except RuntimeError:
+        return None
+
+
+def fresh():
+    for place in (disk, state):
+        shutil.rmtree(place, ignore_errors=True)
+        shutil.copytree(folder + "/fresh" + place[len(folder):], place, symlinks=True)
+
+
+def apply(process=None, inject=()):
+    words = [tools + "/britlock", "apply", folder + "/set.brl", "--user", "Anna", "--machine", disk, "--state", state,
+             "--password-fd", "0"]
+    trace = folder + "/trace"
+    environment = dict(os.environ, TRACED=process or "", TRACE=trace, INJECT=" ".join(inject))
+    if process == "program":
+        words = ["strace", "-o", trace, *inject, *words]
+    done = subprocess.run(words, input=password + "\n", text=True, capture_output=True, env=environment, timeout=60)
+    return done.returncode, done.stdout + done.stderr
+
+
+def calls_of(process):
+    """How often each system call is made after the process is itself."""
+    fresh()
+    apply(process)
+    counts = collections.Counter()
+    for line in open(folder + "/trace"):
+        if found := re.match(r"(?:\d+ +)?(\w+)\(", line):
+            counts[found[1]] += 1
+    return counts
+
+
+def cases():
+    for process in ("program", "load", "unload"):
+        for call, count in sorted(calls_of(process).items()):
+            if call in NEVER:
+                continue
+            for n in range(1, count + 1):
+                for error in ERRORS.get(call, ("EIO",)):
+                    yield process, "%s:error=%s:when=%d" % (call, error, n)
+                    yield process, "%s:error=%s:when=%d+" % (call, error, n)
+                yield process, "%s:signal=KILL:when=%d" % (call, n)
+
+
+def fault_of(process, injected, old, new):
+    fresh()
+    code, said = apply(process, ("-e", "inject=" + injected))
+    found = content(hive)
+    if found not in (old, new):
+        return "the hive is neither the old nor the new one", said
+    if code == 0 and found != new:
+        return "done was said, and the hive is the old one", said
+    if found == new and re.search("dropped|nothing (was )?written|not saved", said):
+        return "a loss was told, and the hive is the new one", said
+    results[(process, "KILL" if "KILL" in injected else "error", code, "new" if found == new else "old")] += 1
+    code, said = apply()
+    if code != 0 or content(hive) != new:
+        return "the next Apply does not heal it: exit code %d" % code, said
+    left = [name for name in os.listdir(profile) if name.startswith(".brightlock")]
+    left += [name for place in os.walk(state + "/mounts") for name in place[2]]
+    return ("left behind: " + " ".join(left), said) if left else None
+
+
+failed = tried = 0
+results = collections.Counter()
+try:
+    subprocess.run([bin_folder + "/britlock", "--make-sample", disk], check=True)
+    os.mkdir(state, 0o700)
+    set_password()
+    make_tool()
+    make_set()
+    os.mkdir(folder + "/fresh")
+    for place in (disk, state):
+        shutil.copytree(place, folder + "/fresh" + place[len(folder):])
+    old = content(hive)
+    assert apply()[0] == 0, "the Apply itself"
+    new = content(hive)
+    assert old and new and old != new
+    for number, (process, injected) in enumerate(cases()):
+        if number % stride:
+            continue
+        tried += 1
+        if fault := fault_of(process, injected, old, new):
+            failed += 1
+            print("%s, %s: %s\n%s" % (process, injected, *fault))
+    for result, count in sorted(results.items()):
+        print("%5d  %s: %s, exit code %d, the hive is the %s one" % (count, *result))
+    print("%d cases, %d failed" % (tried, failed))
+finally:
+    shutil.rmtree(folder, ignore_errors=True)
+sys.exit(failed > 0 or tried < 10)

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "regf/examine.h"
+#include "regf/hive.h"
+#include "sealed_memory/sealed_memory.h"
+#include "regf/model.h"
+
+namespace regf {
+
+inline Image image_of(ByteView bytes) { return Image(std::make_shared<Memory>(Memory::holding(bytes))); }
+
+/// The slow judge of a commit: all of the new image against the rules, and all of its tree against that of
+/// the old one with the changes made. Empty, or what is wrong.
+inline std::string whole_check(ByteView before, ByteView after, const std::vector<Change>& changes) {
+    const Image opened = image_of(before);
+    const Image image = image_of(after);
+    const Examination examination = examine(image, 1);
+    if (const Finding* error = examination.first_error()) return describe(*error);
+    Model model(opened);
+    for (const Change& change : changes) {
+        if (!model.apply(change)) return "a change does not fit";
+    }
+    model.read_everything();
+    return model.first_difference(image);
+}
+
+}  // namespace regf
