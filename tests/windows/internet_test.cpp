@@ -12,6 +12,10 @@ namespace {
 
 struct InternetOfWindows : testing::Test {
     InternetOfWindows() : host(std::getenv("BRITLOCK_WEB")) {}
+    WinCode error_of(const std::string& url) {
+        const auto page = internet.fetch(url);
+        return page ? success : page.error();
+    }
     std::string host;
     WindowsInternet internet;
 };
@@ -20,9 +24,9 @@ TEST_F(InternetOfWindows, FetchesPagesAndSaysWhatWentWrong) {
     const auto page = internet.fetch(host + "/version.txt");
     ASSERT_TRUE(page) << page.error();
     EXPECT_EQ(*page, "1.0 \r\n");
-    EXPECT_EQ(internet.fetch(host + "/none.txt").error(), internet_no_such_page);
-    EXPECT_EQ(internet.fetch(host + "/large.bin").error(), internet_failed) << "no page is that long";
-    EXPECT_EQ(internet.fetch("http://127.0.0.1:1/").error(), internet_cannot_connect);
+    EXPECT_EQ(error_of(host + "/none.txt"), internet_no_such_page);
+    EXPECT_EQ(error_of(host + "/large.bin"), internet_failed) << "no page is that long";
+    EXPECT_EQ(error_of("http://127.0.0.1:1/"), internet_cannot_connect);
     EXPECT_FALSE(internet.fetch("no address"));
 }
 

@@ -32,7 +32,8 @@ TEST_F(HiveTool, TakesItsTwoCommandsAndNothingElse) {
     }
     EXPECT_EQ(call(load + "hku\\Tried"), 0u);
     EXPECT_TRUE(mounted());
-    for (const char* wrong : {"unload HKU\\Tried more", "unload Tried", "unload", "load HKU\\Tried", ""}) {
+    for (const char* wrong :
+         {"unload HKU\\Other HKU\\Tried", "unload Tried", "unload", "load HKU\\Tried", ""}) {
         EXPECT_EQ(call(wrong), 1u) << wrong;
         EXPECT_TRUE(mounted()) << wrong;
     }
