@@ -19,6 +19,7 @@
 // How long an Apply takes beside what the disk asks for, on a hive of so many megabytes:
 //   hive_speed make FILE MEGABYTES
 //   hive_speed FILE ROUNDS
+//   hive_speed growth FILE       how the file grows over 1,000 Applies, each of which changes all values
 namespace {
 
 namespace fs = std::filesystem;
@@ -255,14 +256,29 @@ void measure(Workbench& bench, int rounds) {
     std::printf(" memory of the tool: hive + %.1f MB\n", tool_memory - size);
 }
 
+void tell_growth(Workbench& bench) {
+    for (int done = 0; done <= 1000; ++done) {
+        if (done == 0 || done == 1 || done == 10 || done == 100 || done == 1000)
+            std::printf("after %4d Applies %10ju bytes\n", done, static_cast<uintmax_t>(fs::file_size(bench.hive)));
+        choose(bench);
+        change_and_unload(bench, done);
+    }
+}
+
 }  // namespace
 
 int main(int count, char** words) {
-    must(count > 2, "hive_speed make FILE MEGABYTES | hive_speed FILE ROUNDS");
-    if (count == 4) {  // in a process of its own, whose memory would be taken for that of the tool
+    must(count > 2, "hive_speed make FILE MEGABYTES | hive_speed FILE ROUNDS | hive_speed growth FILE");
+    const std::string verb = words[1];
+    if (verb == "make") {  // in a process of its own, whose memory would be taken for that of the tool
+        must(count > 3, "how many megabytes?");
         make_hive(words[2], static_cast<size_t>(std::atof(words[3]) * (1 << 20)));
+        return 0;
+    }
+    Workbench bench(verb == "growth" ? words[2] : words[1]);
+    if (verb == "growth") {
+        tell_growth(bench);
     } else {
-        Workbench bench(words[1]);
         measure(bench, std::atoi(words[2]));
     }
 }

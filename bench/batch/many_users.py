@@ -1,8 +1,8 @@
 #!/usr/bin/python3
-"""Restricts 300 users of an installation made for it, two times over: how long, with how much memory, and
+"""Restricts many users of an installation made for it, two times over: how long, with how much memory, and
 whether the second run changes a byte. One hive is damaged, one is locked.
 
-usage: three_hundred_users.py BIN_FOLDER [HIVE]   (a hive to give every user; otherwise the sample's own)"""
+usage: many_users.py BIN_FOLDER [COUNT [HIVE]]   (300; a hive to give every user, otherwise the sample's own)"""
 import fcntl, hashlib, os, resource, shutil, subprocess, sys, tempfile, time
 
 import hivex
@@ -59,8 +59,8 @@ def changed(before, after):
 try:
     subprocess.run([britlock, "--make-sample", disk], check=True)
     set_password()
-    source = sys.argv[2] if len(sys.argv) > 2 else hive_of("Anna")
-    for number in range(300):
+    source = sys.argv[3] if len(sys.argv) > 3 else hive_of("Anna")
+    for number in range(int(sys.argv[2]) if len(sys.argv) > 2 else 300):
         os.makedirs(f"{profiles}/pupil{number:03}")
         shutil.copy(source, hive_of(f"pupil{number:03}"))
         os.chmod(hive_of(f"pupil{number:03}"), 0o600)
@@ -70,10 +70,10 @@ try:
         brl.write(b'"BRLCK"\r\n"NEVER EDIT THIS FILE!"\r\n' + ones(10) + ones(1) * 39 + ones(10) + ones(8) +
                   b'"C:\\WINDOWS\\x.bmp"\r\n' + ones(1) + b'20\r\n' + b'"PROGRAM.EXE"\r\n' * 20 + ones(26) + ones(8) +
                   ones(10) + b'"1","2"\r\n"C:\\"\r\n')
-    with open(hive_of("pupil100"), "r+b") as damaged:
+    with open(hive_of("pupil010"), "r+b") as damaged:
         damaged.seek(0x1000)
         damaged.write(b"nope")
-    locked = open(hive_of("pupil200"), "rb")
+    locked = open(hive_of("pupil020"), "rb")
     fcntl.flock(locked, fcntl.LOCK_EX)
 
     fresh = digests()
@@ -84,7 +84,7 @@ try:
     shown = run("show", "--json", "--all-users")
     print(f"hives changed by the first run: {changed(fresh, first)}, by the second: {changed(first, second)}, "
           f"by show: {changed(second, digests())}; of the damaged and the locked one: "
-          f"{changed({u: fresh[u] for u in ('pupil100', 'pupil200')}, second)}")
+          f"{changed({u: fresh[u] for u in ('pupil010', 'pupil020')}, second)}")
     ticked = shown.stdout.count('"c11"')
     print(f"users shown with box 11 ticked: {ticked}")
 finally:
