@@ -266,5 +266,22 @@ TEST(Edits, LeaveTheHashesOfOtherKeysAsTheyWere) {
     EXPECT_TRUE(kept != again->end());
 }
 
+/// A key with a descriptor of its own goes, and the room of the descriptor's record is used again.
+TEST(Edits, MayPutAnythingWhereASecurityRecordLay) {
+    const Bytes image = read_file(MADE_HIVES "/sound/owners");
+    for (uint32_t size = 8; size < 600; size += 4) {
+        auto opened = Hive::open(image);
+        ASSERT_TRUE(opened);
+        Hive& hive = *opened;
+        for (const Key key : hive.subkeys(hive.root()))
+            ASSERT_TRUE(hive.delete_key(key, 2));
+        for (char16_t name = u'a'; name <= u'z'; ++name)
+            ASSERT_TRUE(
+                hive.set_value(hive.root(), std::u16string(1, name), {REG_BINARY, Bytes(size, 0xFF)}, 3));
+        const auto written = sealed_image(hive, 4);
+        ASSERT_TRUE(written) << size << ": " << written.error().message;
+    }
+}
+
 }  // namespace
 }  // namespace regf
