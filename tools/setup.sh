@@ -3,7 +3,7 @@
 build_packages=(g++ cmake ninja-build qt6-base-dev halibut fonts-liberation)
 # What the program itself asks for: the opener of folders and web addresses, and Qt's own words in German.
 run_packages=(xdg-utils qt6-translations-l10n)
-test_packages=(git libgtest-dev libgmock-dev libbenchmark-dev python3 python3-hivex libhivex-bin libhivex-dev reglookup xvfb xdotool openbox imagemagick
+test_packages=(git libgtest-dev libgmock-dev libbenchmark-dev python3 python3-hivex libhivex-bin libhivex-dev reglookup xvfb xdotool openbox imagemagick strace
     clang-format clang-tidy lintian desktop-file-utils appstream)
 fuzz_packages=(clang libclang-rt-14-dev)
 # What the program is measured beside.

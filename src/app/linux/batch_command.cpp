@@ -56,6 +56,8 @@ class Troubles {
         // one's.
         const bool earlier = report.verb == machine::ToolReport::Verb::unload && !loaded_;
         loaded_ = report.verb == machine::ToolReport::Verb::load && report.succeeded;
+        // What the last unload has written is written, however the way there was.
+        if (report.succeeded && report.verb == machine::ToolReport::Verb::unload) last_.clear();
         if (report.succeeded && !report.changes_lost) return;
         const std::string why = strip::reason(report.why, report.detail, language_);
         if (earlier || report.succeeded) {
