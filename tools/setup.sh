@@ -3,11 +3,11 @@
 build_packages=(g++ cmake ninja-build qt6-base-dev halibut fonts-liberation)
 # What the program itself asks for: the opener of folders and web addresses, and Qt's own words in German.
 run_packages=(xdg-utils qt6-translations-l10n)
-test_packages=(git libgtest-dev libgmock-dev libbenchmark-dev python3 python3-hivex libhivex-bin reglookup strace xvfb xdotool openbox imagemagick
-    clang-format clang-tidy lintian desktop-file-utils appstream)
+test_packages=(git libgtest-dev libgmock-dev libbenchmark-dev python3 python3-hivex libhivex-bin libhivex-dev reglookup strace xvfb xdotool
+    openbox imagemagick clang-format clang-tidy lintian desktop-file-utils appstream)
 fuzz_packages=(clang libclang-rt-14-dev)
 # What the program is measured beside.
-bench_packages=(libhivex-dev libwin-hivex-perl)
+bench_packages=(libwin-hivex-perl)
 windows_build_packages=(g++-mingw-w64-i686-win32 cmake ninja-build nsis python3)
 
 # Installs those of the packages that are missing.

@@ -54,7 +54,7 @@ class Check {
     std::string check_content();
     std::string check_keys();
     std::string check_security();
-    std::string check_ring();
+    std::string check_ring(const Cells& gone);
     std::string check_claims();
     std::string check_kept_keys();
     std::string check_changed_bins();
@@ -184,21 +184,24 @@ uint32_t Check::expected_users(CellOffset security) const {
     return static_cast<uint32_t>(before + (more == users_.end() ? 0 : more->second));
 }
 
-/// Those that lost their last key may be gone.
+/// Those that lost their last key are gone; another cell may begin where one lay.
 std::string Check::check_security() {
-    bool ring_changed = false;
+    Cells gone;
     for (const auto& [security, more] : users_) {
         if (!security_descriptor(old_, security)) return at(number_of(security)) + "a new security record";
+        const uint32_t users = expected_users(security);
+        if (users == 0) {
+            gone.push_back(security);
+            continue;
+        }
         const auto now = new_->cell_at(security, sk::descriptor);
-        if ((now ? get32(*now, sk::reference_count) : 0) != expected_users(security))
+        if (!now || get32(*now, sk::reference_count) != users)
             return at(number_of(security)) + "a security record miscounts its keys";
-        if (now) continue;
-        old_cells_.push_back(security);
-        ring_changed = true;
     }
+    std::ranges::copy(gone, std::back_inserter(old_cells_));
     std::ranges::sort(old_cells_);
     std::ranges::sort(new_cells_);
-    return ring_changed ? check_ring() : "";
+    return gone.empty() ? "" : check_ring(gone);
 }
 
 namespace {
@@ -222,9 +225,9 @@ Cells ring_of(const Image& image) {
 
 }  // namespace
 
-std::string Check::check_ring() {
+std::string Check::check_ring(const Cells& gone) {
     ring_ = ring_of(old_);
-    std::erase_if(ring_, [&](CellOffset cell) { return !new_->cell_at(cell); });
+    std::erase_if(ring_, [&](CellOffset cell) { return has(gone, cell); });
     return ring_.empty() || ring_of(*new_) != ring_ ? "the ring of security records" : "";
 }
 

@@ -100,7 +100,9 @@ Result<Done> write_changes(Setting& setting, const std::string& name, ToolReport
         report.changes_lost = true;
         report.detail = "the unfinished changes of a run that was broken off are dropped";
     }
-    return setting.mounts.remove(hive->record.mount);  // while nobody else can add to it
+    const auto removed = setting.mounts.remove(hive->record.mount);  // while nobody else can add to it
+    // A record that tells of a hive that is written is no mount: the next one who finds it clears it away.
+    return removed || report.changed > 0 ? Done{} : removed;
 } catch (const std::bad_alloc&) {
     return Error{ErrorKind::no_space, "there is not enough memory for this hive"};
 }

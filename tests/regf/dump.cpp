@@ -14,8 +14,6 @@
 
 namespace regf {
 
-namespace {
-
 std::string escaped(std::u16string_view name) {
     std::string out;
     for (char16_t u : name) {
@@ -38,6 +36,8 @@ std::string hex(ByteView bytes) {
     }
     return out;
 }
+
+namespace {
 
 void dump_key(const Hive& hive, Key key, const std::string& path, bool everything, std::string& out) {
     out += "K " + path;

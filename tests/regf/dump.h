@@ -7,6 +7,10 @@
 
 namespace regf {
 
+/// A name and data as they stand in a dump.
+std::string escaped(std::u16string_view name);
+std::string hex(ByteView bytes);
+
 /// Everything that a hive says, one line for each key and value, in the order of the file. Names are escaped
 /// so that a line is ASCII whatever they hold.
 std::string dump(const Hive& hive);

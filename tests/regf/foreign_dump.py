@@ -1,9 +1,5 @@
 #!/usr/bin/python3
-"""Dumps hives through another reader, in the form of dump(): the judge of what we read and write.
-
-usage: foreign_dump.py [--named] FILE...     --named: each begins with its name
-"""
-import os
+"""Dumps a hive through another reader, in the form of dump(): the judge of what we read and write."""
 import sys
 
 import hivex
@@ -18,7 +14,7 @@ def escaped(name):
     return out
 
 
-def dump(path):
+def main(path):
     hive = hivex.Hivex(path)
     todo = [(hive.root(), "")]
     out = []
@@ -30,9 +26,7 @@ def dump(path):
             out.append("V %s %s %d %s" % (where, escaped(hive.value_key(value)), kind & 0xFFFFFFFF, data.hex()))
         children = [(child, where + "/" + escaped(hive.node_name(child))) for child in hive.node_children(node)]
         todo.extend(reversed(children))
-    return "\n".join(out) + "\n"
+    sys.stdout.write("\n".join(out) + "\n")
 
 
-named = sys.argv[1] == "--named"
-for file in sys.argv[1 + named:]:
-    sys.stdout.write(("F %s\n" % os.path.basename(file) if named else "") + dump(file))
+main(sys.argv[1])
