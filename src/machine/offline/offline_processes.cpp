@@ -78,7 +78,7 @@ Processes::Started OfflineProcesses::start_hive_tool(const std::string& host_pro
     child.known.name = text::from_utf8(key.substr(key.find('\\') + 1)).value_or("");
     const auto released = registry_.release_mounts(unloads ? child.known.name : "");
     child.sealed = released.code;
-    if (unloads && is_not_mounted(child.known.name)) {
+    if (unloads && child.sealed == success && is_not_mounted(child.known.name)) {
         child.code = 1;  // as the tool would say; it takes its time to start
         return add(std::move(child));
     }
@@ -150,12 +150,13 @@ uint32_t OfflineProcesses::exit_code(uint32_t id) {
     std::array<pollfd, 2> waiting{{{child.reports.number(), POLLIN, 0},
                                    {child.end.number(), POLLIN, 0}}};  // closed ones are passed over
     (void)poll(waiting.data(), waiting.size(), poll_milliseconds);
-    // What the tool has told stands: clearing its memory away may take it longer than its work.
+    int status = 0;
+    const pid_t ended = waitpid(child.process, &status, WNOHANG);
+    // What the tool has told stands: clearing its memory away may take it longer than its work. One that has
+    // ended has told all that it ever will.
     if (child.reports.is_open()) child.told += receive(child.reports.number(), child.hive);
     ToolReport told = child.known;
     const bool is_told = decode(child.told, told);
-    int status = 0;
-    const pid_t ended = waitpid(child.process, &status, WNOHANG);
     if (ended == 0 && !is_told) return still_active;
     if (ended == 0) leaving_.push_back(child.process);
     child.process = 0;
