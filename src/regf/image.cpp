@@ -191,18 +191,6 @@ std::optional<Image> Image::surveyed(std::shared_ptr<const Memory> memory) {
 
 // --- reading
 
-int32_t Image::size_field(uint32_t offset) const {
-    return static_cast<int32_t>(get32(bytes(), in_file(offset)));
-}
-
-std::optional<ByteView> Image::cell_at(CellOffset cell, size_t least) const {
-    const uint32_t offset = number_of(cell);
-    if (!cells_.begins_at(offset)) return std::nullopt;
-    const int64_t field = size_field(offset);
-    if (field > 0 || static_cast<size_t>(-field) - 4 < least) return std::nullopt;
-    return bytes().subspan(in_file(offset) + 4, static_cast<size_t>(-field) - 4);
-}
-
 bool Image::same_cell_size(CellOffset cell, size_t size) const {
     const auto content = cell_at(cell);
     return content && content->size() + 4 == cell_size_for(size);

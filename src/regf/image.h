@@ -82,7 +82,8 @@ class Image {
 
     /// The content of the cell in use at `offset`, without its size field; none where no such cell begins
     /// there, or it has less than `least` bytes.
-    std::optional<ByteView> cell_at(CellOffset offset, size_t least = 0) const;
+    std::optional<ByteView> cell_at(CellOffset offset,
+                                    size_t least = 0) const;  // in the header: asked for every cell
     std::optional<std::span<uint8_t>> cell_at(CellOffset offset, size_t least = 0);
     /// The size of any cell, negative where it is in use; one must begin there.
     int32_t size_field(uint32_t offset) const;
@@ -137,6 +138,18 @@ class Image {
     std::vector<CellOffset> unmerged_;
     std::optional<Problem> problem_;
 };
+
+inline int32_t Image::size_field(uint32_t offset) const {
+    return static_cast<int32_t>(get32(bytes_, in_file(offset)));
+}
+
+inline std::optional<ByteView> Image::cell_at(CellOffset cell, size_t least) const {
+    const uint32_t offset = number_of(cell);
+    if (!cells_.begins_at(offset)) return std::nullopt;
+    const int64_t field = size_field(offset);
+    if (field > 0 || static_cast<size_t>(-field) - 4 < least) return std::nullopt;
+    return bytes_.subspan(in_file(offset) + 4, static_cast<size_t>(-field) - 4);
+}
 
 /// The whole cell, its size field included, for so many bytes of content.
 constexpr uint64_t cell_size_for(uint64_t size) { return (size + 4 + 7) & ~uint64_t{7}; }
