@@ -171,20 +171,6 @@ void MountTable::announce(const MountRecord& record, const regf::HiveStamp& stam
 
 bool MountTable::note_failure(const MountRecord& record) const { return append(record, failure_frame()); }
 
-namespace {
-
-/// As this system's own list tells: asking for accounts of a network would take libraries of the system that
-/// the hive tool does without. Empty for those.
-std::string home_of_account() {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> list(std::fopen("/etc/passwd", "re"), std::fclose);
-    while (const passwd* account = list ? fgetpwent(list.get()) : nullptr) {
-        if (account->pw_uid == geteuid()) return account->pw_dir;
-    }
-    return "";
-}
-
-}  // namespace
-
 std::string default_state_folder() {
     const auto own = [](const char* folder) {
         struct stat status {};
@@ -193,8 +179,8 @@ std::string default_state_folder() {
     const char* const home = std::getenv("HOME");
     if (const char* state = std::getenv("XDG_STATE_HOME"); own(state) && (!home || own(home)))
         return std::string(state) + "/brightlock";
-    const std::string account = own(home) ? "" : home_of_account();
-    return (!account.empty() ? account : home ? home : "") + "/.local/state/brightlock";
+    const passwd* account = own(home) ? nullptr : getpwuid(geteuid());
+    return std::string(account ? account->pw_dir : home ? home : "") + "/.local/state/brightlock";
 }
 
 base::Result<Done> make_state_folder(const std::string& folder) {
