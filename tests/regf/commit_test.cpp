@@ -89,6 +89,7 @@ TEST_F(HiveFiles, AreOldOrNewWhicheverCallFails) {
                              std::to_string(error));
                 EXPECT_TRUE(read_file(place.path()) == (result ? new_image : old_image));
                 EXPECT_EQ(files(), "user.dat ");
+                EXPECT_FALSE(failed == "fsync" && result && result->durability == Durability::flushed);
                 if (!result) {
                     EXPECT_THAT(result.error().message, HasSubstr("user.dat"));
                 }

@@ -366,6 +366,12 @@ TEST(HiveTool, DoesNotWriteOverWhatSomebodyElseHasWritten) {
     write_record(record_of(fixture), "damaged");
     EXPECT_EQ(fixture.unload("Anna"), 1u);
     EXPECT_EQ(fixture.load("Anna"), 0u) << "and after a record that cannot be read";
+    ASSERT_EQ(fixture.offline().release(), success);
+    write_record(record_of(fixture), std::string(40, '\0'));
+    const size_t told = fixture.reports.size();
+    EXPECT_EQ(fixture.unload("Anna"), 1u);
+    EXPECT_EQ(fixture.reports.size(), told) << "a power cut took a record with nothing in it: no loss";
+    EXPECT_EQ(fixture.load("Anna"), 0u);
     EXPECT_EQ(make_lock_key(fixture), Registry::Disposition::created);
     theirs[theirs.size() / 2] ^= 1;  // in spite of the lock, and the head of the file does not show it
     std::fstream(fixture.hive_of("Anna"), std::ios::in | std::ios::out | std::ios::binary) << theirs;
