@@ -259,7 +259,8 @@ void measure(Workbench& bench, int rounds) {
 void tell_growth(Workbench& bench) {
     for (int done = 0; done <= 1000; ++done) {
         if (done == 0 || done == 1 || done == 10 || done == 100 || done == 1000)
-            std::printf("after %4d Applies %10ju bytes\n", done, static_cast<uintmax_t>(fs::file_size(bench.hive)));
+            std::printf("after %4d Applies %10ju bytes\n", done,
+                        static_cast<uintmax_t>(fs::file_size(bench.hive)));
         choose(bench);
         change_and_unload(bench, done);
     }

@@ -51,7 +51,8 @@ void edit(regf::Hive& hive, ByteView script) {
     }
 }
 
-/// Damage in the new image, and in no more than one page of it: what the judge of commits passes the slow one passes.
+/// Damage in the new image, and in no more than one page of it: what the judge of commits passes the slow one
+/// passes.
 void require_judges_agree(regf::Hive& hive, ByteView script) {
     const auto sealed = hive.seal(6);
     Bytes wrong(sealed->image.begin(), sealed->image.end());
@@ -62,8 +63,8 @@ void require_judges_agree(regf::Hive& hive, ByteView script) {
     pages.push_back(static_cast<uint32_t>(at / regf::bin_unit));
     std::sort(pages.begin(), pages.end());
     pages.erase(std::unique(pages.begin(), pages.end()), pages.end());
-    const auto verdict = regf::judge(
-        {regf::image_of(sealed->opened), regf::image_of(wrong), pages, hive.changes(), {}});
+    const auto verdict =
+        regf::judge({regf::image_of(sealed->opened), regf::image_of(wrong), pages, hive.changes(), {}});
     require(!verdict.fault.empty() || regf::whole_check(sealed->opened, wrong, hive.changes()).empty());
 }
 

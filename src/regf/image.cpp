@@ -82,7 +82,7 @@ constexpr size_t most_unmerged_told = 100;
 Image::Image(std::shared_ptr<const Memory> memory, uint64_t size, uint64_t most)
     : memory_(std::move(memory)), mapping_(std::in_place, *memory_, size, most), bytes_(mapping_->bytes()) {}
 
-Image::Image(std::shared_ptr<const Memory> memory)
+Image::Image(const std::shared_ptr<const Memory>& memory)
     : Image(memory, memory->size(), in_file(largest_bins_size)) {
     if (bytes().size() < base_block_size + bin_unit) {
         fail(0, "the file is shorter than the smallest hive");

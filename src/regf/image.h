@@ -59,7 +59,7 @@ class CellMap {
 class Image {
   public:
     /// Walks the bins. What cannot be walked is told by problem(); the cells before it can be read.
-    explicit Image(std::shared_ptr<const Memory> memory);
+    explicit Image(const std::shared_ptr<const Memory>& memory);
     /// Other looks at bytes whose cells are known, not to be edited: at a memory as it was filled, and at
     /// what outlives the image.
     Image(std::shared_ptr<const Memory> memory, CellMap cells);
@@ -113,7 +113,10 @@ class Image {
     struct FreeCell {
         uint32_t size;
         uint32_t offset;
-        auto operator<=>(const FreeCell&) const = default;
+        bool operator==(const FreeCell&) const = default;
+        bool operator<(const FreeCell& other) const {
+            return size != other.size ? size < other.size : offset < other.offset;
+        }
     };
     Image(std::shared_ptr<const Memory> memory, uint64_t size, uint64_t most);
 

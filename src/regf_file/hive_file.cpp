@@ -239,9 +239,9 @@ Result<Done> fill(const Replacement& replacement, const Hive::Sealed& sealed, co
     const int file = replacement.descriptor();
     const bool copied = old && old_is_as_opened &&
                         copy_all(old->file.number(), file, static_cast<uint64_t>(old->status.st_size));
-    const auto written =
+    const Result<Done> written =
         copied ? write_changed_pages(file, sealed, name) : write_all(file, sealed.image, 0, name);
-    if (!written) return written;
+    if (!written) return written.error();
     if (old) {
         if (auto kept = replacement.take_over(old->file.number()); !kept) return kept;
     }

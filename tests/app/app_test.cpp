@@ -104,7 +104,7 @@ TEST_F(Start, ExitCodesAreTrueAndEachFailureIsOneLine) {
 TEST_F(Start, BothLanguagesShowAUserAndARestrictionFile) {
     std::ofstream(folder.path() / "none.brl") << "\"BRLCK\",\"cut off\"";
     const std::pair<const char*, const char*> editions[] = {{"", "Input past end of file"},
-                                                             {"/twin", "Ende der Datei"}};
+                                                            {"/twin", "Ende der Datei"}};
     for (const auto& [folder_of_edition, error] : editions) {
         edition = folder_of_edition;
         EXPECT_EQ(start("--machine xp --state state --user Anna --screenshot a.png").code, exit_done);

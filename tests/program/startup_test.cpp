@@ -25,14 +25,14 @@ TEST(Startup, AsksForANewPasswordUntilOneIsSet) {
     const char* const tries[][3] = {{"abc", "abd", "not the same"},  // looked at before the length
                                     {"1234", "1234", "5 or more"},
                                     {"1234567890123456", "1234567890123456", "5 or more"}};
-    for (const auto& [first, second, why] : tries) {
+    for (const auto& row : tries) {
         w.screen.expect_box("Sorry...");
         w.screen.act([&] {
-            form.txt_newpw.type(first);
-            form.txt_wdh.type(second);
+            form.txt_newpw.type(row[0]);
+            form.txt_wdh.type(row[1]);
             form.cmd_ok.click();
         });
-        EXPECT_THAT(w.told(), HasSubstr(why));
+        EXPECT_THAT(w.told(), HasSubstr(row[2]));
         EXPECT_EQ(form.txt_newpw.text() + form.txt_wdh.text(), "");
         EXPECT_EQ(w.screen.focus(), &form.txt_newpw);
     }

@@ -5,8 +5,8 @@
 
 #include "regf/examine.h"
 #include "regf/hive.h"
-#include "sealed_memory/sealed_memory.h"
 #include "regf/model.h"
+#include "sealed_memory/sealed_memory.h"
 
 namespace regf {
 
