@@ -41,6 +41,10 @@ Result<FileLock> FileLock::hold(const HostPlace& place, OpenFile opened, Purpose
     return FileLock(std::move(opened.file));
 }
 
+FileLock::~FileLock() {
+    if (file_.is_open()) (void)flock(file_.number(), LOCK_UN);
+}
+
 Result<FileLock> lock_with_patience(const HostPlace& place, FileLock::Purpose purpose,
                                     std::chrono::milliseconds patience) {
     constexpr auto pause = std::chrono::milliseconds(10);

@@ -7,7 +7,7 @@
 namespace hostfile {
 
 /// Holds a file against every other program that asks (flock, exclusive, and a look for POSIX record
-/// locks). Released by the destructor.
+/// locks). Released by the destructor, even while the descriptor is still open in a process it came from.
 class FileLock {
   public:
     /// `in_use`: another program has it, or has put another file there this moment. `missing`, `refused`,
@@ -19,8 +19,16 @@ class FileLock {
     /// Goes on with the lock of a descriptor that another process of ours handed over. `in_use` where it is
     /// of another file than the one that lies there now.
     static Result<FileLock> handed_over(const HostPlace& place, Descriptor file);
+    FileLock(FileLock&&) = default;
+    FileLock& operator=(FileLock&& other) noexcept {
+        std::swap(file_, other.file_);
+        return *this;
+    }
+    ~FileLock();
+
     int descriptor() const { return file_.number(); }
-    Descriptor duplicate() const { return file_.duplicate(); }
+    /// For another process of ours, which goes on with the lock: this one lets go of it.
+    Descriptor hand_over() { return std::move(file_); }
 
   private:
     static Result<FileLock> hold(const HostPlace& place, OpenFile opened, Purpose purpose);

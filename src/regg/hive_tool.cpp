@@ -74,7 +74,7 @@ Result<Done> load(const Setting& setting, const std::string& file, const std::st
     // What could not be written at the end is refused now, before anybody works on it.
     if (auto possible = regf::try_replacing(*place); !possible) return possible;
     auto added = setting.mounts.add({name, *named, hive->identity.stamp});
-    if (added) to_hand_over = HandedHive{lock->duplicate(), regf::hand_over(hive->hive)};
+    if (added) to_hand_over = HandedHive{lock->hand_over(), regf::hand_over(hive->hive)};
     return added;
 }
 

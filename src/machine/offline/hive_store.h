@@ -59,7 +59,7 @@ class MountHive : public HiveStore {
     WinCode apply(const regf::Change& change) override;
     /// Marks the changes so far as complete.
     WinCode seal();
-    HandedHive hand_over() const { return hive_.hand_over(); }
+    HandedHive hand_over() { return hive_.hand_over(); }
 
   private:
     WinCode append(const std::string& frame);

@@ -66,9 +66,7 @@ struct MountedHive {
     regf::HiveFile file;
     Descriptor memory;  ///< for the next process; not open where that must read the file itself
 
-    HandedHive hand_over() const {
-        return {lock.duplicate(), memory.is_open() ? memory.duplicate() : Descriptor()};
-    }
+    HandedHive hand_over() { return {lock.hand_over(), std::move(memory)}; }
 };
 /// `changed`: somebody else has written the file since it was mounted. `missing`: nothing is mounted there,
 /// or the file is no longer in its folder.

@@ -152,13 +152,12 @@ uint32_t OfflineProcesses::exit_code(uint32_t id) {
     (void)poll(waiting.data(), waiting.size(), poll_milliseconds);
     int status = 0;
     const pid_t ended = waitpid(child.process, &status, WNOHANG);
-    // What an unload has told stands: it holds nothing any more, and clearing its memory away may take it
-    // longer than its work. A load holds the hive with us to its end. One that has ended has told all that it
-    // ever will.
+    // What the tool has told stands: clearing its memory away may take it longer than its work. One that has
+    // ended has told all that it ever will.
     if (child.reports.is_open()) child.told += receive(child.reports.number(), child.hive);
     ToolReport told = child.known;
     const bool is_told = decode(child.told, told);
-    if (ended == 0 && (!is_told || told.verb == ToolReport::Verb::load)) return still_active;
+    if (ended == 0 && !is_told) return still_active;
     if (ended == 0) leaving_.push_back(child.process);
     child.process = 0;
     child.end = Descriptor();
