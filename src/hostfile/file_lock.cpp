@@ -41,7 +41,7 @@ Result<FileLock> FileLock::hold(const HostPlace& place, OpenFile opened, Purpose
     return FileLock(std::move(opened.file));
 }
 
-FileLock::~FileLock() {
+void FileLock::release() const {
     if (file_.is_open()) (void)flock(file_.number(), LOCK_UN);
 }
 

@@ -232,10 +232,10 @@ Result<Done> compare(const Replacement& replacement, const Hive::Sealed& sealed,
     return Error{ErrorKind::io, name + ": reads back otherwise than it was written"};
 }
 
-/// Fills the replacement with the sealed image, which then is on the disk, as it was meant. `meanwhile` is
-/// done while the disk works.
+/// Fills the replacement with the sealed image, which then is on the disk, as it was meant: compared while
+/// the disk works.
 Result<Done> fill(const Replacement& replacement, const Hive::Sealed& sealed, const std::string& name,
-                  const OpenFile* old, bool old_is_as_opened, const std::function<void()>& meanwhile) {
+                  const OpenFile* old, bool old_is_as_opened) {
     const int file = replacement.descriptor();
     const bool copied = old && old_is_as_opened &&
                         copy_all(old->file.number(), file, static_cast<uint64_t>(old->status.st_size));
@@ -246,7 +246,6 @@ Result<Done> fill(const Replacement& replacement, const Hive::Sealed& sealed, co
         if (auto kept = replacement.take_over(old->file.number()); !kept) return kept;
     }
     auto flushing = replacement.begin_to_flush();
-    meanwhile();
     const auto compared = compare(replacement, sealed, name, copied ? old : nullptr);
     const auto flushed = flushing.get();
     return compared ? flushed : compared;
@@ -268,8 +267,7 @@ Result<OpenFile> open_to_replace(const HostPlace& place) {
 
 }  // namespace
 
-Result<Committed> commit(const HostPlace& place, Hive& hive, const FileIdentity& identity, FileTime now,
-                         const Announce& announce) {
+Result<Committed> commit(const HostPlace& place, Hive& hive, const FileIdentity& identity, FileTime now) {
     if (hive.changes().empty()) return Committed{};
     const auto sealed = hive.seal(now);
     if (!sealed) return sealed.error();
@@ -287,10 +285,7 @@ Result<Committed> commit(const HostPlace& place, Hive& hive, const FileIdentity&
     if (!*same) return changed_meanwhile(place.name);
     auto replacement = Replacement::begin(place, old->status.st_mode);
     if (!replacement) return replacement.error();
-    const auto meanwhile = [&] {
-        if (announce) announce(stamp_of(sealed->image.size(), sealed->image));
-    };
-    if (auto filled = fill(*replacement, *sealed, place.name, &*old, !hive.recovered(), meanwhile); !filled)
+    if (auto filled = fill(*replacement, *sealed, place.name, &*old, !hive.recovered()); !filled)
         return filled.error();
     const auto placed = replacement->put_in_place(Replacement::Old::may_exist);
     if (!placed) return placed.error();
@@ -309,8 +304,7 @@ Result<Durability> write_new(const HostPlace& place, Hive& hive, FileTime now) {
     if (!sealed) return sealed.error();
     auto replacement = Replacement::begin(place, 0600);
     if (!replacement) return replacement.error();
-    if (auto filled = fill(*replacement, *sealed, place.name, nullptr, false, [] {}); !filled)
-        return filled.error();
+    if (auto filled = fill(*replacement, *sealed, place.name, nullptr, false); !filled) return filled.error();
     return replacement->put_in_place(Replacement::Old::must_be_new);
 }
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <functional>
-
 #include "hostfile/file_lock.h"
 #include "hostfile/replacement.h"
 #include "regf/hive.h"
@@ -56,15 +54,12 @@ Result<FileIdentity> identify(const HostPlace& place);
 /// the changed pages written, flushed, read back and all of it compared, renamed over it, the folder flushed.
 /// What Replacement::take_over() takes over goes along; where something cannot be kept, `refused` and the old
 /// file stays. `changed` if the file is another one by now, or holds other bytes than were opened. A hive in
-/// which nothing differs is not written, recovered or not. `announce` is told what the file is about to
-/// become.
-using Announce = std::function<void(const HiveStamp&)>;
+/// which nothing differs is not written, recovered or not.
 struct Committed {
     Durability durability = Durability::flushed;
     int differences = 0;  ///< of values and keys; 0: nothing was written
 };
-Result<Committed> commit(const HostPlace& place, Hive& hive, const FileIdentity& identity, FileTime now,
-                         const Announce& announce = {});
+Result<Committed> commit(const HostPlace& place, Hive& hive, const FileIdentity& identity, FileTime now);
 
 /// What commit() needs of the disk, tried out: a file beside this one that takes over all that is to be kept.
 /// Nothing is left of it. `refused` for a file with a second name, which would keep the old content.

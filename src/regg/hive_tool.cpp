@@ -48,8 +48,7 @@ Result<std::string> file_name(const Setting& setting, const std::string& file) {
     return *ansi;
 }
 
-Result<Done> load(const Setting& setting, const std::string& file, const std::string& name,
-                  std::optional<HandedHive>& to_hand_over) {
+Result<Done> load(const Setting& setting, const std::string& file, const std::string& name, Run& run) {
     const auto named = file_name(setting, file);
     if (!named) return named.error();
     const auto place = machine::locate_hive(setting.drives, *named);
@@ -57,11 +56,11 @@ Result<Done> load(const Setting& setting, const std::string& file, const std::st
     // Windows writes over whatever it wakes up to.
     if (machine::hibernates(setting.drives))
         return Error{ErrorKind::unsupported, "this Windows hibernates: start it and shut it down first"};
-    auto lock = hostfile::lock_with_patience(*place, hostfile::FileLock::Purpose::work, hostfile::a_moment);
-    if (!lock) return lock.error();
     // Another unload has written it this moment, and its record is about to go.
     const auto old = setting.mounts.find(name);
     if (old && machine::is_written(setting.drives, *old)) (void)setting.mounts.remove(old->mount);
+    auto lock = hostfile::lock_with_patience(*place, hostfile::FileLock::Purpose::work, hostfile::a_moment);
+    if (!lock) return lock.error();
     const auto mounted = machine::is_mounted(setting.drives, setting.mounts, *place);
     if (!mounted) return mounted.error();
     if (*mounted) return Error{ErrorKind::in_use, file + " is mounted already"};
@@ -74,8 +73,10 @@ Result<Done> load(const Setting& setting, const std::string& file, const std::st
     // What could not be written at the end is refused now, before anybody works on it.
     if (auto possible = regf::try_replacing(*place); !possible) return possible;
     auto added = setting.mounts.add({name, *named, hive->identity.stamp});
-    if (added) to_hand_over = HandedHive{lock->hand_over(), regf::hand_over(hive->hive)};
-    return added;
+    if (!added) return added;
+    run.hive = HandedHive{lock->hand_over(), regf::hand_over(hive->hive)};
+    run.remains = std::make_shared<const regf::HiveFile>(std::move(*hive));
+    return Done{};
 }
 
 /// A later try may succeed: with room on the disk, with the disk there again, with the right to write.
@@ -84,15 +85,15 @@ bool can_pass(ErrorKind kind) {
            kind == ErrorKind::refused;
 }
 
-Result<Done> write_changes(Setting& setting, const std::string& name, ToolReport& report) try {
+Result<Done> write_changes(Setting& setting, const MountRecord& record, Run& run) try {
     constexpr auto patience = std::chrono::seconds(2);  // for the tools of other instances, which are quick
     auto hive =
-        machine::open_mounted(setting.drives, setting.mounts, name, std::move(setting.handed), patience);
+        machine::open_mounted(setting.drives, setting.mounts, record, std::move(setting.handed), patience);
     if (!hive) return hive.error();
-    const auto announce = [&](const regf::HiveStamp& stamp) { setting.mounts.announce(hive->record, stamp); };
     const auto written =
-        regf::commit(hive->place, hive->file.hive, hive->file.identity, regf::current_file_time(), announce);
+        regf::commit(hive->place, hive->file.hive, hive->file.identity, regf::current_file_time());
     if (!written) return written.error();
+    ToolReport& report = run.report;
     report.changed = written->differences;
     if (written->durability == regf::Durability::uncertain)
         report.detail = "the hive is written, but its folder could not be flushed: do not cut the power yet";
@@ -101,6 +102,8 @@ Result<Done> write_changes(Setting& setting, const std::string& name, ToolReport
         report.detail = "the unfinished changes of a run that was broken off are dropped";
     }
     const auto removed = setting.mounts.remove(hive->record.mount);  // while nobody else can add to it
+    hive->lock.release();
+    run.remains = std::make_shared<const machine::MountedHive>(std::move(*hive));
     // A record that tells of a hive that is written is no mount: the next one who finds it clears it away.
     return removed || report.changed > 0 ? Done{} : removed;
 } catch (const std::bad_alloc&) {
@@ -120,14 +123,14 @@ Result<Done> keep_or_drop(const Setting& setting, const MountRecord& record, con
     return Error{why.kind, why.message + "; what was to be written to it is dropped"};
 }
 
-Result<Done> unload(Setting& setting, const std::string& name, ToolReport& report) {
+Result<Done> unload(Setting& setting, const std::string& name, Run& run) {
     const auto record = setting.mounts.find(name);
     if (!record && record.error().kind == ErrorKind::damaged) {
-        report.changes_lost = true;
+        run.report.changes_lost = true;
         if (auto removed = setting.mounts.drop({name, {}, {}}); !removed) return removed;
     }
     if (!record) return record.error();
-    auto done = write_changes(setting, name, report);
+    auto done = write_changes(setting, *record, run);
     if (done) return done;
     // Two unloads can meet: what the other one has written, or is about to end, is no loss.
     const auto now = setting.mounts.find(name);
@@ -135,7 +138,7 @@ Result<Done> unload(Setting& setting, const std::string& name, ToolReport& repor
     if (!now) return now.error();
     if (now->mount != record->mount) return Done{};
     if (machine::is_written(setting.drives, *now)) return setting.mounts.remove(now->mount);
-    return keep_or_drop(setting, *now, done.error(), report);
+    return keep_or_drop(setting, *now, done.error(), run.report);
 }
 
 Result<Done> work(Setting& setting, const std::vector<std::string>& words, Run& run) {
@@ -147,7 +150,7 @@ Result<Done> work(Setting& setting, const std::vector<std::string>& words, Run& 
     if (!name) return name.error();
     report.verb = loads ? ToolReport::Verb::load : ToolReport::Verb::unload;
     report.name = *name;
-    auto done = loads ? load(setting, words[1], *name, run.hive) : unload(setting, *name, report);
+    auto done = loads ? load(setting, words[1], *name, run) : unload(setting, *name, run);
     if (done) return done;
     return Error{done.error().kind, "HKU\\" + text::to_utf8(*name) + ": " + done.error().message};
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -22,6 +23,8 @@ struct Setting {
 struct Run {
     machine::ToolReport report;
     std::optional<machine::HandedHive> hive;  ///< that was loaded
+    /// What the work leaves behind. It is cleared away after the report: nobody need wait for that.
+    std::shared_ptr<const void> remains;
 };
 
 /// `load <file> HKU\<name>` or `unload HKU\<name>`, words in UTF-8. After a success too the report may have a

@@ -413,9 +413,13 @@ TEST(HiveTool, KnowsWhatARunHadWrittenBeforeItDied) {
     const fs::path path = record_of(fixture);
     ASSERT_EQ(fixture.unload("Anna"), 0u);
     const std::string written = bytes_of(hive);
-    write_record(path, record + written_frame(read_hive_file(hive).identity.stamp));
+    write_record(path, record);
     EXPECT_EQ(fixture.unload("Anna"), 0u) << "it is done already";
     EXPECT_EQ(bytes_of(hive), written);
+    write_record(path, record);
+    EXPECT_EQ(fixture.load("Anna"), 0u) << "by another unload, which is about to remove its record";
+    ASSERT_EQ(fixture.offline().release(), success);
+    set_text(hive, u"Software\\Lock", u"a", u"theirs");
     write_record(path, record);
     EXPECT_EQ(fixture.unload("Anna"), 1u) << "somebody else was it";
 }
@@ -498,8 +502,9 @@ TEST(HiveTool, RefusesAtLoadWhatItCouldNotReplace) {
     in_process_of(12345, [&] {
         regg::Setting setting{DriveMap(), MountTable((state / "mounts").string())};
         (void)setting.drives.add_drive('C', fixture.disk().string());
-        const auto [report, handed] =
-            regg::run(std::move(setting), {"load", OfflineFixture::windows_hive_of("Anna"), "HKU\\Anna"});
+        const ToolReport report =
+            regg::run(std::move(setting), {"load", OfflineFixture::windows_hive_of("Anna"), "HKU\\Anna"})
+                .report;
         return !report.succeeded && report.detail.find("its owner cannot be kept") != std::string::npos;
     });
 }

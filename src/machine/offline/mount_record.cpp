@@ -8,7 +8,7 @@ namespace machine {
 
 namespace {
 
-enum class Frame : uint8_t { mount = 'M', change = 'C', seal = 'S', written = 'W', failure = 'F' };
+enum class Frame : uint8_t { mount = 'M', change = 'C', seal = 'S', failure = 'F' };
 
 constexpr std::array<uint32_t, 256> crc_of_byte = [] {
     std::array<uint32_t, 256> table{};
@@ -92,19 +92,14 @@ class Reader {
 
 // The fields in their order, once for the writer and for the reader.
 
-template <class Stream, class AnyStamp>
-void stamp_fields(Stream& stream, AnyStamp& stamp) {
-    stream.number(stamp.size);
-    stream.number(stamp.primary_sequence);
-    stream.number(stamp.secondary_sequence);
-    stream.number(stamp.checksum);
-}
-
 template <class Stream, class AnyMount>
 void mount_fields(Stream& stream, AnyMount& mount) {
     stream.counted(mount.name);
     stream.counted(mount.file);
-    stamp_fields(stream, mount.stamp);
+    stream.number(mount.stamp.size);
+    stream.number(mount.stamp.primary_sequence);
+    stream.number(mount.stamp.secondary_sequence);
+    stream.number(mount.stamp.checksum);
 }
 
 template <class Stream, class AnyChange, class AnyKind>
@@ -136,6 +131,16 @@ std::optional<std::string_view> next_frame(Reader& in) {
     return content;
 }
 
+std::optional<Mount> parse_mount(Reader& in) {
+    const auto content = next_frame(in);
+    if (!content || static_cast<Frame>(content->front()) != Frame::mount) return std::nullopt;
+    Reader frame(content->substr(1));
+    Mount mount;
+    mount_fields(frame, mount);
+    if (!frame.ok()) return std::nullopt;
+    return mount;
+}
+
 }  // namespace
 
 std::string mount_frame(const Mount& mount) {
@@ -155,32 +160,27 @@ std::string seal_frame() { return Writer(Frame::seal).frame(); }
 
 std::string failure_frame() { return Writer(Frame::failure).frame(); }
 
-std::string written_frame(const regf::HiveStamp& stamp) {
-    Writer out(Frame::written);
-    stamp_fields(out, stamp);
-    return out.frame();
+std::optional<Mount> parse_mount(std::string_view bytes) {
+    Reader in(bytes);
+    return parse_mount(in);
 }
 
 std::optional<MountRecord> parse_record(std::string_view bytes) {
-    MountRecord record;
-    std::vector<regf::Change> pending;
-    bool mounted = false;
     Reader in(bytes);
+    auto mount = parse_mount(in);
+    if (!mount) return std::nullopt;
+    MountRecord record;
+    record.mount = std::move(*mount);
+    record.sealed_bytes = bytes.size() - in.left();
+    std::vector<regf::Change> pending;
     while (const auto content = next_frame(in)) {
         Reader frame(content->substr(1));
         const auto kind = static_cast<Frame>(content->front());
-        if (!mounted) {
-            if (kind != Frame::mount) return std::nullopt;
-            mount_fields(frame, record.mount);
-            mounted = frame.ok();
-        } else if (kind == Frame::change) {
+        if (kind == Frame::change) {
             pending.push_back(parse_change(frame));
         } else if (kind == Frame::seal) {
             record.sealed.insert(record.sealed.end(), pending.begin(), pending.end());
             pending.clear();
-            record.written.reset();
-        } else if (kind == Frame::written) {
-            stamp_fields(frame, record.written.emplace());
         } else if (kind == Frame::failure) {
             record.failed_before = true;
         } else {
@@ -190,7 +190,6 @@ std::optional<MountRecord> parse_record(std::string_view bytes) {
         if (kind != Frame::change) record.sealed_bytes = bytes.size() - in.left();
     }
     record.unsealed = record.sealed_bytes != bytes.size();
-    if (!mounted) return std::nullopt;
     return record;
 }
 

@@ -8,9 +8,9 @@
 #include "regf_file/hive_file.h"
 
 /// What is known of one mounted hive, as a stream of frames (length, CRC-32, content) that only ever grows:
-/// first the mount, then each change, a seal wherever a run of changes is complete, before the hive is
-/// written what it will be, and that the writing failed where it did. A frame that was cut off by a crash or
-/// a full disk ends the stream, and so does one of a later version.
+/// first the mount, then each change, a seal wherever a run of changes is complete, and that the writing of
+/// the hive failed where it did. A frame that was cut off by a crash or a full disk ends the stream, and so
+/// does one of a later version.
 namespace machine {
 
 struct Mount {
@@ -25,18 +25,16 @@ struct MountRecord {
     std::vector<regf::Change> sealed;  ///< all changes before the last seal
     bool unsealed = false;             ///< more of them behind it: of a run that died or that still goes on
     size_t sealed_bytes = 0;           ///< where what stands fast ends
-    /// What the file is with the sealed changes in it, once somebody has begun to write them.
-    std::optional<regf::HiveStamp> written;
-    bool failed_before = false;  ///< to write the sealed changes has been tried in vain
+    bool failed_before = false;        ///< to write the sealed changes has been tried in vain
 };
 
 std::string mount_frame(const Mount& mount);
 std::string change_frame(const regf::Change& change);
 std::string seal_frame();
-std::string written_frame(const regf::HiveStamp& stamp);
 std::string failure_frame();
 
 /// None where not even the mount can be read.
+std::optional<Mount> parse_mount(std::string_view bytes);
 std::optional<MountRecord> parse_record(std::string_view bytes);
 
 }  // namespace machine

@@ -42,18 +42,20 @@ base::Error not_private(const std::string& name) {
     return {base::ErrorKind::refused, name + ": belongs to somebody else or is open to others"};
 }
 
-base::Result<MountRecord> read_record(const HostPlace& place) {
+/// A record, or the mount in it.
+template <class Content>
+base::Result<Content> read_record(const HostPlace& place, std::optional<Content> (*parse)(std::string_view)) {
     const auto opened = hostfile::open_regular(place, O_RDONLY);
     if (!opened) return opened.error();
     if (!is_private(opened->status, 0077)) return not_private(place.path());
     const auto bytes = read_all(opened->file.number());
     if (!bytes) return base::Error{base::ErrorKind::io, "the record of a mount cannot be read"};
-    // A power cut takes what had not reached the disk. Nothing had been sealed in such a record.
+    // A power cut took what had not reached the disk. The hive is whole, with its changes or without them.
     if (bytes->find_first_not_of('\0') == std::string::npos)
         return base::Error{base::ErrorKind::missing, "the record of the mount is empty"};
-    auto record = parse_record(*bytes);
-    if (!record) return base::Error{base::ErrorKind::damaged, "the record of the mount is damaged"};
-    return std::move(*record);
+    auto content = parse(*bytes);
+    if (!content) return base::Error{base::ErrorKind::damaged, "the record of the mount is damaged"};
+    return std::move(*content);
 }
 
 }  // namespace
@@ -90,9 +92,9 @@ base::Result<std::vector<Mount>> MountTable::mounts() const {
     if (!names) return names.error();
     for (const std::string& name : *names) {
         if (!name.ends_with(ending)) continue;
-        const auto record = read_record({folder->duplicate(), name, true});
-        if (!record && record.error().kind == base::ErrorKind::io) return record.error();
-        if (record) mounts.push_back(record->mount);
+        const auto mount = read_record({folder->duplicate(), name, true}, parse_mount);
+        if (!mount && mount.error().kind == base::ErrorKind::io) return mount.error();
+        if (mount) mounts.push_back(*mount);
     }
     std::sort(mounts.begin(), mounts.end(),
               [](const Mount& a, const Mount& b) { return text::less_ignoring_case(a.name, b.name); });
@@ -101,7 +103,7 @@ base::Result<std::vector<Mount>> MountTable::mounts() const {
 
 base::Result<MountRecord> MountTable::find(std::string_view name) const {
     const auto place = place_of(name);
-    auto record = place ? read_record(*place) : base::Result<MountRecord>(place.error());
+    auto record = place ? read_record(*place, parse_record) : base::Result<MountRecord>(place.error());
     if (!record && record.error().kind == base::ErrorKind::missing)
         return base::Error{base::ErrorKind::missing, "no hive is mounted there"};
     return record;
@@ -133,9 +135,9 @@ base::Result<Done> MountTable::add(const Mount& mount) const {
 base::Result<Done> MountTable::remove(const Mount& mount) const {
     const auto place = lock_place_of(mount.name);
     if (!place) return place.error();
-    const auto there = find(mount.name);
+    const auto there = read_record(*place, parse_mount);
     const bool gone = !there && there.error().kind == base::ErrorKind::missing;
-    if (gone || (there && there->mount != mount)) return Done{};
+    if (gone || (there && *there != mount)) return Done{};
     if (!there && there.error().kind != base::ErrorKind::damaged) return there.error();
     const int folder = place->folder.number();
     if (unlinkat(folder, place->name.c_str(), 0) != 0)
@@ -160,16 +162,10 @@ base::Result<Descriptor> MountTable::open_sealed(const MountRecord& record) cons
     return std::move(opened->file);
 }
 
-bool MountTable::append(const MountRecord& record, const std::string& frame) const {
+bool MountTable::note_failure(const MountRecord& record) const {
     const auto file = open_sealed(record);
-    return file && write_all(file->number(), frame) == no_error && fdatasync(file->number()) == 0;
+    return file && write_all(file->number(), failure_frame()) == no_error && fdatasync(file->number()) == 0;
 }
-
-void MountTable::announce(const MountRecord& record, const regf::HiveStamp& stamp) const {
-    (void)append(record, written_frame(stamp));
-}
-
-bool MountTable::note_failure(const MountRecord& record) const { return append(record, failure_frame()); }
 
 std::string default_state_folder() {
     const auto own = [](const char* folder) {
@@ -199,17 +195,27 @@ std::string mounts_folder(const std::string& state_folder, const std::string& dr
     return state_folder + "/mounts/" + digits.data();
 }
 
+namespace {
+
+base::Result<Done> apply_all(const std::vector<regf::Change>& changes, regf::Hive& hive) {
+    for (const regf::Change& change : changes) {
+        if (auto applied = hive.apply(change); !applied) return applied;
+    }
+    return Done{};
+}
+
+}  // namespace
+
 base::Result<MountedHive> open_mounted(const DriveMap& drives, const MountTable& mounts,
-                                       std::string_view name, std::optional<HandedHive> handed,
+                                       const MountRecord& found, std::optional<HandedHive> handed,
                                        std::chrono::milliseconds patience) {
-    const auto found = mounts.find(name);
-    if (!found) return found.error();
-    auto place = locate_hive(drives, found->mount.file);
+    auto place = locate_hive(drives, found.mount.file);
     if (!place) return place.error();
     auto lock = handed ? hostfile::FileLock::handed_over(*place, std::move(handed->lock))
                        : hostfile::lock_with_patience(*place, hostfile::FileLock::Purpose::work, patience);
     if (!lock) return lock.error();
-    auto record = mounts.find(name);  // again, as only the lock keeps others from adding to it
+    // Only the lock keeps others from adding to it.
+    auto record = handed ? base::Result<MountRecord>(found) : mounts.find(found.mount.name);
     if (!record) return record.error();
     // Before it is read: another file that cannot be read must not hold on to the name for ever.
     const auto present = regf::identify(*place);
@@ -223,17 +229,20 @@ base::Result<MountedHive> open_mounted(const DriveMap& drives, const MountTable&
         examined ? base::Result<regf::HiveFile>(std::move(*examined)) : regf::read_hive(*place, *lock);
     if (!file) return file.error();
     if (!examined) memory = regf::hand_over(file->hive);
-    for (const regf::Change& change : record->sealed) {
-        if (const auto applied = file->hive.apply(change); !applied) return applied.error();
-    }
+    if (const auto applied = apply_all(record->sealed, file->hive); !applied) return applied.error();
     return MountedHive{std::move(*record), std::move(*place), std::move(*lock), std::move(*file),
                        std::move(memory)};
 }
 
 bool is_written(const DriveMap& drives, const MountRecord& record) {
     const auto place = locate_hive(drives, record.mount.file);
-    const auto present = place ? regf::identify(*place) : base::Result<regf::FileIdentity>(place.error());
-    return present && present->stamp == record.written;
+    if (!place) return false;
+    const auto lock = hostfile::lock_with_patience(*place, hostfile::FileLock::Purpose::look);
+    auto file = lock ? regf::read_hive(*place, *lock) : base::Result<regf::HiveFile>(lock.error());
+    if (!file || file->identity.stamp == record.mount.stamp || !apply_all(record.sealed, file->hive))
+        return false;
+    const auto sealed = file->hive.seal(regf::current_file_time());
+    return sealed && sealed->differences == 0;
 }
 
 base::Result<bool> is_mounted(const DriveMap& drives, const MountTable& mounts, const HostPlace& file) {

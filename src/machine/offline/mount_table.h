@@ -35,8 +35,6 @@ class MountTable {
     base::Result<Done> drop(const Mount& mount) const;
     /// Opens a record for appending, with all behind its last seal cut off.
     base::Result<Descriptor> open_sealed(const MountRecord& record) const;
-    /// Notes what the hive is about to become; where it cannot, the next unload of a killed one says less.
-    void announce(const MountRecord& record, const regf::HiveStamp& stamp) const;
     /// Notes that the hive could not be written. False where that cannot be noted.
     bool note_failure(const MountRecord& record) const;
 
@@ -45,7 +43,6 @@ class MountTable {
     base::Result<HostPlace> place_of(std::string_view name) const;
     /// Holds the table against other instances as long as the place is kept.
     base::Result<HostPlace> lock_place_of(std::string_view name) const;
-    bool append(const MountRecord& record, const std::string& frame) const;
 
     std::string folder_;
 };
@@ -68,12 +65,14 @@ struct MountedHive {
 
     HandedHive hand_over() { return {lock.hand_over(), std::move(memory)}; }
 };
-/// `changed`: somebody else has written the file since it was mounted. `missing`: nothing is mounted there,
-/// or the file is no longer in its folder.
+/// Of a record that find() has found. `changed`: somebody else has written the file since it was mounted.
+/// `missing`: nothing is mounted there any more, or the file is no longer in its folder.
 base::Result<MountedHive> open_mounted(const DriveMap& drives, const MountTable& mounts,
-                                       std::string_view name, std::optional<HandedHive> handed = std::nullopt,
+                                       const MountRecord& found,
+                                       std::optional<HandedHive> handed = std::nullopt,
                                        std::chrono::milliseconds patience = hostfile::a_moment);
-/// A run wrote the sealed changes into the file and died before it could remove the record.
+/// The sealed changes stand in the file: a run wrote them and died before it could remove the record, or is
+/// about to.
 bool is_written(const DriveMap& drives, const MountRecord& record);
 /// A hive of the table is this very file.
 base::Result<bool> is_mounted(const DriveMap& drives, const MountTable& mounts, const HostPlace& file);

@@ -30,7 +30,9 @@ OfflineRegistry::OfflineRegistry(const DriveMap& drives, const MountTable& mount
 HiveStore* OfflineRegistry::mounted(std::string_view name, WinCode& code, std::optional<HandedHive> handed) {
     const std::string folded = text::lower(name);
     if (const auto open = open_mounts_.find(folded); open != open_mounts_.end()) return open->second.get();
-    auto hive = open_mounted(drives_, mounts_, name, std::move(handed));
+    const auto found = mounts_.find(name);
+    auto hive = found ? open_mounted(drives_, mounts_, *found, std::move(handed))
+                      : base::Result<MountedHive>(found.error());
     auto record = hive ? mounts_.open_sealed(hive->record) : base::Result<Descriptor>(hive.error());
     if (!record) {
         code = win_code(record.error().kind);
@@ -83,17 +85,18 @@ WinCode OfflineRegistry::open_for_writing(const Location& location) {
     return opened.key ? location.store->check_writing() : opened.code;
 }
 
-void OfflineRegistry::remember_spelling(const Location& location, const Opened& opened) {
-    if (opened.key && !spelling_.knows(location.key))
+void OfflineRegistry::remember_spelling(const Location& location) {
+    if (spelling_.knows(location.key)) return;
+    if (const Opened opened = open(location); opened.key)
         spelling_.remember(location.key, opened.hive->values(*opened.key));
 }
 
 Outcome OfflineRegistry::query(Root root, std::string_view subkey, std::string_view name, RawValue& out) {
     const Location location = locate(root, subkey);
+    remember_spelling(location);
     const Opened opened = open(location);
     if (opened.code != success) return refused(opened.code);
     if (!opened.key) return {success, file_not_found};
-    remember_spelling(location, opened);
     const auto value = opened.hive->value(*opened.key, text::to_utf16(text::up_to_nul(name)));
     if (!value) return {success, file_not_found};
     out = Spelling::to_ansi(*value);
@@ -105,7 +108,7 @@ Outcome OfflineRegistry::set(Root root, std::string_view subkey, std::string_vie
     Location location = locate(root, subkey);
     if (const WinCode code = open_for_writing(location); code != success) return refused(code);
     if (!location.store) return {success, access_denied};
-    remember_spelling(location, open(location));
+    remember_spelling(location);
     const std::string_view plain_name = text::up_to_nul(name);
     return {success,
             location.store->apply(change(regf::Change::Kind::set_value, std::move(location.path), plain_name,
@@ -116,7 +119,7 @@ Outcome OfflineRegistry::delete_value(Root root, std::string_view subkey, std::s
     Location location = locate(root, subkey);
     if (const WinCode code = open_for_writing(location); code != success) return refused(code);
     if (!location.store) return {success, file_not_found};
-    remember_spelling(location, open(location));
+    remember_spelling(location);
     return {success, location.store->apply(change(regf::Change::Kind::delete_value, std::move(location.path),
                                                   text::up_to_nul(name)))};
 }
@@ -137,7 +140,7 @@ WinCode OfflineRegistry::delete_key(Root root, std::string_view subkey) {
     if (const WinCode code = open_for_writing(location); code != success) return code;
     const Opened opened = open(location);
     if (!opened.key || location.at_top || !opened.hive->subkeys(*opened.key).empty()) return access_denied;
-    remember_spelling(location, opened);
+    remember_spelling(location);
     spelling_.forget_uses(location.key);
     return location.store->apply(change(regf::Change::Kind::delete_key, std::move(location.path)));
 }

@@ -59,7 +59,7 @@ class OfflineRegistry : public Registry {
     static Opened open(const Location& location);
     static WinCode open_for_writing(const Location& location);
     /// Before the first value of a key is read or changed.
-    void remember_spelling(const Location& location, const Opened& opened);
+    void remember_spelling(const Location& location);
     HiveStore* mounted(std::string_view name, WinCode& code, std::optional<HandedHive> handed = std::nullopt);
     std::vector<std::string> subkey_names(Root root, std::string_view subkey);
 
