@@ -177,9 +177,11 @@ bool OfflineRegistry::hold(std::string_view name, std::optional<HandedHive> hand
 
 OfflineRegistry::Released OfflineRegistry::release_mounts(std::string_view to_unload) {
     Released released;
-    for (const auto& [name, hive] : open_mounts_) {
+    for (auto& [name, hive] : open_mounts_) {
         if (const WinCode code = hive->seal(); code != success) released.code = code;
-        if (name == text::lower(to_unload)) released.hive = hive->hand_over();
+        if (name != text::lower(to_unload)) continue;
+        released.hive = hive->hand_over();
+        released.remains = std::move(hive);
     }
     open_mounts_.clear();
     spelling_.end_session();

@@ -35,6 +35,7 @@ class OfflineRegistry : public Registry {
     struct Released {
         WinCode code = success;
         std::optional<HandedHive> hive;
+        std::unique_ptr<HiveStore> remains;  ///< of that hive: cleared away while the tool works
     };
     Released release_mounts(std::string_view to_unload = "");
     /// Names of the mounted hives that are held at present.
