@@ -20,6 +20,7 @@ set(CMAKE_CXX_FLAGS_INIT
     "-march=i486 -mtune=i586 -D_WIN32_WINDOWS=0x0400 -D_WIN32_WINNT=0x0400 -D_WIN32_IE=0x0400 -DWINVER=0x0400 -D_GLIBCXX_EXTERN_TEMPLATE=0 -ffunction-sections -fdata-sections")
 set(CMAKE_CXX_FLAGS_RELEASE_INIT "-Os -DNDEBUG")
 set(CMAKE_CXX_FLAGS_RELEASE "-Os -DNDEBUG" CACHE STRING "")
-# Windows 95 starts no program that asks for a younger subsystem.
+# Windows 95 starts no program that asks for a younger subsystem. Sections that lie in the file as they do in memory are read only
+# where they are used, and their memory is given back when it is short.
 set(CMAKE_EXE_LINKER_FLAGS_INIT
-    "-static -Wl,--gc-sections -Wl,--major-os-version=4,--minor-os-version=0,--major-subsystem-version=4,--minor-subsystem-version=0")
+    "-static -Wl,--gc-sections -Wl,--file-alignment=0x1000 -Wl,--major-os-version=4,--minor-os-version=0,--major-subsystem-version=4,--minor-subsystem-version=0")
