@@ -427,6 +427,46 @@ class Timer : public Control {
     Event on_timer;
 };
 
+/// Calls `visitor` with a control as what it is; the compiler sees to it that it knows every kind.
+template <class Visitor>
+auto visit(Control& control, Visitor visitor) {
+    switch (control.kind()) {
+        case Kind::label:
+            return visitor(static_cast<Label&>(control));
+        case Kind::text_box:
+            return visitor(static_cast<TextBox&>(control));
+        case Kind::button:
+            return visitor(static_cast<Button&>(control));
+        case Kind::check_box:
+            return visitor(static_cast<CheckBox&>(control));
+        case Kind::list_box:
+            return visitor(static_cast<ListBox&>(control));
+        case Kind::combo_box:
+            return visitor(static_cast<ComboBox&>(control));
+        case Kind::list_view:
+            return visitor(static_cast<ListView&>(control));
+        case Kind::frame:
+            return visitor(static_cast<Frame&>(control));
+        case Kind::tab:
+            return visitor(static_cast<TabContainer&>(control));
+        case Kind::list_bar:
+            return visitor(static_cast<ListBar&>(control));
+        case Kind::status_bar:
+            return visitor(static_cast<StatusBar&>(control));
+        case Kind::picture_box:
+            return visitor(static_cast<PictureBox&>(control));
+        case Kind::dir_list:
+            return visitor(static_cast<DirListBox&>(control));
+        case Kind::drive_list:
+            return visitor(static_cast<DriveListBox&>(control));
+        case Kind::file_list:
+            return visitor(static_cast<FileListBox&>(control));
+        case Kind::timer:
+            break;
+    }
+    return visitor(static_cast<Timer&>(control));
+}
+
 /// One entry of a menu; one with entries of its own opens. Not a control: it has no place and no focus.
 class MenuItem {
   public:

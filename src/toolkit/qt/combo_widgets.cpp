@@ -109,8 +109,8 @@ class DriveListWidget : public ListOnlyCombo<DriveListBox> {
 
 }  // namespace
 
-WidgetPeer* make_combo_box(ComboBox& control, QWidget& parent) { return new ComboBoxWidget(control, parent); }
-WidgetPeer* make_drive_list(DriveListBox& control, QWidget& parent) {
+WidgetPeer* make_widget(ComboBox& control, QWidget& parent) { return new ComboBoxWidget(control, parent); }
+WidgetPeer* make_widget(DriveListBox& control, QWidget& parent) {
     return new DriveListWidget(control, parent);
 }
 

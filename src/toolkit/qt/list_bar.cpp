@@ -111,6 +111,6 @@ class ListBarWidget : public Shown<LineList, ListBar> {
 
 }  // namespace
 
-WidgetPeer* make_list_bar(ListBar& control, QWidget& parent) { return new ListBarWidget(control, parent); }
+WidgetPeer* make_widget(ListBar& control, QWidget& parent) { return new ListBarWidget(control, parent); }
 
 }  // namespace toolkit::qt

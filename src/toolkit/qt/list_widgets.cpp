@@ -62,11 +62,9 @@ class FileListWidget : public Shown<LineList, FileListBox> {
 
 }  // namespace
 
-WidgetPeer* make_list_box(ListBox& control, QWidget& parent) { return new ListBoxWidget(control, parent); }
-WidgetPeer* make_list_view(ListView& control, QWidget& parent) { return new ListViewWidget(control, parent); }
-WidgetPeer* make_dir_list(DirListBox& control, QWidget& parent) { return new DirListWidget(control, parent); }
-WidgetPeer* make_file_list(FileListBox& control, QWidget& parent) {
-    return new FileListWidget(control, parent);
-}
+WidgetPeer* make_widget(ListBox& control, QWidget& parent) { return new ListBoxWidget(control, parent); }
+WidgetPeer* make_widget(ListView& control, QWidget& parent) { return new ListViewWidget(control, parent); }
+WidgetPeer* make_widget(DirListBox& control, QWidget& parent) { return new DirListWidget(control, parent); }
+WidgetPeer* make_widget(FileListBox& control, QWidget& parent) { return new FileListWidget(control, parent); }
 
 }  // namespace toolkit::qt

@@ -180,14 +180,15 @@ class TimerPeer : public QTimer, public Peer {
 
 }  // namespace
 
-WidgetPeer* make_label(Label& control, QWidget& parent) { return new LabelWidget(control, parent); }
-WidgetPeer* make_text_box(TextBox& control, QWidget& parent) { return new TextBoxWidget(control, parent); }
-WidgetPeer* make_button(Button& control, QWidget& parent) { return new ButtonWidget(control, parent); }
-WidgetPeer* make_check_box(CheckBox& control, QWidget& parent) { return new CheckBoxWidget(control, parent); }
-WidgetPeer* make_frame(Frame& control, QWidget& parent) { return new FrameWidget(control, parent); }
-WidgetPeer* make_picture_box(PictureBox& control, QWidget& parent) {
-    return new PictureWidget(control, parent);
+WidgetPeer* make_widget(Label& control, QWidget& parent) { return new LabelWidget(control, parent); }
+WidgetPeer* make_widget(TextBox& control, QWidget& parent) { return new TextBoxWidget(control, parent); }
+WidgetPeer* make_widget(Button& control, QWidget& parent) { return new ButtonWidget(control, parent); }
+WidgetPeer* make_widget(CheckBox& control, QWidget& parent) { return new CheckBoxWidget(control, parent); }
+WidgetPeer* make_widget(Frame& control, QWidget& parent) { return new FrameWidget(control, parent); }
+WidgetPeer* make_widget(PictureBox& control, QWidget& parent) { return new PictureWidget(control, parent); }
+WidgetPeer* make_widget(Timer& control, QWidget& window) {
+    new TimerPeer(control, window);
+    return nullptr;
 }
-void make_timer(Timer& control, QWidget& window) { new TimerPeer(control, window); }
 
 }  // namespace toolkit::qt

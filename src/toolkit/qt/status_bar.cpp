@@ -53,8 +53,6 @@ class StatusBarWidget : public Shown<QWidget, StatusBar> {
 
 }  // namespace
 
-WidgetPeer* make_status_bar(StatusBar& control, QWidget& parent) {
-    return new StatusBarWidget(control, parent);
-}
+WidgetPeer* make_widget(StatusBar& control, QWidget& parent) { return new StatusBarWidget(control, parent); }
 
 }  // namespace toolkit::qt

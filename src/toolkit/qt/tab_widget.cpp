@@ -76,6 +76,6 @@ class TabWidget : public Shown<QWidget, TabContainer> {
 
 }  // namespace
 
-WidgetPeer* make_tab(TabContainer& control, QWidget& parent) { return new TabWidget(control, parent); }
+WidgetPeer* make_widget(TabContainer& control, QWidget& parent) { return new TabWidget(control, parent); }
 
 }  // namespace toolkit::qt

@@ -2,29 +2,29 @@
 
 #include "toolkit/qt/peer.h"
 
-/// The widgets of the controls, a function for each kind. The parent owns what they make.
+/// The widget of a control, which its parent owns.
 namespace toolkit::qt {
 
-WidgetPeer* make_label(Label& control, QWidget& parent);
-WidgetPeer* make_text_box(TextBox& control, QWidget& parent);
-WidgetPeer* make_button(Button& control, QWidget& parent);
-WidgetPeer* make_check_box(CheckBox& control, QWidget& parent);
-WidgetPeer* make_frame(Frame& control, QWidget& parent);
-WidgetPeer* make_picture_box(PictureBox& control, QWidget& parent);
+WidgetPeer* make_widget(Label& control, QWidget& parent);
+WidgetPeer* make_widget(TextBox& control, QWidget& parent);
+WidgetPeer* make_widget(Button& control, QWidget& parent);
+WidgetPeer* make_widget(CheckBox& control, QWidget& parent);
+WidgetPeer* make_widget(Frame& control, QWidget& parent);
+WidgetPeer* make_widget(PictureBox& control, QWidget& parent);
 
-WidgetPeer* make_list_box(ListBox& control, QWidget& parent);
-WidgetPeer* make_list_view(ListView& control, QWidget& parent);
-WidgetPeer* make_dir_list(DirListBox& control, QWidget& parent);
-WidgetPeer* make_file_list(FileListBox& control, QWidget& parent);
+WidgetPeer* make_widget(ListBox& control, QWidget& parent);
+WidgetPeer* make_widget(ListView& control, QWidget& parent);
+WidgetPeer* make_widget(DirListBox& control, QWidget& parent);
+WidgetPeer* make_widget(FileListBox& control, QWidget& parent);
 
-WidgetPeer* make_combo_box(ComboBox& control, QWidget& parent);
-WidgetPeer* make_drive_list(DriveListBox& control, QWidget& parent);
+WidgetPeer* make_widget(ComboBox& control, QWidget& parent);
+WidgetPeer* make_widget(DriveListBox& control, QWidget& parent);
 
-WidgetPeer* make_tab(TabContainer& control, QWidget& parent);
-WidgetPeer* make_list_bar(ListBar& control, QWidget& parent);
-WidgetPeer* make_status_bar(StatusBar& control, QWidget& parent);
+WidgetPeer* make_widget(TabContainer& control, QWidget& parent);
+WidgetPeer* make_widget(ListBar& control, QWidget& parent);
+WidgetPeer* make_widget(StatusBar& control, QWidget& parent);
 
-/// Has no widget; lives with the window.
-void make_timer(Timer& control, QWidget& window);
+/// None; what is made lives with the window.
+WidgetPeer* make_widget(Timer& control, QWidget& window);
 
 }  // namespace toolkit::qt

@@ -26,50 +26,6 @@ namespace {
 
 QWidget& widget_of(const Control& control) { return static_cast<WidgetPeer*>(control.peer)->widget(); }
 
-template <class C>
-C& as(Control& control) {
-    return static_cast<C&>(control);
-}
-
-WidgetPeer* make_peer(Control& c, QWidget& parent) {
-    switch (c.kind()) {
-        case Kind::label:
-            return make_label(as<Label>(c), parent);
-        case Kind::text_box:
-            return make_text_box(as<TextBox>(c), parent);
-        case Kind::button:
-            return make_button(as<Button>(c), parent);
-        case Kind::check_box:
-            return make_check_box(as<CheckBox>(c), parent);
-        case Kind::list_box:
-            return make_list_box(as<ListBox>(c), parent);
-        case Kind::combo_box:
-            return make_combo_box(as<ComboBox>(c), parent);
-        case Kind::list_view:
-            return make_list_view(as<ListView>(c), parent);
-        case Kind::frame:
-            return make_frame(as<Frame>(c), parent);
-        case Kind::tab:
-            return make_tab(as<TabContainer>(c), parent);
-        case Kind::list_bar:
-            return make_list_bar(as<ListBar>(c), parent);
-        case Kind::status_bar:
-            return make_status_bar(as<StatusBar>(c), parent);
-        case Kind::picture_box:
-            return make_picture_box(as<PictureBox>(c), parent);
-        case Kind::dir_list:
-            return make_dir_list(as<DirListBox>(c), parent);
-        case Kind::drive_list:
-            return make_drive_list(as<DriveListBox>(c), parent);
-        case Kind::file_list:
-            return make_file_list(as<FileListBox>(c), parent);
-        case Kind::timer:
-            make_timer(as<Timer>(c), parent);
-            break;
-    }
-    return nullptr;
-}
-
 }  // namespace
 
 Window::Window(Form& form)
@@ -117,7 +73,8 @@ void Window::make_controls() {
 void Window::make(Control& control) {
     if (control.peer) return;
     if (control.parent()) make(*control.parent());
-    WidgetPeer* peer = make_peer(control, control.parent() ? widget_of(*control.parent()) : *client_);
+    QWidget& parent = control.parent() ? widget_of(*control.parent()) : *client_;
+    WidgetPeer* peer = visit(control, [&](auto& any) { return make_widget(any, parent); });
     if (peer) peer->refresh(control, Change::all);
 }
 

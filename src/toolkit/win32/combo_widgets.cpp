@@ -173,10 +173,8 @@ class DriveListWidget : public ListOnlyCombo<DriveListBox> {
 
 }  // namespace
 
-Made make_combo_box(ComboBox& control, HWND parent) {
-    return std::make_unique<ComboBoxWidget>(control, parent);
-}
-Made make_drive_list(DriveListBox& control, HWND parent) {
+Made make_widget(ComboBox& control, HWND parent) { return std::make_unique<ComboBoxWidget>(control, parent); }
+Made make_widget(DriveListBox& control, HWND parent) {
     return std::make_unique<DriveListWidget>(control, parent);
 }
 

@@ -194,6 +194,6 @@ class ListBarWidget : public Drawn<ListBar> {
 
 }  // namespace
 
-Made make_list_bar(ListBar& control, HWND parent) { return std::make_unique<ListBarWidget>(control, parent); }
+Made make_widget(ListBar& control, HWND parent) { return std::make_unique<ListBarWidget>(control, parent); }
 
 }  // namespace toolkit::win32

@@ -266,14 +266,12 @@ class ListViewWidget : public Shown<ListView> {
 
 }  // namespace
 
-Made make_list_box(ListBox& control, HWND parent) { return std::make_unique<ListBoxWidget>(control, parent); }
-Made make_list_view(ListView& control, HWND parent) {
-    return std::make_unique<ListViewWidget>(control, parent);
-}
-Made make_dir_list(DirListBox& control, HWND parent) {
+Made make_widget(ListBox& control, HWND parent) { return std::make_unique<ListBoxWidget>(control, parent); }
+Made make_widget(ListView& control, HWND parent) { return std::make_unique<ListViewWidget>(control, parent); }
+Made make_widget(DirListBox& control, HWND parent) {
     return std::make_unique<DirListWidget>(control, parent);
 }
-Made make_file_list(FileListBox& control, HWND parent) {
+Made make_widget(FileListBox& control, HWND parent) {
     return std::make_unique<FileListWidget>(control, parent);
 }
 

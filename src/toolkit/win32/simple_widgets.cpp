@@ -135,14 +135,12 @@ class PictureWidget : public Drawn<PictureBox> {
 
 }  // namespace
 
-Made make_label(Label& control, HWND parent) { return std::make_unique<LabelWidget>(control, parent); }
-Made make_text_box(TextBox& control, HWND parent) { return std::make_unique<TextBoxWidget>(control, parent); }
-Made make_button(Button& control, HWND parent) { return std::make_unique<ButtonWidget>(control, parent); }
-Made make_check_box(CheckBox& control, HWND parent) {
-    return std::make_unique<CheckBoxWidget>(control, parent);
-}
-Made make_frame(Frame& control, HWND parent) { return std::make_unique<FrameWidget>(control, parent); }
-Made make_picture_box(PictureBox& control, HWND parent) {
+Made make_widget(Label& control, HWND parent) { return std::make_unique<LabelWidget>(control, parent); }
+Made make_widget(TextBox& control, HWND parent) { return std::make_unique<TextBoxWidget>(control, parent); }
+Made make_widget(Button& control, HWND parent) { return std::make_unique<ButtonWidget>(control, parent); }
+Made make_widget(CheckBox& control, HWND parent) { return std::make_unique<CheckBoxWidget>(control, parent); }
+Made make_widget(Frame& control, HWND parent) { return std::make_unique<FrameWidget>(control, parent); }
+Made make_widget(PictureBox& control, HWND parent) {
     return std::make_unique<PictureWidget>(control, parent);
 }
 

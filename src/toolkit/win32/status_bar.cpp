@@ -56,7 +56,7 @@ class StatusBarWidget : public Drawn<StatusBar> {
 
 }  // namespace
 
-Made make_status_bar(StatusBar& control, HWND parent) {
+Made make_widget(StatusBar& control, HWND parent) {
     return std::make_unique<StatusBarWidget>(control, parent);
 }
 

@@ -51,6 +51,6 @@ class TabWidget : public Shown<TabContainer> {
 
 }  // namespace
 
-Made make_tab(TabContainer& control, HWND parent) { return std::make_unique<TabWidget>(control, parent); }
+Made make_widget(TabContainer& control, HWND parent) { return std::make_unique<TabWidget>(control, parent); }
 
 }  // namespace toolkit::win32

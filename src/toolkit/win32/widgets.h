@@ -4,28 +4,31 @@
 
 #include "toolkit/win32/widget.h"
 
-/// The widgets of the controls, a function for each kind.
+/// The widget of a control.
 namespace toolkit::win32 {
 
 using Made = std::unique_ptr<Widget>;
 
-Made make_label(Label& control, HWND parent);
-Made make_text_box(TextBox& control, HWND parent);
-Made make_button(Button& control, HWND parent);
-Made make_check_box(CheckBox& control, HWND parent);
-Made make_frame(Frame& control, HWND parent);
-Made make_picture_box(PictureBox& control, HWND parent);
+Made make_widget(Label& control, HWND parent);
+Made make_widget(TextBox& control, HWND parent);
+Made make_widget(Button& control, HWND parent);
+Made make_widget(CheckBox& control, HWND parent);
+Made make_widget(Frame& control, HWND parent);
+Made make_widget(PictureBox& control, HWND parent);
 
-Made make_list_box(ListBox& control, HWND parent);
-Made make_list_view(ListView& control, HWND parent);
-Made make_dir_list(DirListBox& control, HWND parent);
-Made make_file_list(FileListBox& control, HWND parent);
+Made make_widget(ListBox& control, HWND parent);
+Made make_widget(ListView& control, HWND parent);
+Made make_widget(DirListBox& control, HWND parent);
+Made make_widget(FileListBox& control, HWND parent);
 
-Made make_combo_box(ComboBox& control, HWND parent);
-Made make_drive_list(DriveListBox& control, HWND parent);
+Made make_widget(ComboBox& control, HWND parent);
+Made make_widget(DriveListBox& control, HWND parent);
 
-Made make_tab(TabContainer& control, HWND parent);
-Made make_list_bar(ListBar& control, HWND parent);
-Made make_status_bar(StatusBar& control, HWND parent);
+Made make_widget(TabContainer& control, HWND parent);
+Made make_widget(ListBar& control, HWND parent);
+Made make_widget(StatusBar& control, HWND parent);
+
+/// It has none.
+inline Made make_widget(Timer&, HWND) { return nullptr; }
 
 }  // namespace toolkit::win32

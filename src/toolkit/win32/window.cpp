@@ -28,44 +28,6 @@ Widget* widget_of(const Control& control) {
     return control.kind() == Kind::timer ? nullptr : static_cast<Widget*>(control.peer);
 }
 
-Made make_widget(Control& c, HWND parent) {
-    switch (c.kind()) {
-        case Kind::label:
-            return make_label(as<Label>(c), parent);
-        case Kind::text_box:
-            return make_text_box(as<TextBox>(c), parent);
-        case Kind::button:
-            return make_button(as<Button>(c), parent);
-        case Kind::check_box:
-            return make_check_box(as<CheckBox>(c), parent);
-        case Kind::list_box:
-            return make_list_box(as<ListBox>(c), parent);
-        case Kind::combo_box:
-            return make_combo_box(as<ComboBox>(c), parent);
-        case Kind::list_view:
-            return make_list_view(as<ListView>(c), parent);
-        case Kind::frame:
-            return make_frame(as<Frame>(c), parent);
-        case Kind::tab:
-            return make_tab(as<TabContainer>(c), parent);
-        case Kind::list_bar:
-            return make_list_bar(as<ListBar>(c), parent);
-        case Kind::status_bar:
-            return make_status_bar(as<StatusBar>(c), parent);
-        case Kind::picture_box:
-            return make_picture_box(as<PictureBox>(c), parent);
-        case Kind::dir_list:
-            return make_dir_list(as<DirListBox>(c), parent);
-        case Kind::drive_list:
-            return make_drive_list(as<DriveListBox>(c), parent);
-        case Kind::file_list:
-            return make_file_list(as<FileListBox>(c), parent);
-        case Kind::timer:
-            break;
-    }
-    return nullptr;
-}
-
 void register_form_class(WNDPROC procedure) {
     WNDCLASSA kind{};
     kind.lpfnWndProc = procedure;
@@ -118,7 +80,7 @@ void Window::make(Control& control) {
     }
     if (control.parent()) make(*control.parent());
     HWND const parent = control.parent() ? widget_of(*control.parent())->handle() : handle_;
-    widgets_.push_back(make_widget(control, parent));
+    widgets_.push_back(visit(control, [&](auto& any) { return make_widget(any, parent); }));
     widgets_.back()->refresh(control, Change::all);
 }
 
