@@ -41,7 +41,7 @@ Result<FileLock> FileLock::hold(const HostPlace& place, OpenFile opened, Purpose
     return FileLock(std::move(opened.file));
 }
 
-void FileLock::release() const {
+FileLock::~FileLock() {
     if (file_.is_open()) (void)flock(file_.number(), LOCK_UN);
 }
 

@@ -24,14 +24,11 @@ class FileLock {
         std::swap(file_, other.file_);
         return *this;
     }
-    ~FileLock() { release(); }
+    ~FileLock();
 
     int descriptor() const { return file_.number(); }
     /// For another process of ours, which goes on with the lock: this one lets go of it.
     Descriptor hand_over() { return std::move(file_); }
-    /// The file stays open: with the last who has a replaced one open goes its room on the disk, which takes
-    /// a while.
-    void release() const;
 
   private:
     static Result<FileLock> hold(const HostPlace& place, OpenFile opened, Purpose purpose);

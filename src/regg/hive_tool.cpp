@@ -102,8 +102,7 @@ Result<Done> write_changes(Setting& setting, const MountRecord& record, Run& run
         report.detail = "the unfinished changes of a run that was broken off are dropped";
     }
     const auto removed = setting.mounts.remove(hive->record.mount);  // while nobody else can add to it
-    hive->lock.release();
-    run.remains = std::make_shared<const machine::MountedHive>(std::move(*hive));
+    run.remains = std::make_shared<const regf::HiveFile>(std::move(hive->file));
     // A record that tells of a hive that is written is no mount: the next one who finds it clears it away.
     return removed || report.changed > 0 ? Done{} : removed;
 } catch (const std::bad_alloc&) {

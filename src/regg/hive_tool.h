@@ -23,8 +23,8 @@ struct Setting {
 struct Run {
     machine::ToolReport report;
     std::optional<machine::HandedHive> hive;  ///< that was loaded
-    /// What the work leaves behind. It is cleared away after the report: nobody need wait for that.
-    std::shared_ptr<const void> remains;
+    /// What lies in memory. It is cleared away after the report: nobody need wait for that.
+    std::shared_ptr<const regf::HiveFile> remains;
 };
 
 /// `load <file> HKU\<name>` or `unload HKU\<name>`, words in UTF-8. After a success too the report may have a
