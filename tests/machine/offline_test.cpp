@@ -483,3 +483,15 @@ TEST(MountRecord, EndsAtTheFirstFrameThatIsNotWhole) {
         EXPECT_EQ(record->sealed, std::vector<regf::Change>(at >= sealed.size() ? 1 : 0, change)) << at;
     }
 }
+
+TEST(MountTable, RemovesNoMountButTheOneItIsToldOf) {
+    TemporaryFolder folder;
+    const MountTable table((folder.path() / "mounts").string());
+    const Mount ours{"Anna", "C:\\x", {1, 2, 3, 4}};
+    const Mount theirs{"Anna", "C:\\x", {1, 5, 5, 6}};
+    ASSERT_TRUE(table.add(theirs));
+    EXPECT_TRUE(table.remove(ours)) << "it is gone";
+    EXPECT_EQ(table.find("anna")->mount, theirs);
+    EXPECT_TRUE(table.remove(theirs));
+    EXPECT_FALSE(table.find("Anna"));
+}
