@@ -16,6 +16,7 @@
 #include <QPushButton>
 
 #include "base/runtime_error.h"
+#include "toolkit/page_printer.h"
 #include "toolkit/qt/conversion.h"
 
 namespace toolkit::qt {
@@ -25,37 +26,28 @@ namespace {
 constexpr double twips_per_inch = 1440;
 /// The corner that lengths are measured from. Every printer reaches it.
 constexpr double corner = 360;
-/// Lines end above this; a text with a place of its own may stand below.
-constexpr double bottom = 15480;
 
-class PagePrinter : public Printer {
+class QtPrinter : public PagePrinter {
   public:
-    explicit PagePrinter(const PrinterChoice& choice);
-    ~PagePrinter() override;
+    explicit QtPrinter(const PrinterChoice& choice);
+    ~QtPrinter() override;
 
     void set_font(const Font& font) override;
-    void set_left(int twips) override;
-    void print(std::string_view ansi) override;
-    void tab(int column) override;
-    void end_line() override;
-    void set_position(int x, int y) override;
-    void new_page() override;
     void end_document() override;
 
   private:
+    Metrics metrics() override;
+    double draw(double x, double y, std::string_view ansi) override;
+    void turn_page() override;
     double pixels_of(double twips) const { return twips * printer_.resolution() / twips_per_inch; }
     double twips_of(double pixels) const { return pixels * twips_per_inch / printer_.resolution(); }
-    QFontMetricsF metrics() { return {painter_.font(), &printer_}; }
-    void make_room();
+    QFontMetricsF font_metrics() { return {painter_.font(), &printer_}; }
 
     QPrinter printer_{QPrinter::HighResolution};
     QPainter painter_;
-    double left_ = 0;
-    double x_ = 0, y_ = 0;  // twips; x_ from the beginning of the line
-    bool placed_ = false;   // the next text stands where it was put, on whatever page this is
 };
 
-PagePrinter::PagePrinter(const PrinterChoice& choice) {
+QtPrinter::QtPrinter(const PrinterChoice& choice) {
     if (choice.pdf_file.isEmpty()) {
         // Of a queue that has gone Qt says nothing, and the document is lost.
         if (QPrinterInfo::printerInfo(choice.printer).isNull()) throw RuntimeError(482);
@@ -70,58 +62,35 @@ PagePrinter::PagePrinter(const PrinterChoice& choice) {
     if (!printer_.isValid() || !painter_.begin(&printer_)) throw RuntimeError(482);
 }
 
-PagePrinter::~PagePrinter() {
+QtPrinter::~QtPrinter() {
     if (!painter_.isActive()) return;
     printer_.abort();
     if (!printer_.outputFileName().isEmpty()) (void)QFile::remove(printer_.outputFileName());
 }
 
-void PagePrinter::set_font(const Font& font) {
+void QtPrinter::set_font(const Font& font) {
     QFont wanted(QString::fromStdString(font.name));
     wanted.setPointSize(font.points);
     wanted.setBold(font.bold);
     painter_.setFont(QFont(wanted, &printer_));
 }
 
-void PagePrinter::set_left(int twips) { left_ = -twips; }
-
-void PagePrinter::make_room() {
-    if (!placed_ && y_ + twips_of(metrics().height()) > bottom) new_page();
+PagePrinter::Metrics QtPrinter::metrics() {
+    return {twips_of(font_metrics().height()), twips_of(font_metrics().averageCharWidth())};
 }
 
-void PagePrinter::print(std::string_view ansi) {
-    make_room();
+double QtPrinter::draw(double x, double y, std::string_view ansi) {
     const QString text = shown(ansi);
-    const QPointF baseline(pixels_of(corner + left_ + x_), pixels_of(corner + y_) + metrics().ascent());
+    const QPointF baseline(pixels_of(corner + x), pixels_of(corner + y) + font_metrics().ascent());
     painter_.drawText(baseline, text);
-    x_ += twips_of(metrics().horizontalAdvance(text));
+    return twips_of(font_metrics().horizontalAdvance(text));
 }
 
-void PagePrinter::tab(int column) {
-    const double place = (column - 1) * twips_of(metrics().averageCharWidth());
-    if (x_ > place) end_line();
-    x_ = place;
-}
-
-void PagePrinter::end_line() {
-    make_room();
-    x_ = 0;
-    y_ += twips_of(metrics().height());
-    placed_ = false;
-}
-
-void PagePrinter::set_position(int x, int y) {
-    x_ = x;
-    y_ = y;
-    placed_ = true;
-}
-
-void PagePrinter::new_page() {
+void QtPrinter::turn_page() {
     if (!printer_.newPage()) throw RuntimeError(482);
-    x_ = y_ = 0;
 }
 
-void PagePrinter::end_document() {
+void QtPrinter::end_document() {
     if (!painter_.end() || printer_.printerState() == QPrinter::Error) throw RuntimeError(482);
 }
 
@@ -199,7 +168,7 @@ PrinterChoice PrinterChoice::usual() {
 }
 
 std::unique_ptr<Printer> open_printer(const PrinterChoice& choice) {
-    return std::make_unique<PagePrinter>(choice);
+    return std::make_unique<QtPrinter>(choice);
 }
 
 void ask_printer(PrinterChoice& choice, Language language, QWidget* parent) {

@@ -1,16 +1,17 @@
 #include "toolkit/win32/printer.h"
 
+#include <cmath>
+
 #include "base/runtime_error.h"
+#include "toolkit/page_printer.h"
 #include "toolkit/win32/units.h"
 
 namespace toolkit::win32 {
 
 namespace {
 
-constexpr int twips_per_inch = 1440;
+constexpr double twips_per_inch = 1440;
 constexpr int points_per_inch = 72;
-/// Lines end above this; a text with a place of its own may stand below.
-constexpr int bottom = 15480;
 
 /// Memory of the system that is read while this lives.
 template <class T>
@@ -28,39 +29,28 @@ class Locked {
     T* data_;
 };
 
-class PagePrinter : public Printer {
+class GdiPrinter : public PagePrinter {
   public:
     /// Owns the device context from the first moment.
-    explicit PagePrinter(HDC dc);
-    ~PagePrinter() override;
+    explicit GdiPrinter(HDC dc);
+    ~GdiPrinter() override;
 
     void set_font(const Font& font) override;
-    void set_left(int twips) override { left_ = -twips; }
-    void print(std::string_view ansi) override;
-    void tab(int column) override;
-    void end_line() override;
-    void set_position(int x, int y) override;
-    void new_page() override;
     void end_document() override;
 
   private:
-    int wide(int twips) const { return MulDiv(twips, GetDeviceCaps(dc_, LOGPIXELSX), twips_per_inch); }
-    int high(int twips) const { return MulDiv(twips, GetDeviceCaps(dc_, LOGPIXELSY), twips_per_inch); }
-    int twips_wide(int dots) const { return MulDiv(dots, twips_per_inch, GetDeviceCaps(dc_, LOGPIXELSX)); }
-    int twips_high(int dots) const { return MulDiv(dots, twips_per_inch, GetDeviceCaps(dc_, LOGPIXELSY)); }
-    TEXTMETRICA metrics() const;
-    int line_height() const { return twips_high(metrics().tmHeight); }
-    void make_room();
+    Metrics metrics() override;
+    double draw(double x, double y, std::string_view ansi) override;
+    void turn_page() override;
+    /// Which of the device's resolutions: LOGPIXELSX or LOGPIXELSY.
+    double dots_per_twip(int which) const { return GetDeviceCaps(dc_, which) / twips_per_inch; }
 
     HDC dc_;
     HFONT font_ = nullptr;
     bool is_open_ = false;
-    int left_ = 0;
-    int x_ = 0, y_ = 0;    // twips; x_ from the beginning of the line
-    bool placed_ = false;  // the next text stands where it was put, on whatever page this is
 };
 
-PagePrinter::PagePrinter(HDC dc) : dc_(dc) {
+GdiPrinter::GdiPrinter(HDC dc) : dc_(dc) {
     DOCINFOA document{};
     document.cbSize = sizeof document;
     document.lpszDocName = "Brightlock Suite";
@@ -71,19 +61,19 @@ PagePrinter::PagePrinter(HDC dc) : dc_(dc) {
     throw RuntimeError(482);
 }
 
-PagePrinter::~PagePrinter() {
+GdiPrinter::~GdiPrinter() {
     if (is_open_) AbortDoc(dc_);
     DeleteDC(dc_);
     if (font_) DeleteObject(font_);
 }
 
-TEXTMETRICA PagePrinter::metrics() const {
+PagePrinter::Metrics GdiPrinter::metrics() {
     TEXTMETRICA metrics;
     GetTextMetricsA(dc_, &metrics);
-    return metrics;
+    return {metrics.tmHeight / dots_per_twip(LOGPIXELSY), metrics.tmAveCharWidth / dots_per_twip(LOGPIXELSX)};
 }
 
-void PagePrinter::set_font(const Font& font) {
+void GdiPrinter::set_font(const Font& font) {
     HFONT const before = font_;
     font_ =
         CreateFontA(-MulDiv(font.points, GetDeviceCaps(dc_, LOGPIXELSY), points_per_inch), 0, 0, 0,
@@ -93,45 +83,21 @@ void PagePrinter::set_font(const Font& font) {
     if (before) DeleteObject(before);
 }
 
-void PagePrinter::make_room() {
-    if (!placed_ && y_ + line_height() > bottom) new_page();
-}
-
-void PagePrinter::print(std::string_view ansi) {
-    make_room();
+double GdiPrinter::draw(double x, double y, std::string_view ansi) {
     const auto length = static_cast<int>(ansi.size());
-    TextOutA(dc_, wide(left_ + x_), high(y_), ansi.data(), length);
+    const double wide = dots_per_twip(LOGPIXELSX);
+    TextOutA(dc_, std::lround(x * wide), std::lround(y * dots_per_twip(LOGPIXELSY)), ansi.data(), length);
     SIZE size{};
     GetTextExtentPoint32A(dc_, ansi.data(), length, &size);
-    x_ += twips_wide(size.cx);
+    return size.cx / wide;
 }
 
-void PagePrinter::tab(int column) {
-    const int place = (column - 1) * twips_wide(metrics().tmAveCharWidth);
-    if (x_ > place) end_line();
-    x_ = place;
-}
-
-void PagePrinter::end_line() {
-    make_room();
-    x_ = 0;
-    y_ += line_height();
-    placed_ = false;
-}
-
-void PagePrinter::set_position(int x, int y) {
-    x_ = x;
-    y_ = y;
-    placed_ = true;
-}
-
-void PagePrinter::new_page() {
+void GdiPrinter::turn_page() {
     if (EndPage(dc_) <= 0 || StartPage(dc_) <= 0) throw RuntimeError(482);
     if (font_) SelectObject(dc_, font_);  // Windows 95 forgets it with the page
-    x_ = y_ = 0;
 }
 
-void PagePrinter::end_document() {
+void GdiPrinter::end_document() {
     const bool page_is_out = EndPage(dc_) > 0;
     if (!page_is_out || EndDoc(dc_) <= 0) throw RuntimeError(482);
     is_open_ = false;
@@ -176,7 +142,7 @@ std::unique_ptr<Printer> PrinterChoice::open() {
     HDC const dc =
         CreateDCA(text_at(names->wDriverOffset), text_at(names->wDeviceOffset), nullptr, settings.get());
     if (!dc) throw RuntimeError(482);
-    return std::make_unique<PagePrinter>(dc);
+    return std::make_unique<GdiPrinter>(dc);
 }
 
 }  // namespace toolkit::win32
