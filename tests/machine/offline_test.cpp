@@ -491,7 +491,9 @@ TEST(MountTable, RemovesNoMountButTheOneItIsToldOf) {
     const Mount theirs{"Anna", "C:\\x", {1, 5, 5, 6}};
     ASSERT_TRUE(table.add(theirs));
     EXPECT_TRUE(table.remove(ours)) << "it is gone";
-    EXPECT_EQ(table.find("anna")->mount, theirs);
+    const auto found = table.find("anna");
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->mount, theirs);
     EXPECT_TRUE(table.remove(theirs));
     EXPECT_FALSE(table.find("Anna"));
 }
