@@ -1,7 +1,6 @@
 #include "hostfile/replacement.h"
 
 #include <linux/fs.h>
-#include <linux/limits.h>
 #include <linux/msdos_fs.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
@@ -10,6 +9,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <functional>
+#include <optional>
 #include <set>
 
 namespace hostfile {
@@ -26,14 +27,26 @@ std::string temporary_prefix(const std::string& name) {
     return prefix;
 }
 
+/// What `ask` writes into a buffer of a size, and says the size of where it is given none. None: errno tells
+/// why. Asked anew where it grew meanwhile.
+std::optional<std::string> of_any_size(const char* call, const std::function<ssize_t(char*, size_t)>& ask) {
+    for (;;) {
+        const ssize_t size = attempt(call, [&] { return ask(nullptr, 0); });
+        if (size < 0) return std::nullopt;
+        std::string content(static_cast<size_t>(size), '\0');
+        if (size == 0) return content;
+        const ssize_t got = attempt(call, [&] { return ask(content.data(), content.size()); });
+        if (got < 0 && errno == ERANGE) continue;
+        if (got < 0) return std::nullopt;
+        content.resize(static_cast<size_t>(got));
+        return content;
+    }
+}
+
 /// None: the file has no such attribute, or not for us to see.
 std::optional<std::string> attribute(int file, const std::string& name) {
-    std::string value(XATTR_SIZE_MAX, '\0');
-    const ssize_t size =
-        attempt("fgetxattr", [&] { return fgetxattr(file, name.c_str(), value.data(), value.size()); });
-    if (size < 0) return std::nullopt;
-    value.resize(static_cast<size_t>(size));
-    return value;
+    return of_any_size("fgetxattr",
+                       [&](char* value, size_t size) { return fgetxattr(file, name.c_str(), value, size); });
 }
 
 }  // namespace
@@ -127,16 +140,15 @@ Result<Done> Replacement::keep_owner(int old) const {
 }
 
 Result<Done> Replacement::keep_extended_attributes(int old) const {
-    std::string names(XATTR_LIST_MAX, '\0');
-    const ssize_t length = attempt("flistxattr", [&] { return flistxattr(old, names.data(), names.size()); });
+    const auto names =
+        of_any_size("flistxattr", [&](char* list, size_t size) { return flistxattr(old, list, size); });
     Result<Done> kept = Done{};
-    if (length < 0 && errno != ENOTSUP && errno != ENOSYS)
+    if (!names && errno != ENOTSUP && errno != ENOSYS)
         kept = system_error(place_.name, "its attributes cannot be read");
-    names.resize(static_cast<size_t>(std::max<ssize_t>(length, 0)));
     std::set<std::string> wanted{"system.ntfs_acl", "system.ntfs_security", ntfs_attributes,
                                  "system.ntfs_crtime"};  // drivers do not list these
-    for (size_t at = 0; at < names.size(); at += std::strlen(&names[at]) + 1)
-        wanted.insert(&names[at]);
+    for (size_t at = 0; names && at < names->size(); at += std::strlen(&(*names)[at]) + 1)
+        wanted.insert(&(*names)[at]);
     for (const std::string& name : wanted) {
         const auto value = attribute(old, name);
         if (!value && errno == EIO && kept) kept = system_error(place_.name, "its attributes cannot be read");
@@ -159,13 +171,15 @@ Result<Done> Replacement::keep_dos_attributes(int old) const {
     return Done{};
 }
 
-std::future<Result<Done>> Replacement::begin_to_flush() const {
-    // Where no thread is to be had it is done when it is asked for.
-    return std::async([file = descriptor(), name = place_.name, failure = planned_failure("fsync")] {
-        errno = failure;
-        const bool done = failure == 0 && fsync(file) == 0;
-        return done ? Result<Done>(Done{}) : system_error(name, "cannot be flushed");
-    });
+void Replacement::begin_to_flush() const {
+    // A file system that knows nothing of it begins when it is flushed.
+    (void)attempt("sync_file_range",
+                  [&] { return sync_file_range(descriptor(), 0, 0, SYNC_FILE_RANGE_WRITE); });
+}
+
+Result<Done> Replacement::flush() const {
+    if (attempt("fsync", [&] { return fsync(descriptor()); }) == 0) return Done{};
+    return system_error(place_.name, "cannot be flushed");
 }
 
 int Replacement::rename(Old old) const {

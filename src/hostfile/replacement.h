@@ -2,8 +2,6 @@
 
 #include <optional>
 
-#include <future>
-
 #include "hostfile/place.h"
 
 namespace hostfile {
@@ -40,9 +38,9 @@ class Replacement {
     /// read), or the attributes that FAT keeps. All that can be kept is; an error tells of the first that
     /// cannot.
     Result<Done> take_over(int old) const;
-    /// Goes on while the caller does something else with the file.
-    std::future<Result<Done>> begin_to_flush() const;
-    Result<Done> flush() const { return begin_to_flush().get(); }
+    /// Lets the disk begin, while the caller does something else with the file; flush() ends it.
+    void begin_to_flush() const;
+    Result<Done> flush() const;
     /// A new file in the place of one that is there: `refused`, where the file system can tell in one step.
     enum class Old { may_exist, must_be_new };
     /// `uncertain` too where the folder is not to be flushed.

@@ -193,7 +193,7 @@ Result<Done> write_changed_pages(int file, const Hive::Sealed& sealed, const std
 
 /// Empty where the file does not hold these bytes, or ends too soon.
 Result<bool> holds(int file, ByteView bytes, uint64_t at, const std::string& name) {
-    std::array<uint8_t, size_t{256} << 10> piece;  // NOLINT: filled before it is read
+    std::array<uint8_t, size_t{32} << 10> piece;  // NOLINT: filled before it is read
     while (!bytes.empty()) {
         const size_t size = std::min(bytes.size(), piece.size());
         const ssize_t got =
@@ -245,10 +245,9 @@ Result<Done> fill(const Replacement& replacement, const Hive::Sealed& sealed, co
     if (old) {
         if (auto kept = replacement.take_over(old->file.number()); !kept) return kept;
     }
-    auto flushing = replacement.begin_to_flush();
+    replacement.begin_to_flush();
     const auto compared = compare(replacement, sealed, name, copied ? old : nullptr);
-    const auto flushed = flushing.get();
-    return compared ? flushed : compared;
+    return compared ? replacement.flush() : compared;
 }
 
 /// The file, where one may be put in its place.

@@ -45,12 +45,13 @@ def set_password():
 
 
 def make_tool():
-    """A regg.exe that runs the real one under strace where the environment asks for it."""
+    """A regg.exe that runs the real one under strace where the environment asks for it: the first one loads, the second unloads."""
     os.mkdir(tools)
     shutil.copy(bin_folder + "/britlock", tools)
     with open(tools + "/regg.exe", "w") as tool:
-        tool.write('#!/bin/sh\n[ "$1" = "$TRACED" ] && exec strace -f -o "$TRACE" $INJECT "%s/regg.exe" "$@"\n'
-                   'exec "%s/regg.exe" "$@"\n' % (bin_folder, bin_folder))
+        tool.write('#!/bin/sh\nset -C\nfor number in load unload spare; do (: > "$TRACE.$number") 2>/dev/null && break; done\n'
+                   '[ "$number" = "$TRACED" ] && exec strace -f -o "$TRACE" $INJECT "%s/regg.exe"\n'
+                   'exec "%s/regg.exe"\n' % (bin_folder, bin_folder))
     os.chmod(tools + "/regg.exe", 0o755)
 
 
@@ -84,6 +85,9 @@ def apply(process=None, inject=()):
     words = [tools + "/britlock", "apply", folder + "/set.brl", "--user", "Anna", "--machine", disk, "--state", state,
              "--password-fd", "0"]
     trace = folder + "/trace"
+    for name in os.listdir(folder):
+        if name.startswith("trace."):
+            os.remove(folder + "/" + name)
     environment = dict(os.environ, TRACED=process or "", TRACE=trace, INJECT=" ".join(inject))
     if process == "program":
         words = ["strace", "-o", trace, *inject, *words]
@@ -96,13 +100,13 @@ def apply(process=None, inject=()):
 
 def calls_of(process):
     """How often each system call is made after the process is itself."""
-    fresh()
-    apply(process)
-    counts = collections.Counter()
-    for line in open(folder + "/trace"):
-        if found := re.match(r"(?:\d+ +)?(\w+)\(", line):
-            counts[found[1]] += 1
-    return counts
+    while True:
+        fresh()
+        apply(process)
+        calls = re.findall(r"^(?:\d+ +)?(\w+)\(", open(folder + "/trace").read(), re.MULTILINE)
+        # The one that loads reads the hive. The second tool is started while the first begins, and may overtake it.
+        if process == "program" or ("sendfile" in calls) == (process == "load"):
+            return collections.Counter(calls)
 
 
 def cases():

@@ -135,7 +135,7 @@ TEST_F(HiveFiles, ChangedMeanwhileAreLeftAlone) {
 TEST_F(HiveFiles, ThatReadBackOtherwiseThanTheyWereWrittenStayOld) {
     fail_system_call = [&](const std::string& call) {
         for (const auto& entry : fs::directory_iterator(folder.path())) {
-            if (call != "fsync" || entry.path() == place.path()) continue;
+            if (call != "sync_file_range" || entry.path() == place.path()) continue;
             Bytes written = read_file(entry.path());
             written[written.size() / 2] ^= 1;
             write_file(entry.path(), written);

@@ -1,7 +1,9 @@
 #include "machine/offline/handed_hive.h"
 
+#include <fcntl.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 
@@ -38,8 +40,10 @@ std::optional<HandedHive> hive_in(msghdr& header) {
 
 Channel Channel::open() {
     std::array<int, 2> ends{-1, -1};
-    (void)socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, ends.data());
-    return {Descriptor(ends[0]), Descriptor(ends[1])};
+    if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) return {};
+    Channel channel{Descriptor(ends[0]), Descriptor(ends[1])};
+    if (fcntl(channel.ours.number(), F_SETFL, O_NONBLOCK) != 0) return {};
+    return channel;
 }
 
 bool send(int channel, std::string_view bytes, const std::optional<HandedHive>& hive) {
@@ -62,15 +66,12 @@ bool send(int channel, std::string_view bytes, const std::optional<HandedHive>& 
 }
 
 std::string receive(int channel, std::optional<HandedHive>& hive) {
-    std::string bytes;
-    std::array<char, 4096> piece{};
-    for (;;) {
-        Message message(piece.data(), piece.size());
-        const ssize_t size = recvmsg(channel, &message.header, MSG_CMSG_CLOEXEC);
-        if (size <= 0) return bytes;
-        if (auto handed = hive_in(message.header)) hive = std::move(handed);
-        bytes.append(piece.data(), static_cast<size_t>(size));
-    }
+    const ssize_t size = recv(channel, nullptr, 0, MSG_PEEK | MSG_TRUNC);
+    std::string bytes(static_cast<size_t>(std::max<ssize_t>(size, 0)), '\0');
+    Message message(bytes.data(), bytes.size());
+    if (bytes.empty() || recvmsg(channel, &message.header, MSG_CMSG_CLOEXEC) != size) return {};
+    if (auto handed = hive_in(message.header)) hive = std::move(handed);
+    return bytes;
 }
 
 }  // namespace machine

@@ -17,16 +17,17 @@ struct HandedHive {
     Descriptor memory;  ///< not open: there is only the lock
 };
 
-/// Two ends of a channel that takes what the hive tool reports; neither waits. Not open where there is none.
+/// Two ends of a channel for messages between the program and the hive tool. The program never waits at its
+/// end. Not open where there is none.
 struct Channel {
     static Channel open();
     Descriptor ours;
     Descriptor of_tool;
 };
 
-/// False where nobody is there to read it.
+/// A message, and a hive with it. False where nobody is there to read it.
 bool send(int channel, std::string_view bytes, const std::optional<HandedHive>& hive);
-/// All that has come.
+/// The next message; empty where there is none, or nobody left who could send one.
 std::string receive(int channel, std::optional<HandedHive>& hive);
 
 }  // namespace machine

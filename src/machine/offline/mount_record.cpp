@@ -10,20 +10,36 @@ namespace {
 
 enum class Frame : uint8_t { mount = 'M', change = 'C', seal = 'S', failure = 'F' };
 
-constexpr std::array<uint32_t, 256> crc_of_byte = [] {
-    std::array<uint32_t, 256> table{};
-    for (uint32_t byte = 0; byte < table.size(); ++byte) {
-        table[byte] = byte;
+/// One table for each place that a byte has among four.
+constexpr auto crc_tables = [] {
+    std::array<std::array<uint32_t, 256>, 4> tables{};
+    for (uint32_t byte = 0; byte < 256; ++byte) {
+        uint32_t crc = byte;
         for (int bit = 0; bit < 8; ++bit)
-            table[byte] = (table[byte] >> 1) ^ ((table[byte] & 1) != 0 ? 0xEDB88320 : 0);
+            crc = (crc >> 1) ^ ((crc & 1) != 0 ? 0xEDB88320 : 0);
+        tables[0][byte] = crc;
     }
-    return table;
+    for (size_t place = 1; place < tables.size(); ++place) {
+        for (size_t byte = 0; byte < 256; ++byte) {
+            const uint32_t before = tables[place - 1][byte];
+            tables[place][byte] = (before >> 8) ^ tables[0][before & 0xFF];
+        }
+    }
+    return tables;
 }();
 
+/// Four bytes at a time: a record is read and written by each process that has to do with the hive.
 uint32_t crc32(std::string_view bytes) {
     uint32_t crc = 0xFFFFFFFF;
-    for (char c : bytes)
-        crc = (crc >> 8) ^ crc_of_byte[(crc ^ static_cast<unsigned char>(c)) & 0xFF];
+    const auto byte = [&](size_t at) { return static_cast<uint32_t>(static_cast<unsigned char>(bytes[at])); };
+    size_t at = 0;
+    for (; at + 4 <= bytes.size(); at += 4) {
+        crc ^= byte(at) | byte(at + 1) << 8 | byte(at + 2) << 16 | byte(at + 3) << 24;
+        crc = crc_tables[3][crc & 0xFF] ^ crc_tables[2][crc >> 8 & 0xFF] ^ crc_tables[1][crc >> 16 & 0xFF] ^
+              crc_tables[0][crc >> 24];
+    }
+    for (; at < bytes.size(); ++at)
+        crc = (crc >> 8) ^ crc_tables[0][(crc ^ byte(at)) & 0xFF];
     return ~crc;
 }
 

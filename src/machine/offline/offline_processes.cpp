@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
+#include <sys/socket.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -67,28 +68,49 @@ Processes::Started OfflineProcesses::start(std::string_view command_line, Window
 
 Processes::Started OfflineProcesses::start_hive_tool(const std::string& host_program,
                                                      const std::string& arguments) {
-    std::vector<std::string> words = {host_program};
+    std::vector<std::string> words;
     for (const std::string& argument : split_arguments(arguments))
         words.push_back(text::to_utf8(argument));
 
     Child child;
-    const bool unloads = words.size() > 1 && words[1] == "unload";
+    const bool unloads = !words.empty() && words[0] == "unload";
     child.known.verb = unloads ? ToolReport::Verb::unload : ToolReport::Verb::load;
-    const std::string& key = words.back();
+    const std::string key = words.empty() ? "" : words.back();
     child.known.name = text::from_utf8(key.substr(key.find('\\') + 1)).value_or("");
     const auto released = registry_.release_mounts(unloads ? child.known.name : "");
     child.sealed = released.code;
-    if (unloads && child.sealed == success && is_not_mounted(child.known.name)) {
+    if (unloads && !released.hive && child.sealed == success && is_not_mounted(child.known.name)) {
         child.code = 1;  // as the tool would say; it takes its time to start
         return add(std::move(child));
     }
+    child.process = ask_tool(host_program, {drives_.text(), mounts_.folder(), words}, released.hive);
+    if (child.process.id == 0) return {no_such_file, 0};
+    return add(std::move(child));
+}
+
+OfflineProcesses::Process OfflineProcesses::ask_tool(const std::string& host_program,
+                                                     const ToolRequest& request,
+                                                     const std::optional<HandedHive>& hive) {
+    const auto asks = [&](const Process& tool) {
+        return tool.id != 0 && send(tool.channel.number(), encode(request), hive);
+    };
+    Process tool = std::exchange(next_tool_, {});
+    if (!asks(tool)) {
+        if (tool.id != 0) leaving_.push_back(tool.id);  // it was ended while it waited
+        tool = start_tool(host_program);
+        if (tool.id == 0) return tool;
+        if (!asks(tool)) (void)shutdown(tool.channel.number(), SHUT_WR);  // it ends, and that is told
+    }
+    next_tool_ = start_tool(host_program);
+    return tool;
+}
+
+OfflineProcesses::Process OfflineProcesses::start_tool(const std::string& host_program) {
     Channel channel = Channel::open();
-    if (!channel.of_tool.is_open()) return {device_error, 0};
-    child.reports = std::move(channel.ours);
-    std::vector<const Descriptor*> inherited{&channel.of_tool};
-    if (released.hive) inherited.push_back(&released.hive->lock);
-    if (released.hive && released.hive->memory.is_open()) inherited.push_back(&released.hive->memory);
-    return run(words, std::move(child), inherited);
+    if (!channel.of_tool.is_open()) return {};
+    Process tool = run({host_program}, channel.of_tool);
+    tool.channel = std::move(channel.ours);
+    return tool;
 }
 
 bool OfflineProcesses::is_not_mounted(const std::string& name) const {
@@ -101,11 +123,18 @@ Processes::Started OfflineProcesses::open_folder_window(const std::string& folde
     const auto place = path ? drives_.resolve(*path) : FileResult<HostPlace>(path.error());
     // The explorer starts and says itself that there is no such folder; nothing here can say it.
     if (!place || !place->exists || !open_folder(place->folder.number(), place->name)) return {no_error, 0};
-    const Started opened = run({desktop_opener, place->path()}, {}, {});
-    return opened.error == no_error ? opened : Started{no_error, 0};  // a system without a desktop
+    Child opener{run({desktop_opener, place->path()}), still_active, {}, success};
+    return opener.process.id != 0 ? add(std::move(opener))
+                                  : Started{no_error, 0};  // a system without a desktop
 }
 
-/// Of those that had told all before they were gone.
+OfflineProcesses::~OfflineProcesses() {
+    if (next_tool_.id != 0) leaving_.push_back(next_tool_.id);
+    next_tool_ = Process();  // nobody is left to ask it, so it ends
+    take_leave(0);
+}
+
+/// Of those whose end nobody asks for.
 void OfflineProcesses::take_leave(int options) {
     std::erase_if(leaving_, [&](pid_t process) { return waitpid(process, nullptr, options) != 0; });
 }
@@ -116,65 +145,57 @@ Processes::Started OfflineProcesses::add(Child child) {
     return {no_error, static_cast<uint32_t>(children_.size())};
 }
 
-Processes::Started OfflineProcesses::run(const std::vector<std::string>& arguments, Child child,
-                                         const std::vector<const Descriptor*>& inherited) {
+OfflineProcesses::Process OfflineProcesses::run(const std::vector<std::string>& arguments,
+                                                const Descriptor& of_tool) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
-    // First out of the way of the numbers that the tool knows, then to them.
-    std::vector<Descriptor> moved;
-    for (const Descriptor* descriptor : inherited) {
-        const int number = first_inherited + static_cast<int>(moved.size());
-        moved.push_back(descriptor->duplicate_above(first_inherited + static_cast<int>(inherited.size())));
-        posix_spawn_file_actions_adddup2(&actions, moved.back().number(), number);
-    }
     std::vector<std::string> variables = environment();
-    if (!inherited.empty()) {
-        // Of two with one name the first counts.
-        variables.insert(variables.begin(),
-                         {"BRIGHTLOCK_DRIVES=" + drives_.text(), "BRIGHTLOCK_MOUNTS=" + mounts_.folder(),
-                          std::string(inherited_variable) + "=" + std::to_string(inherited.size())});
+    if (of_tool.is_open()) {
+        posix_spawn_file_actions_adddup2(&actions, of_tool.number(), channel_of_tool);
+        variables.push_back(std::string(channel_variable) + "=" + std::to_string(channel_of_tool));
     }
-    const int failed = posix_spawnp(&child.process, arguments[0].c_str(), &actions, nullptr,
+    Process started;
+    const int failed = posix_spawnp(&started.id, arguments[0].c_str(), &actions, nullptr,
                                     pointers(arguments).data(), pointers(variables).data());
     posix_spawn_file_actions_destroy(&actions);
-    if (failed != 0) return {no_such_file, 0};
-    child.end = Descriptor(static_cast<int>(syscall(SYS_pidfd_open, child.process, 0)));
-    return add(std::move(child));
+    if (failed != 0) return {};
+    started.end = Descriptor(static_cast<int>(syscall(SYS_pidfd_open, started.id, 0)));
+    return started;
 }
 
 uint32_t OfflineProcesses::exit_code(uint32_t id) {
     if (id == 0) return 0;
     Child& child = children_.at(id - 1);
-    if (child.process == 0) return child.code;
+    Process& process = child.process;
+    if (process.id == 0) return child.code;
     // The program asks again at once: a moment's rest here leaves it alive and the processor free.
-    std::array<pollfd, 2> waiting{{{child.reports.number(), POLLIN, 0},
-                                   {child.end.number(), POLLIN, 0}}};  // closed ones are passed over
+    std::array<pollfd, 2> waiting{{{process.channel.number(), POLLIN, 0},
+                                   {process.end.number(), POLLIN, 0}}};  // closed ones are passed over
     (void)poll(waiting.data(), waiting.size(), poll_milliseconds);
     int status = 0;
-    const pid_t ended = waitpid(child.process, &status, WNOHANG);
+    const pid_t ended = waitpid(process.id, &status, WNOHANG);
     // What the tool has told stands: clearing its memory away may take it longer than its work. One that has
     // ended has told all that it ever will.
-    if (child.reports.is_open()) child.told += receive(child.reports.number(), child.hive);
     ToolReport told = child.known;
-    const bool is_told = decode(child.told, told);
+    std::optional<HandedHive> hive;
+    const bool is_tool = process.channel.is_open();
+    const bool is_told = is_tool && decode(receive(process.channel.number(), hive), told);
     if (ended == 0 && !is_told) return still_active;
-    if (ended == 0) leaving_.push_back(child.process);
-    child.process = 0;
-    child.end = Descriptor();
+    if (ended == 0) leaving_.push_back(process.id);
+    process = Process();
     // Where nothing is known of its end it counts as failed.
     const bool known = ended > 0 && WIFEXITED(status);
     child.code = is_told ? !told.succeeded : known ? static_cast<uint32_t>(WEXITSTATUS(status)) : 1;
-    if (!child.reports.is_open()) return child.code;
-    child.reports = Descriptor();
+    if (!is_tool) return child.code;
     if (!is_told) {
         told.detail = end_of(ended, status);
         told.succeeded = told.detail.empty();
     }
-    report(child, std::move(told));
+    report(child, std::move(told), std::move(hive));
     return child.code;
 }
 
-void OfflineProcesses::report(Child& child, ToolReport told) {
+void OfflineProcesses::report(Child& child, ToolReport told, std::optional<HandedHive> hive) {
     if (told.verb == ToolReport::Verb::unload && child.sealed != success) {
         told.succeeded = false;
         told.changes_lost = true;
@@ -187,7 +208,7 @@ void OfflineProcesses::report(Child& child, ToolReport told) {
     // Another instance clears away what a crashed run may have left, and takes a mount that nobody holds for
     // it.
     if (told.verb == ToolReport::Verb::load && told.succeeded &&
-        !registry_.hold(told.name, std::move(child.hive))) {
+        !registry_.hold(told.name, std::move(hive))) {
         told.succeeded = false;
         told.why = base::ErrorKind::in_use;
         told.detail = "another instance of the program works on this user";
@@ -200,7 +221,7 @@ void OfflineProcesses::report(Child& child, ToolReport told) {
 void OfflineProcesses::open_address(std::string_view address) {
     const std::string lower = text::lower(address);
     if (!lower.starts_with("http://") && !lower.starts_with("https://")) return;
-    (void)run({desktop_opener, text::to_utf8(address)}, {}, {});  // nothing is said of a failure
+    (void)run({desktop_opener, text::to_utf8(address)});  // nothing is said of a failure
 }
 
 }  // namespace machine

@@ -24,12 +24,6 @@ struct ToolReport {
 };
 using OnToolReport = std::function<void(const ToolReport&)>;
 
-/// The environment variable that tells how many descriptors the tool inherits from the program that started
-/// it, beginning with this number: the channel for its report, the lock of the hive, and its memory
-/// (HandedHive). Without the first the tool tells people, on its standard error.
-constexpr auto inherited_variable = "BRIGHTLOCK_INHERITED";
-constexpr int first_inherited = 3;
-
 /// What the tool alone knows (all but verb and name) as the bytes that go through the descriptor, and back.
 /// False where they are not whole; the report is as it was then.
 std::string encode(const ToolReport& report);
