@@ -25,6 +25,13 @@ struct Hive::State {
     bool recovered = false;
     std::string read_only_reason;
     std::vector<Change> changes;
+    /// Where the last path that was looked for leads: what is read or written in one key comes in a row. It
+    /// holds as long as no key comes or goes.
+    struct Found {
+        std::u16string path;
+        Key key;
+    };
+    std::optional<Found> last_found;
     /// What a file says of how many keys share a security record is not believed: too high a number would
     /// wrap when a key is added, and a record in use be given back with the next key that goes.
     std::map<CellOffset, uint32_t> corrected_counts;
@@ -155,11 +162,14 @@ std::optional<Key> Hive::find_subkey(Key parent, std::u16string_view name) const
 }
 
 std::optional<Key> Hive::find(std::u16string_view path) const {
-    std::optional<Key> key = root();
+    if (state_->last_found && state_->last_found->path == path) return state_->last_found->key;
+    Key key = root();
     for (const std::u16string_view part : parts_of(path)) {
-        key = find_subkey(*key, part);
-        if (!key) break;
+        const auto next = find_subkey(key, part);
+        if (!next) return std::nullopt;
+        key = *next;
     }
+    state_->last_found = {std::u16string(path), key};
     return key;
 }
 
@@ -310,6 +320,7 @@ Result<Key> Hive::create_below(Key key, std::vector<std::u16string_view> names, 
     if (auto error = refuse_edit(key, names.size() * longest_lists, names.size() * 6)) return *error;
     if (depth_of(key) + names.size() > deepest_level)
         return Error{ErrorKind::invalid, "no key can lie below 512 levels"};
+    state_->last_found.reset();
     for (const std::u16string_view name : names) {
         const auto add = [&](Editor& editor) { key = {editor.add_key(key.cell, name, now)}; };
         if (auto error = edit(add)) return *error;
@@ -357,6 +368,7 @@ Result<Done> Hive::delete_key(Key key, FileTime now) {
         doomed.insert(doomed.end(), below.begin(), below.end());
     }
     Change change{Change::Kind::delete_key, path_of(key), {}, {}, now};
+    state_->last_found.reset();
     if (auto error = edit([&](Editor& editor) { editor.remove_key(key.cell, now); })) return *error;
     state_->changes.push_back(std::move(change));
     return Done{};

@@ -49,24 +49,36 @@ class Writer {
 
     template <class Number>
     void number(Number value) {
-        for (size_t i = 0; i < sizeof value; ++i)
-            out_ += static_cast<char>((static_cast<std::make_unsigned_t<Number>>(value) >> (8 * i)) & 0xFF);
+        put(add(sizeof value), value);
     }
     template <class Text>
     void counted(const Text& text) {
         number(static_cast<uint32_t>(text.size()));
+        char* at = add(text.size() * sizeof(typename Text::value_type));
         for (auto unit : text)
-            number(unit);
+            at = put(at, unit);
     }
     std::string frame() {
-        const std::string content = std::exchange(out_, {});
-        number(static_cast<uint32_t>(content.size()));
-        number(crc32(content));
-        return out_ + content;
+        const std::string_view content = std::string_view(out_).substr(head);
+        put(put(out_.data(), static_cast<uint32_t>(content.size())), crc32(content));
+        return std::move(out_);
     }
 
   private:
-    std::string out_;
+    static constexpr size_t head = 8;  ///< length and check sum
+
+    char* add(size_t size) {
+        out_.resize(out_.size() + size);
+        return out_.data() + out_.size() - size;
+    }
+    template <class Number>
+    static char* put(char* at, Number value) {
+        for (size_t i = 0; i < sizeof value; ++i)
+            *at++ = static_cast<char>((static_cast<std::make_unsigned_t<Number>>(value) >> (8 * i)) & 0xFF);
+        return at;
+    }
+
+    std::string out_ = std::string(head, '\0');
 };
 
 /// Once it has run past the end it stays failed and yields zeros.
