@@ -1,15 +1,15 @@
 #include "machine/offline/tool_request.h"
 
-#include <utility>
+#include "base/text.h"
 
 namespace machine {
 
-// Each text with a zero behind it, which none of them can hold.
+// Each text with a zero behind it, where a command line would end too.
 
 std::string encode(const ToolRequest& request) {
     std::string bytes = request.drives + '\0' + request.mounts + '\0';
     for (const std::string& word : request.words)
-        bytes += word.c_str() + std::string(1, '\0');
+        bytes.append(text::up_to_nul(word)) += '\0';
     return bytes;
 }
 
