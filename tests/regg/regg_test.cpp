@@ -44,68 +44,19 @@ Ran run_tool(const std::string& arguments, const std::string& environment) {
     return {WEXITSTATUS(pclose(pipe)), output};
 }
 
-/// Runs the tool in this process, where calls of the system can be made to fail.
-ToolReport run_here(const OfflineFixture& fixture, const std::string& key_to_unload) {
-    regg::Setting setting{DriveMap(), MountTable(fixture.mounts_folder())};
-    EXPECT_TRUE(setting.drives.add_drive('C', fixture.disk().string()));
-    return regg::run(std::move(setting), {"unload", key_to_unload}).report;
-}
-
-Registry::Disposition make_lock_key(OfflineFixture& fixture) {
-    return fixture.machine().registry.create_key(Root::users, key);
-}
-
-WinCode set(OfflineFixture& fixture, int32_t number) {
-    return fixture.machine().registry.set(Root::users, key, "a", dword_value(number)).action;
-}
-
-/// The number that stands in Anna's file; -1 where there is none.
-int stored(const OfflineFixture& fixture) {
-    EXPECT_EQ(findings(fixture.hive_of("Anna")), "");
-    const auto value = read_value(fixture.hive_of("Anna"), u"Software\\Lock", u"a");
-    return value ? value->data.at(0) : -1;
-}
-
 /// Writes the record of a mount, as private as it must be.
 void write_record(const fs::path& file, std::string_view bytes) {
     write_bytes(file, bytes);
     fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);
 }
 
-regf::Bytes bytes_as_vector(const fs::path& file) {
-    const std::string bytes = bytes_of(file);
-    return {bytes.begin(), bytes.end()};
-}
-
-/// The only record of a mount.
-fs::path record_of(OfflineFixture& fixture) {
-    return fs::directory_iterator(fixture.offline().mounts().folder())->path();
-}
-
-/// Does something in a process that then dies at once, with no destructor run.
-void in_dying_process(const std::function<void()>& work) {
+/// How a process ends that does this, as waitpid tells it.
+int end_of_process(const std::function<int()>& work) {
     const pid_t child = fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        work();
-        (void)raise(SIGKILL);
-    }
-    int status = 0;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    ASSERT_TRUE(WIFSIGNALED(status));
-}
-
-/// What must hold in a process of another user.
-void in_process_of(uid_t user, const std::function<bool()>& holds) {
-    const pid_t child = fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        const bool changed = setgroups(0, nullptr) == 0 && setgid(user) == 0 && setuid(user) == 0;
-        _exit(changed && holds() ? 0 : 1);
-    }
-    int status = 0;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    if (child == 0) _exit(work());
+    int status = -1;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    return status;
 }
 
 /// A file system of its own on a folder, of a size that fills soon. Not ready where this process may not
@@ -135,59 +86,85 @@ class SmallDisk {
     bool ready_ = false;
 };
 
+/// An installation, its hive tool and the hive of Anna.
+class HiveTool : public testing::Test, public OfflineFixture {
+  protected:
+    Registry& registry() { return machine().registry; }
+    Registry::Disposition make_lock_key() { return registry().create_key(Root::users, key); }
+    WinCode set(int32_t number) { return registry().set(Root::users, key, "a", dword_value(number)).action; }
+    /// Anna is mounted, and a number is written.
+    void mount_with(int32_t number) {
+        ASSERT_EQ(load("Anna"), 0u);
+        ASSERT_NE(make_lock_key(), Registry::Disposition::failed);
+        ASSERT_EQ(set(number), success);
+    }
+    /// What was written is complete, and the program lets go of all hives.
+    void let_go() { ASSERT_EQ(offline().release(), success); }
+    bool nothing_is_mounted() { return offline().mounts().mounts()->empty(); }
+    /// The number that stands in Anna's file; -1 where there is none.
+    int stored() const {
+        EXPECT_EQ(findings(anna), "");
+        const auto value = read_value(anna, u"Software\\Lock", u"a");
+        return value ? value->data.at(0) : -1;
+    }
+    /// The only record of a mount.
+    fs::path record() const { return fs::directory_iterator(mounts_folder())->path(); }
+    /// Runs the tool in this process.
+    ToolReport run_here(const std::string& mounts, const std::vector<std::string>& words) const {
+        regg::Setting setting{DriveMap(), MountTable(mounts)};
+        EXPECT_TRUE(setting.drives.add_drive('C', disk().string()));
+        return regg::run(std::move(setting), words).report;
+    }
+
+    const fs::path anna = hive_of("Anna");
+    const std::string before = bytes_of(anna);
+};
+
 }  // namespace
 
-TEST(HiveTool, LeavesAHiveThatNobodyChangedByteForByte) {
-    OfflineFixture fixture;
-    const std::string before = bytes_of(fixture.hive_of("Anna"));
-    ASSERT_EQ(fixture.load("Anna"), 0u);
-    Registry& registry = fixture.machine().registry;
-    EXPECT_EQ(registry.create_key(Root::users, "Anna\\Software"), Registry::Disposition::opened);
-    EXPECT_EQ(registry.set(Root::users, "Anna\\Control Panel\\Sound", "Beep", text_value("yes")).action,
-              success);
-    EXPECT_EQ(registry.delete_value(Root::users, "Anna\\Software", "none").action, file_not_found);
-    ASSERT_EQ(fixture.unload("Anna"), 0u);
-    EXPECT_EQ(bytes_of(fixture.hive_of("Anna")), before);
-    EXPECT_TRUE(fixture.offline().mounts().mounts()->empty());
+TEST_F(HiveTool, LeavesAHiveThatNobodyChangedByteForByte) {
+    ASSERT_EQ(load("Anna"), 0u);
+    EXPECT_EQ(registry().create_key(Root::users, "Anna\\Software"), Registry::Disposition::opened);
+    const auto beep = registry().set(Root::users, "Anna\\Control Panel\\Sound", "Beep", text_value("yes"));
+    EXPECT_EQ(beep.action, success);
+    EXPECT_EQ(registry().delete_value(Root::users, "Anna\\Software", "none").action, file_not_found);
+    ASSERT_EQ(unload("Anna"), 0u);
+    EXPECT_EQ(bytes_of(anna), before);
+    EXPECT_TRUE(nothing_is_mounted());
 }
 
-TEST(HiveTool, WritesChangesOnceAndOnlyWhenItUnloads) {
-    OfflineFixture fixture;
-    const std::string before = bytes_of(fixture.hive_of("Anna"));
-    ASSERT_EQ(fixture.load("Anna"), 0u);
-    EXPECT_EQ(make_lock_key(fixture), Registry::Disposition::created);
-    EXPECT_EQ(set(fixture, 1), success);
-    ASSERT_EQ(fixture.load("Ben"), 0u) << "the tool works for another user meanwhile";
-    EXPECT_EQ(set(fixture, 2), success);
-    EXPECT_EQ(bytes_of(fixture.hive_of("Anna")), before);
-    ASSERT_EQ(fixture.unload("Anna"), 0u);
-    EXPECT_EQ(stored(fixture), 2);
-    EXPECT_EQ(make_lock_key(fixture), Registry::Disposition::failed);
-    ASSERT_EQ(fixture.unload("Ben"), 0u);
-    EXPECT_EQ(fixture.troubles(), "");
+TEST_F(HiveTool, WritesChangesOnceAndOnlyWhenItUnloads) {
+    mount_with(1);
+    ASSERT_EQ(load("Ben"), 0u) << "the tool works for another user meanwhile";
+    EXPECT_EQ(set(2), success);
+    const ToolReport refused = run_here(mounts_folder(), {"unload", "HKU\\Anna"});
+    EXPECT_EQ(refused.why, regf::ErrorKind::in_use) << "this instance works on it";
+    EXPECT_THAT(refused.detail, HasSubstr("in use by another program"));
+    EXPECT_EQ(bytes_of(anna), before);
+    ASSERT_EQ(unload("Anna"), 0u);
+    EXPECT_EQ(stored(), 2);
+    EXPECT_EQ(make_lock_key(), Registry::Disposition::failed);
+    ASSERT_EQ(unload("Ben"), 0u);
+    EXPECT_EQ(troubles(), "");
 }
 
-TEST(HiveTool, SaysInOneLineWhyItRefuses) {
-    OfflineFixture fixture;
-    const fs::path disk = fixture.disk();
-    const std::string hive = fixture.hive_of("Anna").string();
-    const std::string drives = "BRIGHTLOCK_DRIVES='C=" + disk.string() + "' ";
-    const std::string mounts = "BRIGHTLOCK_MOUNTS='" + (fixture.scratch() / "by-hand").string() + "' ";
-    const auto quoted = [](const std::string& text) { return "'" + text + "' "; };
-    write_bytes(disk / "text.dat", "not a hive at all");
-    write_bytes(disk / "empty.dat", "");
-    std::string damaged = bytes_of(hive);
-    damaged.resize(damaged.size() / 2);
-    write_bytes(disk / "damaged.dat", damaged);
-    std::string dirty = bytes_of(hive);
+TEST_F(HiveTool, SaysInOneLineWhyItRefuses) {
+    const std::string hive = "'" + anna.string() + "' ";
+    const std::string drives = "BRIGHTLOCK_DRIVES='C=" + disk().string() + "' ";
+    const std::string mounts = "BRIGHTLOCK_MOUNTS='" + (scratch() / "by-hand").string() + "' ";
+    std::string dirty = before;
     dirty[4] = static_cast<char>(dirty[4] + 1);  // a write was begun and never ended
-    write_bytes(disk / "dirty.dat", dirty);
-    write_bytes(disk / "readonly.dat", bytes_of(hive));
-    fs::permissions(disk / "readonly.dat", fs::perms::owner_read);
-    write_bytes(disk / "locked.dat", bytes_of(hive));
-    const Descriptor other(open((disk / "locked.dat").c_str(), O_RDONLY));
+    for (const auto& [name, bytes] : {std::pair("text", std::string("not a hive at all")),
+                                      {"empty", ""},
+                                      {"damaged", before.substr(0, before.size() / 2)},
+                                      {"dirty", dirty},
+                                      {"readonly", before},
+                                      {"locked", before}})
+        write_bytes(disk() / (std::string(name) + ".dat"), bytes);
+    fs::permissions(disk() / "readonly.dat", fs::perms::owner_read);
+    const Descriptor other(::open((disk() / "locked.dat").c_str(), O_RDONLY));
     ASSERT_EQ(flock(other.number(), LOCK_EX), 0);
-    ASSERT_EQ(run_tool("load " + quoted(hive) + "'HKU\\Anna'", mounts).code, 0);
+    ASSERT_EQ(run_tool("load " + hive + "'HKU\\Anna'", mounts).code, 0);
 
     const struct {
         std::string arguments;
@@ -196,16 +173,16 @@ TEST(HiveTool, SaysInOneLineWhyItRefuses) {
     } rows[] = {
         {"", "the command is"},
         {"load", "the command is"},
-        {"load " + quoted(hive) + "'HKU\\Ben' more", "the command is"},
+        {"load " + hive + "'HKU\\Ben' more", "the command is"},
         {"unload 'HKU\\two' words", "the command is"},
         {"save 'HKU\\Anna'", "the command is"},
-        {"load " + quoted(hive) + "'HKLM\\Ben'", "not a key directly below HKU"},
-        {"load " + quoted(hive) + "'HKU\\Ben\\Software'", "not a key directly below HKU"},
-        {"load " + quoted(hive) + "'HKU\\'", "not a key directly below HKU"},
-        {"load " + quoted(hive) + "'HKU\\Жанна'", "cannot spell"},
+        {"load " + hive + "'HKLM\\Ben'", "not a key directly below HKU"},
+        {"load " + hive + "'HKU\\Ben\\Software'", "not a key directly below HKU"},
+        {"load " + hive + "'HKU\\'", "not a key directly below HKU"},
+        {"load " + hive + "'HKU\\Жанна'", "cannot spell"},
         {"unload 'HKU\\Nobody'", "HKU\\Nobody: no hive is mounted there"},
-        {"load " + quoted(hive) + "'HKU\\Ben'", "mounted already", false},
-        {"load " + quoted(hive) + "'HKU\\Ben'", "on no drive of this installation"},
+        {"load " + hive + "'HKU\\Ben'", "mounted already", false},
+        {"load " + hive + "'HKU\\Ben'", "on no drive of this installation"},
         {"load 'C:\\Documents and Settings\\Ben\\NTUSER.DAT' 'HKU\\anna'", "another hive is mounted there"},
         {"load 'C:\\Documents and Settings\\Ben\\NTUSER.DAT' 'HKU\\Ben'", "no folder is known", false},
         {"load 'NTUSER.DAT' 'HKU\\Ben'", "not the full path"},
@@ -228,47 +205,33 @@ TEST(HiveTool, SaysInOneLineWhyItRefuses) {
         EXPECT_EQ(ran.line.find('\n'), ran.line.size() - 1) << row.arguments << "\n" << ran.line;
         EXPECT_THAT(ran.line, HasSubstr(row.message)) << row.arguments;
     }
-    EXPECT_EQ(std::distance(fs::directory_iterator(fixture.scratch() / "by-hand"), {}), 1)
+    EXPECT_EQ(std::distance(fs::directory_iterator(scratch() / "by-hand"), {}), 1)
         << "nothing is half mounted";
-    write_bytes(disk / "hiberfil.sys", "hibr");
+    write_bytes(disk() / "hiberfil.sys", "hibr");
     EXPECT_THAT(
         run_tool("load 'C:\\Documents and Settings\\Ben\\NTUSER.DAT' 'HKU\\Ben'", mounts + drives).line,
         HasSubstr("this Windows hibernates"));
     EXPECT_EQ(run_tool("unload 'HKU\\ANNA'", mounts).code, 0);
 }
 
-TEST(HiveTool, KeepsAwayFromAHiveThatAnotherRunWorksOn) {
-    OfflineFixture fixture;
-    ASSERT_EQ(fixture.load("Anna"), 0u);
-    const ToolReport refused = run_here(fixture, "HKU\\Anna");
-    EXPECT_EQ(refused.why, regf::ErrorKind::in_use);
-    EXPECT_THAT(refused.detail, HasSubstr("in use by another program"));
-    EXPECT_EQ(make_lock_key(fixture), Registry::Disposition::created);
-    EXPECT_EQ(set(fixture, 3), success);
-    EXPECT_EQ(fixture.unload("Anna"), 0u);
-    EXPECT_EQ(stored(fixture), 3);
-}
-
-TEST(HiveTool, TwoInstancesOnOneUserLoseNothing) {
-    OfflineFixture fixture;
-    constexpr int rounds = 12;
+TEST_F(HiveTool, TwoInstancesOnOneUserLoseNothing) {
     const auto work = [&](const std::string& name) {
-        fixture.open();
-        Registry& registry = fixture.machine().registry;
+        open();
         int written = 0;
-        for (int32_t number = 1; number <= rounds; ++number) {
-            (void)fixture.unload("Anna");  // as the program does, to be on the safe side
-            if (fixture.load("Anna") != 0) continue;
+        for (int32_t number = 1; number <= 12; ++number) {
+            (void)unload("Anna");  // as the program does, to be on the safe side
+            if (load("Anna") != 0) continue;
             ++written;
-            if (registry.create_key(Root::users, key) == Registry::Disposition::failed ||
-                registry.set(Root::users, key, name, dword_value(number)).action != success)
+            if (make_lock_key() == Registry::Disposition::failed ||
+                registry().set(Root::users, key, name, dword_value(number)).action != success)
                 return 2;
-            fixture.reports.clear();
-            (void)fixture.unload("Anna");  // fails where the other's unload came first
-            if (!fixture.troubles().empty()) return 4;
+            reports.clear();
+            (void)unload("Anna");  // fails where the other's unload came first
+            if (!troubles().empty()) return 4;
             std::optional<regf::Value> value;  // the other may be at it this moment
             for (int look = 0; !value && look < 100; ++look) {
-                const auto file = regf::Hive::open(bytes_as_vector(fixture.hive_of("Anna")));
+                const std::string bytes = bytes_of(anna);
+                const auto file = regf::Hive::open(regf::Bytes(bytes.begin(), bytes.end()));
                 const auto at = file ? file->find(u"Software\\Lock") : std::nullopt;
                 value = at ? file->value(*at, text::to_utf16(name)) : std::nullopt;
             }
@@ -276,308 +239,268 @@ TEST(HiveTool, TwoInstancesOnOneUserLoseNothing) {
         }
         return written > 0 ? 0 : 6;
     };
-    std::array<pid_t, 2> instances{};
-    for (size_t i = 0; i < instances.size(); ++i) {
-        instances[i] = fork();
-        if (instances[i] == 0) _exit(work(i == 0 ? "first" : "second"));
-    }
-    for (const pid_t instance : instances) {
-        int status = 0;
-        ASSERT_EQ(waitpid(instance, &status, 0), instance);
-        EXPECT_TRUE(WIFEXITED(status));
-        EXPECT_EQ(WEXITSTATUS(status), 0);
-    }
-    EXPECT_EQ(findings(fixture.hive_of("Anna")), "");
+    const pid_t other = fork();
+    if (other == 0) _exit(work("second"));
+    EXPECT_EQ(work("first"), 0);
+    int status = -1;
+    ASSERT_EQ(waitpid(other, &status, 0), other);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(findings(anna), "");
 }
 
-TEST(HiveTool, DropsTheUnfinishedChangesOfARunThatDied) {
-    OfflineFixture fixture;
-    const std::string before = bytes_of(fixture.hive_of("Anna"));
-    ASSERT_EQ(fixture.load("Anna"), 0u);
-    in_dying_process([&] {
-        (void)make_lock_key(fixture);
-        (void)set(fixture, 4);
+TEST_F(HiveTool, WritesOfARunThatDiedWhatWasComplete) {
+    const auto die = [&](const std::function<void()>& work) {
+        const int end = end_of_process([&] {
+            work();
+            return raise(SIGKILL);
+        });
+        EXPECT_TRUE(WIFSIGNALED(end));
+        open();
+    };
+    ASSERT_EQ(load("Anna"), 0u);
+    die([&] {
+        (void)make_lock_key();
+        (void)set(4);
     });
-    fixture.open();
-    RawValue value;
-    EXPECT_EQ(fixture.machine().registry.query(Root::users, key, "a", value).open, file_not_found);
-    EXPECT_EQ(fixture.unload("Anna"), 0u);
-    EXPECT_EQ(bytes_of(fixture.hive_of("Anna")), before);
-}
+    EXPECT_EQ(registry().delete_value(Root::users, key, "a").open, file_not_found);
+    EXPECT_EQ(unload("Anna"), 0u);
+    EXPECT_EQ(bytes_of(anna), before);
 
-TEST(HiveTool, WritesWhatARunHadFinishedBeforeItDied) {
-    OfflineFixture fixture;
-    ASSERT_EQ(fixture.load("Anna"), 0u);
-    in_dying_process([&] {
-        (void)make_lock_key(fixture);
-        (void)set(fixture, 5);
-        (void)fixture.load("Ben");  // before a program starts, the changes so far are complete
-        (void)set(fixture, 6);
+    ASSERT_EQ(load("Anna"), 0u);
+    die([&] {
+        (void)make_lock_key();
+        (void)set(5);
+        (void)load("Ben");  // before a program starts, the changes so far are complete
+        (void)set(6);
     });
-    fixture.open();
-    EXPECT_EQ(set(fixture, 7), success) << "the tail of the dead run must not come back behind this";
-    EXPECT_EQ(fixture.machine().registry.delete_value(Root::users, key, "a").action, success);
-    ASSERT_EQ(fixture.load("Administrator"), 0u);
-    EXPECT_EQ(set(fixture, 8), success);
-    EXPECT_EQ(fixture.unload("Anna"), 0u);
-    EXPECT_EQ(stored(fixture), 8);
+    EXPECT_EQ(set(7), success) << "the tail of the dead run must not come back behind this";
+    EXPECT_EQ(registry().delete_value(Root::users, key, "a").action, success);
+    ASSERT_EQ(load("Administrator"), 0u);
+    EXPECT_EQ(set(8), success);
+    EXPECT_EQ(unload("Anna"), 0u);
+    EXPECT_EQ(stored(), 8);
 }
 
 /// Apply can be pressed again while the program waits, and another instance may unload the same user.
-TEST(HiveTool, UnmountsThatMeetLoseNothingAndSaySo) {
-    OfflineFixture fixture;
-    auto& processes = fixture.machine().processes;
+TEST_F(HiveTool, UnmountsThatMeetLoseNothingAndSaySo) {
     const std::string command = "\"C:\\Program Files\\Brightlock Suite\\regg.exe\" unload HKU\\Anna";
     for (int number = 1; number <= 15; ++number) {
-        ASSERT_EQ(fixture.load("Anna"), 0u);
-        (void)make_lock_key(fixture);
-        ASSERT_EQ(set(fixture, number), success);
+        mount_with(number);
         std::array<uint32_t, 3> ids{};
         for (uint32_t& id : ids)
-            id = processes.start(command, WindowStyle::hidden).id;
+            id = machine().processes.start(command, WindowStyle::hidden).id;
         for (const uint32_t id : ids) {
-            while (processes.exit_code(id) == still_active) {
+            while (machine().processes.exit_code(id) == still_active) {
             }
         }
-        ASSERT_EQ(fixture.troubles(), "") << number;
-        ASSERT_EQ(stored(fixture), number);
+        ASSERT_EQ(troubles(), "") << number;
+        ASSERT_EQ(stored(), number);
     }
 }
 
-TEST(HiveTool, DoesNotWriteOverWhatSomebodyElseHasWritten) {
-    OfflineFixture fixture;
-    ASSERT_EQ(fixture.load("Anna"), 0u);
-    EXPECT_EQ(make_lock_key(fixture), Registry::Disposition::created);
-    fixture.open();  // seals the change and lets go of the file
-    set_text(fixture.hive_of("Anna"), u"Software\\Other", u"x", u"y");
-    std::string theirs = bytes_of(fixture.hive_of("Anna"));
-    EXPECT_EQ(make_lock_key(fixture), Registry::Disposition::failed);
-    EXPECT_EQ(fixture.unload("Anna"), 1u);
-    EXPECT_EQ(bytes_of(fixture.hive_of("Anna")), theirs);
-    EXPECT_THAT(fixture.troubles(), HasSubstr("lost: HKU\\Anna: "));
-    ASSERT_EQ(fixture.reports.size(), 2u);
-    EXPECT_EQ(fixture.reports[1].why, regf::ErrorKind::changed);
-    EXPECT_EQ(fixture.load("Anna"), 0u) << "the name is free again";
-    ASSERT_EQ(fixture.offline().release(), success);
-    write_bytes(fixture.hive_of("Anna"), "not a hive any more");
-    EXPECT_EQ(fixture.unload("Anna"), 0u) << "there was nothing to write";
-    write_bytes(fixture.hive_of("Anna"), theirs);
-    EXPECT_EQ(fixture.load("Anna"), 0u) << "and so after a file that cannot be read";
-    write_record(record_of(fixture), "damaged");
-    EXPECT_EQ(fixture.unload("Anna"), 1u);
-    EXPECT_EQ(fixture.load("Anna"), 0u) << "and after a record that cannot be read";
-    ASSERT_EQ(fixture.offline().release(), success);
-    write_record(record_of(fixture), std::string(40, '\0'));
-    const size_t told = fixture.reports.size();
-    EXPECT_EQ(fixture.unload("Anna"), 1u);
-    EXPECT_EQ(fixture.reports.size(), told) << "a power cut took a record with nothing in it: no loss";
-    EXPECT_EQ(fixture.load("Anna"), 0u);
-    EXPECT_EQ(make_lock_key(fixture), Registry::Disposition::created);
-    theirs[theirs.size() / 2] ^= 1;  // in spite of the lock, and the head of the file does not show it
-    std::fstream(fixture.hive_of("Anna"), std::ios::in | std::ios::out | std::ios::binary) << theirs;
-    EXPECT_EQ(fixture.unload("Anna"), 1u);
-    EXPECT_EQ(fixture.reports.back().why, regf::ErrorKind::changed);
-    EXPECT_EQ(bytes_of(fixture.hive_of("Anna")), theirs);
-}
+TEST_F(HiveTool, DoesNotWriteOverWhatSomebodyElseHasWritten) {
+    mount_with(1);
+    open();  // seals the change and lets go of the file
+    set_text(anna, u"Software\\Other", u"x", u"y");
+    std::string theirs = bytes_of(anna);
+    EXPECT_EQ(make_lock_key(), Registry::Disposition::failed);
+    EXPECT_EQ(unload("Anna"), 1u);
+    EXPECT_EQ(bytes_of(anna), theirs);
+    EXPECT_THAT(troubles(), HasSubstr("lost: HKU\\Anna: "));
+    EXPECT_EQ(reports.back().why, regf::ErrorKind::changed);
 
-TEST(HiveTool, KeepsTheChangesUntilTheDiskIsThereAgain) {
-    OfflineFixture fixture;
-    const fs::path profile = fixture.hive_of("Anna").parent_path();
-    const fs::path away = fixture.scratch() / "away";
-    ASSERT_EQ(fixture.load("Anna"), 0u);
-    EXPECT_EQ(make_lock_key(fixture), Registry::Disposition::created);
-    EXPECT_EQ(set(fixture, 5), success);
-    ASSERT_EQ(fixture.offline().release(), success);
-    fs::rename(profile, away);
-    EXPECT_EQ(fixture.unload("Anna"), 1u);
-    fs::copy(away, profile, fs::copy_options::recursive);  // other inodes and times, as after a new start
-    EXPECT_EQ(fixture.unload("Anna"), 0u);
-    EXPECT_EQ(stored(fixture), 5);
-
-    ASSERT_EQ(fixture.load("Anna"), 0u);
-    EXPECT_EQ(set(fixture, 6), success);
-    ASSERT_EQ(fixture.offline().release(), success);
-    fs::remove(fixture.hive_of("Anna"));
-    EXPECT_EQ(fixture.unload("Anna"), 1u) << "nothing is left to write to";
-    EXPECT_TRUE(fixture.offline().mounts().mounts()->empty());
-}
-
-TEST(HiveTool, KnowsWhatARunHadWrittenBeforeItDied) {
-    OfflineFixture fixture;
-    const fs::path hive = fixture.hive_of("Anna");
-    ASSERT_EQ(fixture.load("Anna"), 0u);
-    EXPECT_EQ(make_lock_key(fixture), Registry::Disposition::created);
-    EXPECT_EQ(set(fixture, 5), success);
-    ASSERT_EQ(fixture.offline().release(), success);
-    const std::string record = bytes_of(record_of(fixture));
-    const fs::path path = record_of(fixture);
-    ASSERT_EQ(fixture.unload("Anna"), 0u);
-    const std::string written = bytes_of(hive);
-    write_record(path, record);
-    EXPECT_EQ(fixture.unload("Anna"), 0u) << "it is done already";
-    EXPECT_EQ(bytes_of(hive), written);
-    write_record(path, record);
-    EXPECT_EQ(fixture.load("Anna"), 0u) << "by another unload, which is about to remove its record";
-    ASSERT_EQ(fixture.offline().release(), success);
-    set_text(hive, u"Software\\Lock", u"a", u"theirs");
-    write_record(path, record);
-    EXPECT_EQ(fixture.unload("Anna"), 1u) << "somebody else was it";
-}
-
-TEST(HiveTool, AFullDiskUnderTheHiveKeepsTheChangesForOneMoreUnload) {
-    OfflineFixture fixture;
-    const fs::path profile = fixture.hive_of("Anna").parent_path();
-    const std::string hive = bytes_of(fixture.hive_of("Anna"));
-    SmallDisk disk(profile, "256k");
-    if (!disk.ready()) GTEST_SKIP() << "this process may not mount a file system";
-    write_bytes(fixture.hive_of("Anna"), hive);
-    ASSERT_EQ(fixture.load("Anna"), 0u);
-    EXPECT_EQ(make_lock_key(fixture), Registry::Disposition::created);
-    EXPECT_EQ(set(fixture, 9), success);
-    disk.fill();
-    EXPECT_EQ(fixture.unload("Anna"), 1u);
-    EXPECT_EQ(bytes_of(fixture.hive_of("Anna")), hive);
-    EXPECT_THAT(fixture.troubles(), HasSubstr("No space left on device; it is kept for the next unload"));
-    disk.make_room();
-    EXPECT_EQ(fixture.unload("Anna"), 0u);
-    EXPECT_EQ(stored(fixture), 9);
-
-    ASSERT_EQ(fixture.load("Anna"), 0u);
-    EXPECT_EQ(set(fixture, 10), success);
-    disk.fill();
-    EXPECT_EQ(fixture.unload("Anna"), 1u);
-    EXPECT_EQ(fixture.unload("Anna"), 1u);
-    EXPECT_TRUE(fixture.reports.back().changes_lost);
-    EXPECT_EQ(fixture.reports.back().why, regf::ErrorKind::no_space);
-    disk.make_room();
-    EXPECT_EQ(stored(fixture), 9);
-    EXPECT_EQ(fixture.load("Anna"), 0u) << "the user is free again";
-}
-
-TEST(HiveTool, DropsAtOnceWhatCanNeverBeWritten) {
-    OfflineFixture fixture;
-    const std::string before = bytes_of(fixture.hive_of("Anna"));
-    const regf::Change impossible{regf::Change::Kind::delete_value, u"Software", u"none", {}, 1};
-    ASSERT_EQ(fixture.load("Anna"), 0u);
-    const fs::path record = record_of(fixture);
-    write_record(record, bytes_of(record) + change_frame(impossible) + seal_frame());
-    EXPECT_EQ(fixture.unload("Anna"), 1u);
-    EXPECT_THAT(fixture.troubles(), HasSubstr("lost: HKU\\Anna: no value none; what was to be written"));
-    EXPECT_EQ(fixture.load("Anna"), 0u) << "the user is free again";
-    EXPECT_EQ(fixture.unload("Anna"), 0u);
-    EXPECT_EQ(bytes_of(fixture.hive_of("Anna")), before);
-}
-
-TEST(HiveTool, RefusesAtLoadWhatItCouldNotReplace) {
-    OfflineFixture fixture;
-    const fs::path hive = fixture.hive_of("Anna");
-    const auto refused = [&](const char* why) {
-        EXPECT_EQ(fixture.load("Anna"), 1u);
-        EXPECT_EQ(fixture.reports.back().why, regf::ErrorKind::refused);
-        EXPECT_THAT(fixture.reports.back().detail, HasSubstr(why));
-        EXPECT_TRUE(fixture.offline().mounts().mounts()->empty());
+    const auto is_free_again = [&](const std::string& content) {
+        EXPECT_EQ(load("Anna"), 0u);
+        let_go();
+        write_record(record(), content);
+        const size_t told = reports.size();
+        EXPECT_EQ(unload("Anna"), 1u);
+        return reports.size() - told;
     };
-    fs::create_hard_link(hive, fixture.scratch() / "other name");
-    refused("has a second name");
-    fs::remove(fixture.scratch() / "other name");
+    EXPECT_EQ(is_free_again("damaged"), 1u);
+    EXPECT_EQ(is_free_again(std::string(40, '\0')), 0u)
+        << "a power cut took a record with nothing in it: no loss";
+    EXPECT_EQ(load("Anna"), 0u);
+    let_go();
+    write_bytes(anna, "not a hive any more");
+    EXPECT_EQ(unload("Anna"), 0u) << "there was nothing to write";
+    write_bytes(anna, theirs);
 
-    const Descriptor folder(open(hive.parent_path().c_str(), O_RDONLY | O_DIRECTORY));
+    mount_with(1);
+    theirs[theirs.size() / 2] ^= 1;  // in spite of the lock, and the head of the file does not show it
+    std::fstream(anna, std::ios::in | std::ios::out | std::ios::binary) << theirs;
+    EXPECT_EQ(unload("Anna"), 1u);
+    EXPECT_EQ(reports.back().why, regf::ErrorKind::changed);
+    EXPECT_EQ(bytes_of(anna), theirs);
+}
+
+TEST_F(HiveTool, KeepsTheChangesUntilTheDiskIsThereAgain) {
+    const fs::path profile = anna.parent_path();
+    mount_with(5);
+    let_go();
+    fs::rename(profile, scratch() / "away");
+    EXPECT_EQ(unload("Anna"), 1u);
+    fs::copy(scratch() / "away", profile,
+             fs::copy_options::recursive);  // other inodes and times, as after a new start
+    EXPECT_EQ(unload("Anna"), 0u);
+    EXPECT_EQ(stored(), 5);
+
+    mount_with(6);
+    let_go();
+    fs::remove(anna);
+    EXPECT_EQ(unload("Anna"), 1u) << "nothing is left to write to";
+    EXPECT_TRUE(nothing_is_mounted());
+}
+
+TEST_F(HiveTool, KnowsWhatARunHadWrittenBeforeItDied) {
+    mount_with(5);
+    let_go();
+    const fs::path path = record();
+    const std::string noted = bytes_of(path);
+    ASSERT_EQ(unload("Anna"), 0u);
+    const std::string written = bytes_of(anna);
+    write_record(path, noted);
+    EXPECT_EQ(unload("Anna"), 0u) << "it is done already";
+    EXPECT_EQ(bytes_of(anna), written);
+    write_record(path, noted);
+    EXPECT_EQ(load("Anna"), 0u) << "by another unload, which is about to remove its record";
+    let_go();
+    set_text(anna, u"Software\\Lock", u"a", u"theirs");
+    write_record(path, noted);
+    EXPECT_EQ(unload("Anna"), 1u) << "somebody else was it";
+}
+
+TEST_F(HiveTool, AFullDiskUnderTheHiveKeepsTheChangesForOneMoreUnload) {
+    SmallDisk small(anna.parent_path(), "256k");
+    if (!small.ready()) GTEST_SKIP() << "this process may not mount a file system";
+    write_bytes(anna, before);
+    mount_with(9);
+    small.fill();
+    EXPECT_EQ(unload("Anna"), 1u);
+    EXPECT_EQ(bytes_of(anna), before);
+    EXPECT_THAT(troubles(), HasSubstr("No space left on device; it is kept for the next unload"));
+    small.make_room();
+    EXPECT_EQ(unload("Anna"), 0u);
+    EXPECT_EQ(stored(), 9);
+
+    mount_with(10);
+    small.fill();
+    EXPECT_EQ(unload("Anna"), 1u);
+    EXPECT_EQ(unload("Anna"), 1u);
+    EXPECT_TRUE(reports.back().changes_lost);
+    EXPECT_EQ(reports.back().why, regf::ErrorKind::no_space);
+    small.make_room();
+    EXPECT_EQ(stored(), 9);
+    EXPECT_EQ(load("Anna"), 0u) << "the user is free again";
+}
+
+TEST_F(HiveTool, DropsAtOnceWhatCanNeverBeWritten) {
+    const regf::Change impossible{regf::Change::Kind::delete_value, u"Software", u"none", {}, 1};
+    ASSERT_EQ(load("Anna"), 0u);
+    write_record(record(), bytes_of(record()) + change_frame(impossible) + seal_frame());
+    EXPECT_EQ(unload("Anna"), 1u);
+    EXPECT_THAT(troubles(), HasSubstr("lost: HKU\\Anna: no value none; what was to be written"));
+    EXPECT_TRUE(nothing_is_mounted());
+    EXPECT_EQ(bytes_of(anna), before);
+}
+
+TEST_F(HiveTool, RefusesAtLoadWhatItCouldNotReplace) {
+    const auto refused = [&](const char* why) {
+        EXPECT_EQ(load("Anna"), 1u);
+        EXPECT_EQ(reports.back().why, regf::ErrorKind::refused);
+        EXPECT_THAT(reports.back().detail, HasSubstr(why));
+        EXPECT_TRUE(nothing_is_mounted());
+    };
+    fs::create_hard_link(anna, scratch() / "other name");
+    refused("has a second name");
+    fs::remove(scratch() / "other name");
+
+    const Descriptor folder(::open(anna.parent_path().c_str(), O_RDONLY | O_DIRECTORY));
     int flags = 0;
     if (ioctl(folder.number(), FS_IOC_GETFLAGS, &flags) == 0) {
         const int marked = flags | FS_APPEND_FL;
         if (ioctl(folder.number(), FS_IOC_SETFLAGS, &marked) == 0) {
-            const auto files = std::distance(fs::directory_iterator(hive.parent_path()), {});
+            const auto files = std::distance(fs::directory_iterator(anna.parent_path()), {});
             refused("takes new files and lets none go");
-            EXPECT_EQ(std::distance(fs::directory_iterator(hive.parent_path()), {}), files);
+            EXPECT_EQ(std::distance(fs::directory_iterator(anna.parent_path()), {}), files);
             EXPECT_EQ(ioctl(folder.number(), FS_IOC_SETFLAGS, &flags), 0);
         }
     }
     if (geteuid() != 0) GTEST_SKIP() << "only root can become somebody else";
-    for (fs::path up = hive; up != fixture.scratch().parent_path(); up = up.parent_path())
+    for (fs::path up = anna; up != scratch().parent_path(); up = up.parent_path())
         fs::permissions(up, fs::perms::all);
-    const fs::path state = fixture.scratch() / "theirs";
-    fs::create_directory(state);
-    fs::permissions(state, fs::perms::owner_all);
-    ASSERT_EQ(chown(state.c_str(), 12345, 12345), 0);
-    in_process_of(12345, [&] {
-        regg::Setting setting{DriveMap(), MountTable((state / "mounts").string())};
-        (void)setting.drives.add_drive('C', fixture.disk().string());
-        const ToolReport report =
-            regg::run(std::move(setting), {"load", OfflineFixture::windows_hive_of("Anna"), "HKU\\Anna"})
-                .report;
-        return !report.succeeded && report.detail.find("its owner cannot be kept") != std::string::npos;
+    const fs::path theirs = scratch() / "theirs";
+    fs::create_directory(theirs);
+    fs::permissions(theirs, fs::perms::owner_all);
+    ASSERT_EQ(chown(theirs.c_str(), 12345, 12345), 0);
+    const int end = end_of_process([&] {
+        if (setgroups(0, nullptr) != 0 || setgid(12345) != 0 || setuid(12345) != 0) return 1;
+        const ToolReport report = run_here(theirs / "mounts", {"load", windows_hive_of("Anna"), "HKU\\Anna"});
+        return report.succeeded || report.detail.find("its owner cannot be kept") == std::string::npos ? 2
+                                                                                                       : 0;
     });
+    EXPECT_EQ(end, 0);
 }
 
-TEST(HiveTool, TrustsNoRecordThatAnotherCouldHaveWritten) {
-    OfflineFixture fixture;
-    ASSERT_EQ(fixture.load("Anna"), 0u);
-    const fs::path record = record_of(fixture);
-    const std::string bytes = bytes_of(record);
-    const std::string before = bytes_of(fixture.hive_of("Anna"));
+TEST_F(HiveTool, TrustsNoRecordThatAnotherCouldHaveWritten) {
+    ASSERT_EQ(load("Anna"), 0u);
+    const fs::path path = record();
+    Mount planted = parse_record(bytes_of(path))->mount;
     const auto refused = [&](const char* why) {
-        EXPECT_EQ(fixture.unload("Anna"), 1u);
-        EXPECT_THAT(fixture.reports.back().detail, HasSubstr(why));
-        EXPECT_EQ(fixture.reports.back().why, regf::ErrorKind::refused);
+        EXPECT_EQ(unload("Anna"), 1u);
+        EXPECT_THAT(reports.back().detail, HasSubstr(why));
+        EXPECT_EQ(reports.back().why, regf::ErrorKind::refused);
     };
-    fs::permissions(record, fs::perms::others_write, fs::perm_options::add);
+    fs::permissions(path, fs::perms::others_write, fs::perm_options::add);
     refused("open to others");
-    fs::permissions(record.parent_path(), fs::perms::others_read, fs::perm_options::add);
+    fs::permissions(path.parent_path(), fs::perms::others_read, fs::perm_options::add);
     refused("open to others");
-    fs::permissions(record.parent_path(), fs::perms::owner_all);
-    fs::remove(record);
-    ASSERT_EQ(mkfifo(record.c_str(), 0600), 0);
+    fs::permissions(path.parent_path(), fs::perms::owner_all);
+    fs::remove(path);
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
     refused("not a regular file");
-    EXPECT_EQ(fixture.load("Anna"), 1u) << "and that without waiting for a writer";
-    fs::remove(record);
+    EXPECT_EQ(load("Anna"), 1u) << "and that without waiting for a writer";
+    fs::remove(path);
 
-    const fs::path outside = fixture.scratch() / "outside.dat";
-    fs::copy_file(fixture.hive_of("Anna"), outside);
-    Mount planted = parse_record(bytes)->mount;
-    planted.file = outside.string();
+    planted.file = (scratch() / "outside.dat").string();
+    write_bytes(planted.file, before);
     const regf::Change change{regf::Change::Kind::create_key, u"Planted", u"", {}, 1};
-    write_record(record, mount_frame(planted) + change_frame(change) + seal_frame());
+    write_record(path, mount_frame(planted) + change_frame(change) + seal_frame());
     refused("on no drive of this installation");
-    EXPECT_TRUE(bytes_of(outside) == before);
-    EXPECT_TRUE(bytes_of(fixture.hive_of("Anna")) == before);
+    EXPECT_TRUE(bytes_of(planted.file) == before);
+    EXPECT_TRUE(bytes_of(anna) == before);
 
-    fs::permissions(fixture.options.state_folder, fs::perms::all);
-    const auto opened = OfflineMachine::open(fixture.options);
+    fs::permissions(options.state_folder, fs::perms::all);
+    const auto opened = OfflineMachine::open(options);
     ASSERT_FALSE(opened);
     EXPECT_THAT(opened.error().message, HasSubstr("open to others"));
 }
 
-TEST(HiveTool, KeepsTheStateOfRootInItsOwnHome) {
+TEST(StateFolder, OfRootLiesInItsOwnHome) {
     if (geteuid() != 0) GTEST_SKIP() << "only root can act for somebody else";
     TemporaryFolder theirs;
     ASSERT_EQ(chown(theirs.path().c_str(), 12345, 12345), 0);
     const std::string home = std::getenv("HOME");
-    const std::string usual = default_state_folder();
     setenv("HOME", theirs.path().c_str(), 1);
     EXPECT_EQ(default_state_folder().find(theirs.path().string()), std::string::npos);
     ASSERT_EQ(chown(theirs.path().c_str(), 0, 0), 0);
     EXPECT_EQ(default_state_folder(), theirs.path().string() + "/.local/state/brightlock");
     setenv("HOME", home.c_str(), 1);
-    EXPECT_EQ(default_state_folder(), usual);
 }
 
-TEST(HiveTool, AFullDiskUnderTheRecordDropsTheRunAsAWhole) {
-    OfflineFixture fixture;
-    SmallDisk disk(fixture.options.state_folder, "64k");
-    if (!disk.ready()) GTEST_SKIP() << "this process may not mount a file system";
-    fixture.open();
-    const std::string before = bytes_of(fixture.hive_of("Anna"));
-    ASSERT_EQ(fixture.load("Anna"), 0u);
-    EXPECT_EQ(make_lock_key(fixture), Registry::Disposition::created);
-    EXPECT_EQ(set(fixture, 1), success);
-    disk.fill();
+TEST_F(HiveTool, AFullDiskUnderTheRecordDropsTheRunAsAWhole) {
+    SmallDisk small(options.state_folder, "64k");
+    if (!small.ready()) GTEST_SKIP() << "this process may not mount a file system";
+    open();
+    mount_with(1);
+    small.fill();
     WinCode code = success;
     for (int32_t number = 2; code == success && number < 2000; ++number)
-        code = set(fixture, number);
+        code = set(number);
     EXPECT_EQ(code, disk_full);
-    disk.make_room();
-    EXPECT_EQ(set(fixture, 1), disk_full) << "a set of changes with a gap is never completed";
-    EXPECT_EQ(fixture.unload("Anna"), 0u);
-    EXPECT_EQ(bytes_of(fixture.hive_of("Anna")), before);
-    EXPECT_THAT(fixture.troubles(), HasSubstr("lost: the changes could not be noted down"));
+    small.make_room();
+    EXPECT_EQ(set(1), disk_full) << "a set of changes with a gap is never completed";
+    EXPECT_EQ(unload("Anna"), 0u);
+    EXPECT_EQ(bytes_of(anna), before);
+    EXPECT_THAT(troubles(), HasSubstr("lost: the changes could not be noted down"));
 }
