@@ -5,7 +5,7 @@
 #include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
-#include <sys/xattr.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
@@ -52,6 +52,20 @@ std::string names(Files& files, const std::string& pattern) {
     return out;
 }
 
+/// An installation on a disk.
+class Disk : public testing::Test, public OfflineFixture {
+  protected:
+    Files& files() { return machine().files; }
+    Registry& registry() { return machine().registry; }
+    /// In the folder "tools".
+    void make_program(const std::string& name, const std::string& script) {
+        write_bytes(scratch() / "tools" / name, "#!/bin/sh\n" + script + "\n");
+        fs::permissions(scratch() / "tools" / name, fs::perms::owner_all);
+    }
+
+    const fs::path software = disk() / "WINDOWS/system32/config/software";
+};
+
 /// A text value as it stands in a hive file, UTF-8.
 std::string stored_text(const fs::path& hive, std::u16string_view key, std::u16string_view name) {
     const auto value = read_value(hive, key, name);
@@ -60,124 +74,112 @@ std::string stored_text(const fs::path& hive, std::u16string_view key, std::u16s
 
 }  // namespace
 
-TEST(HostileDisk, NoLinkLeadsOut) {
-    OfflineFixture fixture;
-    const fs::path outside = fixture.scratch() / "outside";
+TEST_F(Disk, NoLinkLeadsOut) {
+    const fs::path outside = scratch() / "outside";
     fs::create_directories(outside / "folder");
     write_bytes(outside / "secret.txt", "secret");
     write_bytes(outside / "folder/deep.txt", "deep");
-    write_bytes(outside / "NTUSER.DAT", bytes_of(fixture.hive_of("Anna")));
-    const fs::path disk = fixture.disk();
-    const fs::path profile = disk / "Documents and Settings/Anna";
-    fs::create_symlink(outside, disk / "Escape");
-    fs::create_symlink("../../outside", disk / "WINDOWS/up");
-    fs::create_symlink("/", disk / "School/root");
+    write_bytes(outside / "NTUSER.DAT", bytes_of(hive_of("Anna")));
+    const fs::path profile = disk() / "Documents and Settings/Anna";
+    fs::create_symlink(outside, disk() / "Escape");
+    fs::create_symlink("../../outside", disk() / "WINDOWS/up");
+    fs::create_symlink("/", disk() / "School/root");
     fs::create_symlink(outside / "secret.txt", profile / "secret.txt");
     fs::create_symlink(outside / "not there", profile / "dangling.txt");
-    fs::create_symlink(profile / "Desktop", disk / "School/inside");
-    fs::create_symlink("self", disk / "School/self");
-    fs::remove(fixture.hive_of("Ben"));
-    fs::create_symlink(outside / "NTUSER.DAT", fixture.hive_of("Ben"));
+    fs::create_symlink(profile / "Desktop", disk() / "School/inside");
+    fs::create_symlink("self", disk() / "School/self");
+    fs::remove(hive_of("Ben"));
+    fs::create_symlink(outside / "NTUSER.DAT", hive_of("Ben"));
     const std::string before = snapshot(outside);
 
-    Files& files = fixture.machine().files;
     for (const std::string& path :
          {std::string("C:\\Escape"), std::string("C:\\escape\\secret.txt"),
           std::string("C:\\Escape\\new.txt"), std::string("C:\\Escape\\folder\\deep.txt"),
           std::string("C:\\WINDOWS\\up\\secret.txt"), std::string("C:\\School\\root\\etc\\passwd"),
           std::string("C:\\School\\inside\\x.txt"), std::string("C:\\School\\self\\x"),
           std::string("C:\\Documents and Settings\\Anna\\secret.txt"),
-          std::string("C:\\Documents and Settings\\Anna\\dangling.txt"),
-          OfflineFixture::windows_hive_of("Ben")}) {
+          std::string("C:\\Documents and Settings\\Anna\\dangling.txt"), windows_hive_of("Ben")}) {
         SCOPED_TRACE(path);
         std::string bytes;
-        EXPECT_EQ(files.open_binary(path).error, path_access) << "in nobody's use";
-        EXPECT_EQ(files.read(path, bytes), permission_denied);
-        EXPECT_EQ(files.write(path, "mine"), permission_denied);
-        EXPECT_EQ(files.remove(path), permission_denied);
-        EXPECT_NE(files.set_attributes(path, attribute_read_only), no_error);
-        EXPECT_FALSE(files.find(path + "\\*"));
-        EXPECT_NE(files.delete_folder(path), no_error);
-        EXPECT_NE(files.copy_folder(path, "C:\\School\\copy"), no_error);
-        EXPECT_NE(files.copy_folder("C:\\School\\Icons", path), no_error);
+        EXPECT_EQ(files().open_binary(path).error, path_access) << "in nobody's use";
+        EXPECT_EQ(files().read(path, bytes), permission_denied);
+        EXPECT_EQ(files().write(path, "mine"), permission_denied);
+        EXPECT_EQ(files().remove(path), permission_denied);
+        EXPECT_NE(files().set_attributes(path, attribute_read_only), no_error);
+        EXPECT_FALSE(files().find(path + "\\*"));
+        EXPECT_NE(files().delete_folder(path), no_error);
+        EXPECT_NE(files().copy_folder(path, "C:\\School\\copy"), no_error);
+        EXPECT_NE(files().copy_folder("C:\\School\\Icons", path), no_error);
     }
-    EXPECT_EQ(fixture.load("Ben"), 1u);
-    EXPECT_EQ(files.attributes("C:\\Escape"), attribute_reparse_point);
+    EXPECT_EQ(load("Ben"), 1u);
+    EXPECT_EQ(files().attributes("C:\\Escape"), attribute_reparse_point);
 
     // Links in a folder are not copied, and removed without what they lead to.
-    EXPECT_EQ(files.copy_folder("C:\\School", "C:\\Copied"), no_error);
-    EXPECT_EQ(names(files, "C:\\Copied\\*"), "Icons ");
-    EXPECT_EQ(files.delete_folder("C:\\School"), no_error);
+    EXPECT_EQ(files().copy_folder("C:\\School", "C:\\Copied"), no_error);
+    EXPECT_EQ(names(files(), "C:\\Copied\\*"), "Icons ");
+    EXPECT_EQ(files().delete_folder("C:\\School"), no_error);
     EXPECT_TRUE(fs::exists(profile / "Desktop"));
     EXPECT_EQ(snapshot(outside), before);
 }
 
-TEST(HostileDisk, NoOtherNameOfAProtectedFolderDeletesIt) {
-    OfflineFixture fixture;
-    const fs::path alias = fixture.disk() / "School/Icons";  // stands for the short names of FAT
-    const std::string before = snapshot(fixture.disk());
+TEST_F(Disk, NoOtherNameOfAProtectedFolderDeletesIt) {
+    const fs::path alias = disk() / "School/Icons";  // stands for the short names of FAT
+    const std::string before = snapshot(disk());
     for (const auto& [kept, below] : {std::pair("WINDOWS", ""),
                                       {"WINDOWS/system32", "\\config"},
                                       {"Documents and Settings", "\\Anna"},
                                       {"Program Files", ""}}) {
         SCOPED_TRACE(kept);
-        if (mount((fixture.disk() / kept).c_str(), alias.c_str(), nullptr, MS_BIND, nullptr) != 0)
+        if (mount((disk() / kept).c_str(), alias.c_str(), nullptr, MS_BIND, nullptr) != 0)
             GTEST_SKIP() << "this process may not mount a folder";
-        EXPECT_EQ(fixture.machine().files.delete_folder(std::string("C:\\School\\Icons") + below),
-                  permission_denied);
+        EXPECT_EQ(files().delete_folder(std::string("C:\\School\\Icons") + below), permission_denied);
         ASSERT_EQ(umount(alias.c_str()), 0);
-        ASSERT_TRUE(snapshot(fixture.disk()) == before);
+        ASSERT_TRUE(snapshot(disk()) == before);
     }
-    EXPECT_EQ(fixture.machine().files.delete_folder("C:\\School\\Icons"), no_error);
+    EXPECT_EQ(files().delete_folder("C:\\School\\Icons"), no_error);
 }
 
-TEST(HostileDisk, NothingButFilesAndFoldersIsOpened) {
-    OfflineFixture fixture;
-    Files& files = fixture.machine().files;
-    ASSERT_EQ(mkfifo((fixture.disk() / "pipe").c_str(), 0666), 0);
+TEST_F(Disk, NothingButFilesAndFoldersIsOpened) {
+    ASSERT_EQ(mkfifo((disk() / "pipe").c_str(), 0666), 0);
     std::string bytes;
-    EXPECT_EQ(files.open_binary("C:\\pipe").error, path_access) << "and that without waiting for a writer";
-    EXPECT_EQ(files.read("C:\\pipe", bytes), permission_denied);
-    EXPECT_EQ(files.remove("C:\\pipe"), permission_denied);
-    EXPECT_EQ(files.attributes("C:\\pipe"), no_attributes);
-    EXPECT_EQ(names(files, "C:\\p*"), "Program Files ");
+    EXPECT_EQ(files().open_binary("C:\\pipe").error, path_access) << "and that without waiting for a writer";
+    EXPECT_EQ(files().read("C:\\pipe", bytes), permission_denied);
+    EXPECT_EQ(files().remove("C:\\pipe"), permission_denied);
+    EXPECT_EQ(files().attributes("C:\\pipe"), no_attributes);
+    EXPECT_EQ(names(files(), "C:\\p*"), "Program Files ");
 }
 
-TEST(HostileDisk, NamesThatWindowsCannotSpellAreLeftAlone) {
-    OfflineFixture fixture;
-    Files& files = fixture.machine().files;
-    const fs::path folder = fixture.disk() / "School/Icons";
+TEST_F(Disk, NamesThatWindowsCannotSpellAreLeftAlone) {
+    const fs::path folder = disk() / "School/Icons";
     for (const char* name :
          {"кириллица.lnk", "bad\xff.lnk", "a:b.lnk", "a\\b.lnk", "nul.lnk", "dot.lnk.", "Ü.lnk"})
         write_bytes(folder / name, name);
-    EXPECT_EQ(names(files, "C:\\School\\Icons\\*.lnk"),
+    EXPECT_EQ(names(files(), "C:\\School\\Icons\\*.lnk"),
               std::string("Calculator.LNK Notepad.lnk ") + U"Ü.lnk "_ansi);
-    EXPECT_EQ(files.copy_folder("C:\\School\\Icons", "C:\\Copy"), no_error);
-    EXPECT_EQ(snapshot(fixture.disk() / "Copy"), snapshot(folder)) << "a copy holds them all the same";
+    EXPECT_EQ(files().copy_folder("C:\\School\\Icons", "C:\\Copy"), no_error);
+    EXPECT_EQ(snapshot(disk() / "Copy"), snapshot(folder)) << "a copy holds them all the same";
 
     write_bytes(folder / "SAME.lnk", "upper");
     write_bytes(folder / "same.lnk", "lower");
     std::string bytes;
-    EXPECT_EQ(files.read("C:\\School\\Icons\\same.lnk", bytes), no_error);
+    EXPECT_EQ(files().read("C:\\School\\Icons\\same.lnk", bytes), no_error);
     EXPECT_EQ(bytes, "lower") << "the exact spelling comes first";
-    EXPECT_EQ(files.read("C:\\School\\Icons\\SaMe.lnk", bytes), no_error);
+    EXPECT_EQ(files().read("C:\\School\\Icons\\SaMe.lnk", bytes), no_error);
     EXPECT_EQ(bytes, "upper") << "else always the same one";
 }
 
-TEST(OfflineFiles, WhatAnotherProgramLocksIsInUse) {
-    OfflineFixture fixture;
-    const std::string hive = OfflineFixture::windows_hive_of("Anna");
-    const Descriptor other(open(fixture.hive_of("Anna").c_str(), O_RDONLY));
+TEST_F(Disk, WhatAnotherProgramLocksIsInUse) {
+    const std::string hive = windows_hive_of("Anna");
+    const Descriptor other(::open(hive_of("Anna").c_str(), O_RDONLY));
     ASSERT_EQ(flock(other.number(), LOCK_EX), 0);
-    Files& files = fixture.machine().files;
-    EXPECT_EQ(files.open_binary(hive).error, permission_denied);
-    EXPECT_EQ(files.write(hive, "x"), permission_denied);
-    EXPECT_EQ(files.remove(hive), permission_denied);
+    EXPECT_EQ(files().open_binary(hive).error, permission_denied);
+    EXPECT_EQ(files().write(hive, "x"), permission_denied);
+    EXPECT_EQ(files().remove(hive), permission_denied);
     ASSERT_EQ(flock(other.number(), LOCK_UN), 0);
-    EXPECT_EQ(files.open_binary(hive).error, no_error);
+    EXPECT_EQ(files().open_binary(hive).error, no_error);
 }
 
-TEST(Installation, TellsWhatItIsOrWhyItIsNotServed) {
+TEST(Installation, TellsWhatItIs) {
     const struct {
         SampleFamily family;
         const char* name;
@@ -192,111 +194,73 @@ TEST(Installation, TellsWhatItIsOrWhyItIsNotServed) {
     for (const auto& row : served) {
         OfflineFixture fixture(row.family);
         const Installation& found = fixture.offline().installation();
+        System& system = fixture.machine().system;
         EXPECT_EQ(found.family, row.name);
-        EXPECT_EQ(found.version.major, row.major);
-        EXPECT_EQ(found.version.minor, row.minor);
-        EXPECT_EQ(fixture.machine().system.windows_directory(), row.windows);
-        EXPECT_EQ(fixture.machine().system.profiles_directory(), row.profiles);
-        EXPECT_EQ(fixture.machine().system.logical_drives(), 1u << 2 | 1u << 4)
-            << "C of the map, E of its disks";
-        EXPECT_EQ(fixture.machine().system.token_groups(), std::vector<std::string>{"S-1-5-32-544"});
-    }
-
-    const struct {
-        const char* what;
-        std::function<void(const fs::path& disk)> change;
-        const char* message;
-    } refused[] = {
-        {"empty", [](const fs::path& disk) { fs::remove_all(disk / "WINDOWS"); }, "there is no Windows"},
-        {"9X",
-         [](const fs::path& disk) {
-             fs::remove_all(disk / "WINDOWS/system32");
-             write_bytes(disk / "WINDOWS/USER.DAT", "CREG");
-         },
-         "95, 98 and ME"},
-        {"newer",
-         [](const fs::path& disk) {
-             set_text(disk / "WINDOWS/system32/config/software", u"Microsoft\\Windows NT\\CurrentVersion",
-                      u"CurrentVersion", u"6.1");
-         },
-         "version 6.1"},
-        {"server",
-         [](const fs::path& disk) {
-             set_text(disk / "WINDOWS/system32/config/software", u"Microsoft\\Windows NT\\CurrentVersion",
-                      u"CurrentVersion", u"5.2");
-         },
-         "version 5.2"},
-        {"damaged",
-         [](const fs::path& disk) { write_bytes(disk / "WINDOWS/system32/config/software", "junk"); },
-         "hive"},
-        {"hibernated",
-         [](const fs::path& disk) { write_bytes(disk / "HIBERFIL.SYS", "hibr" + std::string(5000, '\0')); },
-         "hibernates"},
-    };
-    for (const auto& row : refused) {
-        SCOPED_TRACE(row.what);
-        TemporaryFolder folder;
-        ASSERT_TRUE(make_sample_installation(folder.path(), SampleFamily::winxp));
-        row.change(folder.path());
-        DriveMap drives;
-        ASSERT_TRUE(drives.add_drive('C', folder.path()));
-        const auto found = describe_installation(drives);
-        ASSERT_FALSE(found);
-        EXPECT_THAT(found.error().message, HasSubstr(row.message));
+        EXPECT_EQ(std::pair(found.version.major, found.version.minor), std::pair(row.major, row.minor));
+        EXPECT_EQ(system.windows_directory(), row.windows);
+        EXPECT_EQ(system.profiles_directory(), row.profiles);
+        EXPECT_EQ(system.logical_drives(), 1u << 2 | 1u << 4) << "C of the map, E of its disks";
+        EXPECT_EQ(system.token_groups(), std::vector<std::string>{"S-1-5-32-544"});
     }
 }
 
-TEST(Installation, IsPreparedOnceAndNotTouchedAgain) {
-    OfflineFixture fixture;
-    const fs::path software = fixture.disk() / "WINDOWS/system32/config/software";
-    britlock::prepare_installation(fixture.machine().registry);
+TEST_F(Disk, IsNotServedWhereItHoldsNoWindowsOfOurs) {
+    const auto why_not = [&] {
+        DriveMap drives;
+        EXPECT_TRUE(drives.add_drive('C', disk()));
+        const auto found = describe_installation(drives);
+        return found ? "" : found.error().message;
+    };
+    write_bytes(disk() / "HIBERFIL.SYS", "hibr" + std::string(5000, '\0'));
+    EXPECT_THAT(why_not(), HasSubstr("hibernates"));
+    fs::remove(disk() / "HIBERFIL.SYS");
+    for (const auto& [version, told] : {std::pair(u"6.1", "version 6.1"), {u"5.2", "version 5.2"}}) {
+        set_text(software, u"Microsoft\\Windows NT\\CurrentVersion", u"CurrentVersion", version);
+        EXPECT_THAT(why_not(), HasSubstr(told));
+    }
+    write_bytes(software, "junk");
+    EXPECT_THAT(why_not(), HasSubstr("hive"));
+    fs::remove_all(disk() / "WINDOWS/system32");
+    write_bytes(disk() / "WINDOWS/USER.DAT", "CREG");
+    EXPECT_THAT(why_not(), HasSubstr("95, 98 and ME"));
+    fs::remove_all(disk() / "WINDOWS");
+    EXPECT_THAT(why_not(), HasSubstr("there is no Windows"));
+}
+
+TEST_F(Disk, IsPreparedOnceAndNotTouchedAgain) {
+    britlock::prepare_installation(registry());
     EXPECT_EQ(stored_text(software, u"Microsoft\\Windows\\CurrentVersion\\Uninstall\\Brightlock Suite",
                           u"DisplayName"),
               "Brightlock Suite");
     EXPECT_EQ(findings(software), "");
     const std::string once = bytes_of(software);
-    fixture.open();
-    britlock::prepare_installation(fixture.machine().registry);
-    EXPECT_EQ(fixture.machine().registry.create_key(Root::local_machine, "SOFTWARE\\Morvane\\BRLCK"),
+    open();
+    britlock::prepare_installation(registry());
+    EXPECT_EQ(registry().create_key(Root::local_machine, "SOFTWARE\\Morvane\\BRLCK"),
               Registry::Disposition::opened);
     EXPECT_EQ(bytes_of(software), once);
 }
 
-TEST(OfflineRegistry, KeepsThePersonsOwnSettingsBetweenRuns) {
-    OfflineFixture fixture;
-    EXPECT_EQ(fixture.machine().registry.create_key(Root::current_user, "Software\\Lock"),
-              Registry::Disposition::created);
-    EXPECT_EQ(
-        fixture.machine().registry.set(Root::current_user, "Software\\Lock", "a", dword_value(3)).action,
-        success);
-    fixture.open();
+TEST_F(Disk, KeepsThePersonsOwnSettingsAndReadsAgainWhatOthersChange) {
+    EXPECT_EQ(registry().create_key(Root::current_user, "Software\\Lock"), Registry::Disposition::created);
+    EXPECT_EQ(registry().set(Root::current_user, "Software\\Lock", "a", dword_value(3)).action, success);
+    open();
     RawValue value;
-    EXPECT_EQ(fixture.machine().registry.query(Root::current_user, "Software\\Lock", "A", value).action,
-              success);
-    EXPECT_EQ(findings(fixture.scratch() / "state/user.hive"), "");
-}
+    EXPECT_EQ(registry().query(Root::current_user, "Software\\Lock", "A", value).action, success);
+    EXPECT_EQ(findings(scratch() / "state/user.hive"), "");
 
-TEST(OfflineRegistry, ReadsAgainWhatSomebodyElseHasChanged) {
-    OfflineFixture fixture;
-    Registry& registry = fixture.machine().registry;
-    britlock::prepare_installation(registry);
-    RawValue value;
-    EXPECT_EQ(registry.query(Root::local_machine, "Software\\Morvane\\BRLCK", "Country", value).action,
-              file_not_found);
-    set_text(fixture.disk() / "WINDOWS/system32/config/software", u"Morvane\\BRLCK", u"Country", u"49");
-    EXPECT_EQ(registry.query(Root::local_machine, "Software\\Morvane\\BRLCK", "Country", value).action,
-              success);
+    const std::string key = "Software\\Microsoft\\Windows NT\\CurrentVersion";
+    EXPECT_EQ(registry().query(Root::local_machine, key, "Theirs", value).action, file_not_found);
+    set_text(software, u"Microsoft\\Windows NT\\CurrentVersion", u"Theirs", u"49");
+    EXPECT_EQ(registry().query(Root::local_machine, key, "Theirs", value).action, success);
     EXPECT_EQ(describe(value), "\"49\"");
 }
 
-TEST(OfflineRegistry, WritesBehindAnInstanceThatCommitsThisMoment) {
-    OfflineFixture fixture;
-    Registry& registry = fixture.machine().registry;
-    britlock::prepare_installation(registry);
-    const fs::path software = fixture.disk() / "WINDOWS/system32/config/software";
+TEST_F(Disk, WritesBehindAnInstanceThatCommitsThisMoment) {
+    britlock::prepare_installation(registry());
     const std::string key = "Software\\Morvane\\BRLCK";
     RawValue value;
-    EXPECT_EQ(registry.query(Root::local_machine, key, "mine", value).action, file_not_found);
+    EXPECT_EQ(registry().query(Root::local_machine, key, "mine", value).action, file_not_found);
     const auto place = *hostfile::place_of(software);
     auto theirs = hostfile::FileLock::acquire(place);
     ASSERT_TRUE(theirs);
@@ -307,66 +271,58 @@ TEST(OfflineRegistry, WritesBehindAnInstanceThatCommitsThisMoment) {
                                          {regf::REG_DWORD, {1, 0, 0, 0}}, 1));
         EXPECT_TRUE(regf::commit(place, file->hive, file->identity, 1));
     });
-    EXPECT_EQ(registry.set(Root::local_machine, key, "mine", dword_value(1)).action, success);
+    EXPECT_EQ(registry().set(Root::local_machine, key, "mine", dword_value(1)).action, success);
     other.join();
     for (const char* name : {"mine", "theirs"})
-        EXPECT_EQ(registry.query(Root::local_machine, key, name, value).action, success) << name;
+        EXPECT_EQ(registry().query(Root::local_machine, key, name, value).action, success) << name;
 }
 
-TEST(OfflineRegistry, AReadOnlyHiveIsOpenForReadersOnly) {
-    OfflineFixture fixture;
-    const fs::path software = fixture.disk() / "WINDOWS/system32/config/software";
+TEST_F(Disk, AReadOnlyHiveIsOpenForReadersOnly) {
     ASSERT_EQ(chmod(software.c_str(), 0444), 0);
-    Registry& registry = fixture.machine().registry;
     const std::string key = "Software\\Microsoft\\Windows NT\\CurrentVersion";
     RawValue value;
-    EXPECT_EQ(registry.query(Root::local_machine, key, "CurrentVersion", value).action, success);
-    EXPECT_EQ(registry.set(Root::local_machine, key, "a", dword_value(1)).open, access_denied);
-    EXPECT_EQ(registry.create_key(Root::local_machine, key), Registry::Disposition::failed);
-    EXPECT_EQ(fixture.machine().system.token_groups(), std::vector<std::string>{"S-1-5-32-545"});
+    EXPECT_EQ(registry().query(Root::local_machine, key, "CurrentVersion", value).action, success);
+    EXPECT_EQ(registry().set(Root::local_machine, key, "a", dword_value(1)).open, access_denied);
+    EXPECT_EQ(registry().create_key(Root::local_machine, key), Registry::Disposition::failed);
+    EXPECT_EQ(machine().system.token_groups(), std::vector<std::string>{"S-1-5-32-545"});
 }
 
-TEST(OfflineRegistry, ATextBeyondTheCodePageSurvivesItsOwnRoundTrip) {
-    OfflineFixture fixture;
+TEST_F(Disk, ATextBeyondTheCodePageSurvivesItsOwnRoundTrip) {
     const std::u16string list = u"Software\\List";
-    for (const char* user : {"Anna", "Ben"}) {
-        const fs::path hive = fixture.hive_of(user);
-        const bool anna = user == std::string("Anna");
-        set_text(hive, list, u" 0", anna ? u"ШКОЛ.EXE" : u"УРОК.EXE");
-        set_text(hive, list, u" 1", u"calc.exe");
-        set_text(hive, list, u" 2", anna ? u"Ω.exe" : u"Łódź.exe");
-        set_text(hive, list, u" 3", anna ? u"Ψ.exe" : u"really?");
-        set_text(hive, list, u"Ж", u"a name that nobody here can spell");
+    const std::map<std::string, std::vector<std::u16string>> lists{
+        {"Anna", {u"ШКОЛ.EXE", u"calc.exe", u"Ω.exe", u"Ψ.exe"}},
+        {"Ben", {u"УРОК.EXE", u"calc.exe", u"Łódź.exe", u"really?"}}};
+    for (const auto& [user, texts] : lists) {
+        for (size_t i = 0; i < texts.size(); ++i)
+            set_text(hive_of(user), list, std::u16string{u' ', static_cast<char16_t>(u'0' + i)}, texts[i]);
+        set_text(hive_of(user), list, u"Ж", u"a name that nobody here can spell");
     }
     const auto read = [&](const std::string& user) {
         std::vector<std::string> texts;
-        EXPECT_EQ(fixture.load(user), 0u);
+        EXPECT_EQ(load(user), 0u);
         RawValue value;
         for (const char* name : {" 0", " 1", " 2", " 3"}) {
-            if (fixture.machine()
-                    .registry.query(Root::users, user + "\\Software\\List", name, value)
-                    .action == success)
-                texts.emplace_back(text::up_to_nul(value.data));
+            EXPECT_EQ(registry().query(Root::users, user + "\\Software\\List", name, value).action, success);
+            texts.emplace_back(text::up_to_nul(value.data));
         }
-        EXPECT_EQ(fixture.unload(user), 0u);
+        EXPECT_EQ(unload(user), 0u);
         return texts;
     };
     /// Deletes the list and writes it anew, as Apply does.
     const auto write = [&](const std::string& user, const std::vector<std::string>& texts) {
-        Registry& registry = fixture.machine().registry;
         const std::string key = user + "\\Software\\List";
-        EXPECT_EQ(fixture.load(user), 0u);
-        EXPECT_EQ(registry.delete_key(Root::users, key), success);
-        EXPECT_EQ(registry.create_key(Root::users, key), Registry::Disposition::created);
+        EXPECT_EQ(load(user), 0u);
+        EXPECT_EQ(registry().delete_key(Root::users, key), success);
+        EXPECT_EQ(registry().create_key(Root::users, key), Registry::Disposition::created);
         for (size_t i = 0; i < texts.size(); ++i)
-            EXPECT_EQ(registry.set(Root::users, key, " " + std::to_string(i), text_value(texts[i])).action,
+            EXPECT_EQ(registry().set(Root::users, key, " " + std::to_string(i), text_value(texts[i])).action,
                       success);
-        EXPECT_EQ(fixture.unload(user), 0u);
+        EXPECT_EQ(unload(user), 0u);
     };
     const auto stored = [&](const std::string& user) {
         std::string all;
         for (const char16_t* name : {u" 0", u" 1", u" 2", u" 3", u" 4"})
-            all += stored_text(fixture.hive_of(user), list, name) + " ";
+            all += stored_text(hive_of(user), list, name) + " ";
         return all;
     };
     const auto annas = read("Anna");
@@ -387,60 +343,54 @@ TEST(OfflineRegistry, ATextBeyondTheCodePageSurvivesItsOwnRoundTrip) {
     EXPECT_EQ(stored("Ben"), "УРОК.EXE ?.exe (missing) (missing) (missing) ") << "Anna's stay hers";
 }
 
-TEST(OfflineProcesses, TellsAReasonHoweverTheHiveToolEnds) {
-    OfflineFixture fixture;
+TEST_F(Disk, TellsAReasonHoweverTheHiveToolEnds) {
     (void)std::signal(SIGCHLD, SIG_IGN);
-    EXPECT_EQ(fixture.unload("Nobody"), 1u) << "where nothing is known of its end it counts as failed";
+    EXPECT_EQ(unload("Nobody"), 1u) << "where nothing is known of its end it counts as failed";
     (void)std::signal(SIGCHLD, SIG_DFL);
-    EXPECT_TRUE(fixture.reports.empty()) << "nothing was mounted, nothing is new";
+    EXPECT_TRUE(reports.empty()) << "nothing was mounted, nothing is new";
 
-    ASSERT_EQ(fixture.load("Anna"), 0u);
-    EXPECT_TRUE(fixture.reports.back().succeeded);
-    const auto load = ToolReport::Verb::load;
-    fixture.options.executables = (fixture.scratch() / "tools").string();
-    fs::create_directory(fixture.options.executables);
-    const fs::path tool = fixture.scratch() / "tools/regg.exe";
-    for (const char* end : {"kill -9 $$", "exit 3", "printf '0 2 0' >&3; exit 1"}) {
-        write_bytes(tool, std::string("#!/bin/sh\n") + end + "\n");
-        fs::permissions(tool, fs::perms::owner_all);
-        fixture.open();
-        EXPECT_NE(fixture.load("Ben"), 0u) << end;
-        const ToolReport& told = fixture.reports.back();
-        EXPECT_THAT(told.detail, HasSubstr("regg.exe ")) << end;
-        EXPECT_EQ(told, (ToolReport{load, "Ben", false, std::nullopt, told.detail})) << end;
+    ASSERT_EQ(load("Anna"), 0u);
+    std::ifstream children("/proc/self/task/" + std::to_string(gettid()) + "/children");
+    for (id_t child = 0; children >> child;) {
+        siginfo_t end;
+        kill(static_cast<pid_t>(child), SIGKILL);
+        EXPECT_EQ(waitid(P_PID, child, &end, WEXITED | WNOWAIT), 0);
     }
-    ASSERT_EQ(fixture.reports.size(), 4u);
+    EXPECT_EQ(unload("Anna"), 0u) << "the tool that had been waiting for this is gone, another does it";
+
+    options.executables = (scratch() / "tools").string();
+    fs::create_directory(options.executables);
+    for (const char* end : {"kill -9 $$", "exit 3", "printf '0 2 0' >&3; exit 1"}) {
+        make_program("regg.exe", end);
+        open();
+        EXPECT_NE(load("Ben"), 0u) << end;
+        const ToolReport& told = reports.back();
+        EXPECT_THAT(told.detail, HasSubstr("regg.exe ")) << end;
+        EXPECT_EQ(told, (ToolReport{ToolReport::Verb::load, "Ben", false, std::nullopt, told.detail})) << end;
+    }
+    EXPECT_EQ(reports.size(), 5u);
 }
 
-TEST(OfflineProcesses, HandFoldersAndWebAddressesToTheDesktopAndNothingElse) {
-    OfflineFixture fixture;
-    const fs::path tools = fixture.scratch() / "tools";
-    const fs::path opened = fixture.scratch() / "opened";
-    fs::create_directory(tools);
-    write_bytes(tools / "xdg-open", "#!/bin/sh\necho \"$1\" >> '" + opened.string() + "'\n");
-    fs::permissions(tools / "xdg-open", fs::perms::owner_all);
+TEST_F(Disk, HandsFoldersAndWebAddressesToTheDesktopAndNothingElse) {
+    const fs::path opened = scratch() / "opened";
+    fs::create_directory(scratch() / "tools");
+    make_program("xdg-open", "echo \"$1\" >> '" + opened.string() + "'");
     const std::string path = std::getenv("PATH");
-    setenv("PATH", (tools.string() + ":" + path).c_str(), 1);
-    Processes& processes = fixture.machine().processes;
-    EXPECT_EQ(run_command(processes, "Explorer.exe c:\\school\\ICONS"), 0u);
-    EXPECT_EQ(run_command(processes, "explorer.exe C:\\none"), 0u);
-    EXPECT_EQ(run_command(processes, "C:\\WINDOWS\\notepad.exe"), 1000u + no_such_file);
-    EXPECT_EQ(run_command(processes, "xdg-open x"), 1000u + no_such_file);
+    setenv("PATH", ((scratch() / "tools").string() + ":" + path).c_str(), 1);
+    Processes& processes = machine().processes;
+    for (const char* ours : {"Explorer.exe c:\\school\\ICONS", "explorer.exe C:\\none", "explorer.exe C:\\"})
+        EXPECT_EQ(run_command(processes, ours), 0u) << ours;
+    for (const char* other : {"C:\\WINDOWS\\notepad.exe", "xdg-open x"})
+        EXPECT_EQ(run_command(processes, other), 1000u + no_such_file) << other;
     for (const char* address : {"file:///etc/passwd", "javascript:1", "HTTP://update.invalid/?a=b c"})
         processes.open_address(address);
-    EXPECT_EQ(run_command(processes, "explorer.exe C:\\"), 0u);
     setenv("PATH", "/none", 1);
     EXPECT_EQ(run_command(processes, "explorer.exe C:\\"), 0u) << "a system without a desktop";
-    setenv("PATH", (tools.string() + ":" + path).c_str(), 1);
-    std::string wanted = (fixture.disk() / "School/Icons").string() + "\n";
     for (int wait = 0; wait < 200 && bytes_of(opened).find("update") == std::string::npos; ++wait)
         usleep(10000);
     setenv("PATH", path.c_str(), 1);
-    EXPECT_THAT(bytes_of(opened), HasSubstr(wanted));
-    EXPECT_THAT(bytes_of(opened), HasSubstr(fixture.disk().string() + "\n"));
-    EXPECT_THAT(bytes_of(opened), HasSubstr("HTTP://update.invalid/?a=b c\n"));
-    const std::string lines = bytes_of(opened);
-    EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), 3) << lines;
+    EXPECT_EQ(bytes_of(opened), (disk() / "School/Icons").string() + "\n" + disk().string() +
+                                    "\nHTTP://update.invalid/?a=b c\n");
 }
 
 TEST(DriveMap, TellsTheHiveToolOfFoldersWithAnyName) {

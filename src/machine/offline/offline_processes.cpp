@@ -129,10 +129,9 @@ Processes::Started OfflineProcesses::open_folder_window(const std::string& folde
 }
 
 OfflineProcesses::~OfflineProcesses() {
-    if (next_tool_.id != 0) {
-        (void)shutdown(next_tool_.channel.number(), SHUT_WR);  // nobody is left to ask it, so it ends
-        leaving_.push_back(next_tool_.id);
-    }
+    if (next_tool_.id != 0) leaving_.push_back(next_tool_.id);
+    (void)shutdown(next_tool_.channel.number(), SHUT_WR);  // nobody is left to ask it, so it ends
+    next_tool_ = Process();
     take_leave(0);
 }
 
