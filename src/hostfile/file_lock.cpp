@@ -41,8 +41,11 @@ Result<FileLock> FileLock::hold(const HostPlace& place, OpenFile opened, Purpose
     return FileLock(std::move(opened.file));
 }
 
-FileLock::~FileLock() {
+FileLock::~FileLock() { (void)release(); }
+
+Descriptor FileLock::release() {
     if (file_.is_open()) (void)flock(file_.number(), LOCK_UN);
+    return std::move(file_);
 }
 
 Result<FileLock> lock_with_patience(const HostPlace& place, FileLock::Purpose purpose,

@@ -29,6 +29,9 @@ class FileLock {
     int descriptor() const { return file_.number(); }
     /// For another process of ours, which goes on with the lock: this one lets go of it.
     Descriptor hand_over() { return std::move(file_); }
+    /// Ends it. The file stays open: closing the last descriptor of one that was replaced takes the disk its
+    /// time.
+    Descriptor release();
 
   private:
     static Result<FileLock> hold(const HostPlace& place, OpenFile opened, Purpose purpose);

@@ -102,7 +102,8 @@ Result<Done> write_changes(Setting& setting, const MountRecord& record, Run& run
         report.detail = "the unfinished changes of a run that was broken off are dropped";
     }
     const auto removed = setting.mounts.remove(hive->record.mount);  // while nobody else can add to it
-    run.remains = std::make_shared<const regf::HiveFile>(std::move(hive->file));
+    using Remains = std::pair<regf::HiveFile, hostfile::Descriptor>;
+    run.remains = std::make_shared<const Remains>(std::move(hive->file), hive->lock.release());
     // A record that tells of a hive that is written is no mount: the next one who finds it clears it away.
     return removed || report.changed > 0 ? Done{} : removed;
 } catch (const std::bad_alloc&) {

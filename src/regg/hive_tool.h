@@ -23,8 +23,9 @@ struct Setting {
 struct Run {
     machine::ToolReport report;
     std::optional<machine::HandedHive> hive;  ///< that was loaded
-    /// What lies in memory. It is cleared away after the report: nobody need wait for that.
-    std::shared_ptr<const regf::HiveFile> remains;
+    /// What lies in memory, and the room of the file that was replaced. It is cleared away after the report:
+    /// nobody need wait for that but the next who writes.
+    std::shared_ptr<const void> remains;
 };
 
 /// `load <file> HKU\<name>` or `unload HKU\<name>`, words in UTF-8. After a success too the report may have a

@@ -383,6 +383,7 @@ TEST_F(HiveTool, AFullDiskUnderTheHiveKeepsTheChangesForOneMoreUnload) {
     EXPECT_EQ(unload("Anna"), 0u);
     EXPECT_EQ(stored(), 9);
 
+    open();  // the room of the old file is free by now
     mount_with(10);
     small.fill();
     EXPECT_EQ(unload("Anna"), 1u);

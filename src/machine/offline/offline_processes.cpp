@@ -83,6 +83,7 @@ Processes::Started OfflineProcesses::start_hive_tool(const std::string& host_pro
         child.code = 1;  // as the tool would say; it takes its time to start
         return add(std::move(child));
     }
+    if (unloads) take_leave(0);  // a file that was replaced leaves its room when its tool ends
     child.process = ask_tool(host_program, {drives_.text(), mounts_.folder(), words}, released.hive);
     if (child.process.id == 0) return {no_such_file, 0};
     return add(std::move(child));
