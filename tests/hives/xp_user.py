@@ -40,82 +40,32 @@ def noise(seed, length):
     return BINARY, bytes(out)
 
 
-SOUNDS = """.Default AppGPFault Close CriticalBatteryAlarm DeviceConnect DeviceDisconnect DeviceFail LowBatteryAlarm
-MailBeep Maximize MenuCommand MenuPopup Minimize Open PrintComplete RestoreDown RestoreUp ShowBand SystemAsterisk
-SystemExclamation SystemExit SystemHand SystemNotification SystemQuestion SystemStart WindowsLogoff WindowsLogon""".split()
-PLACES = {"AppData": "Application Data", "Cache": "Local Settings\\Temporary Internet Files", "Cookies": "Cookies",
-          "Desktop": "Desktop", "Favorites": "Favorites", "History": "Local Settings\\History",
-          "Local AppData": "Local Settings\\Application Data", "My Pictures": "My Documents\\My Pictures",
-          "NetHood": "NetHood", "Personal": "My Documents", "PrintHood": "PrintHood", "Programs": "Start Menu\\Programs",
-          "Recent": "Recent", "SendTo": "SendTo", "Start Menu": "Start Menu", "Startup": "Start Menu\\Programs\\Startup",
-          "Templates": "Templates"}
-COLORS = """ActiveBorder ActiveTitle AppWorkSpace Background ButtonAlternateFace ButtonDkShadow ButtonFace ButtonHilight
-ButtonLight ButtonShadow ButtonText GradientActiveTitle GradientInactiveTitle GrayText Hilight HilightText HotTrackingColor
-InactiveBorder InactiveTitle InactiveTitleText InfoText InfoWindow Menu MenuBar MenuHilight MenuText Scrollbar TitleText
-Window WindowFrame WindowText""".split()
-ENDINGS = """.ai .asf .asx .avi .bmp .cab .css .csv .dib .doc .dot .emf .eps .gif .hlp .htm .html .ico .inf .ini .jpeg .jpg
-.js .log .mid .mp3 .mpeg .mpg .pdf .png .ppt .rtf .tif .tiff .txt .url .wav .wma .wmf .wmv .wri .xls .xml .xsl .zip""".split()
+PLACES = ["AppData", "Cache", "Cookies", "Desktop", "Favorites", "History", "NetHood", "Personal", "PrintHood", "Programs", "Recent",
+          "SendTo", "Start Menu", "Startup", "Templates"]
 
 # key: values; a value without a type is text, a number a DWORD.
 PLAIN = {
-    "Console": dict({"ColorTable%02d" % i: 0x10101 * i * 16 for i in range(16)}, CursorSize=25, FullScreen=0, FontSize=0,
-                    FaceName="", HistoryBufferSize=50, InsertMode=1, PopupColors=0xF5, QuickEdit=0, ScreenBufferSize=0x12C0050,
-                    ScreenColors=7, WindowSize=0x190050),
-    "Control Panel\\Accessibility\\HighContrast": {"Flags": "126", "High Contrast Scheme": "High Contrast Black (large)"},
-    "Control Panel\\Accessibility\\Keyboard Response": {"AutoRepeatDelay": "1000", "Flags": "126"},
-    "Control Panel\\Accessibility\\MouseKeys": {"Flags": "62", "MaximumSpeed": "80", "TimeToMaximumSpeed": "3000"},
-    "Control Panel\\Accessibility\\StickyKeys": {"Flags": "510"},
-    "Control Panel\\Appearance": {"Current": "Windows Standard"},
-    "Control Panel\\Colors": {name: "%d %d %d" % (i * 7, 255 - i * 3, i * 5) for i, name in enumerate(COLORS)},
-    "Control Panel\\Current": {"Color Schemes": "Windows Standard"},
-    "Control Panel\\Cursors": dict({"": "Windows Default"}, **{c: path("%%SystemRoot%%\\cursors\\%s.cur" % c.lower()) for c in
-                                   "AppStarting Arrow Crosshair Hand Help IBeam No SizeAll SizeNESW SizeNS SizeNWSE SizeWE UpArrow Wait".split()}),
-    "Control Panel\\Custom Colors": {"Color" + chr(65 + i): "FFFFFF" for i in range(16)},
-    "Control Panel\\Desktop": {
-        "ActiveWndTrkTimeout": 0, "AutoEndTasks": "0", "CaretWidth": 1, "CoolSwitch": "1", "CoolSwitchColumns": "7",
-        "CoolSwitchRows": "3", "CursorBlinkRate": "530", "DragFullWindows": "1", "DragHeight": "4", "DragWidth": "4",
-        "FontSmoothing": "2", "ForegroundFlashCount": 3, "ForegroundLockTimeout": 200000, "GridGranularity": "0",
-        "HungAppTimeout": "5000", "LowPowerActive": "0", "MenuShowDelay": "400", "PaintDesktopVersion": 0,
-        "Pattern": "(None)", "PowerOffActive": "0", "ScreenSaveActive": "1", "ScreenSaverIsSecure": "0",
-        "ScreenSaveTimeOut": "600", "SCRNSAVE.EXE": "C:\\WINDOWS\\System32\\logon.scr", "TileWallpaper": "0",
-        "UserPreferencesMask": (BINARY, b"\x9e\x3e\x07\x80"), "WaitToKillAppTimeout": "20000",
-        "Wallpaper": "C:\\WINDOWS\\web\\wallpaper\\Bliss.bmp", "WallpaperStyle": "2", "OriginalWallpaper": "",
-        "WheelScrollLines": "3"},
+    "Control Panel\\Desktop": {"ForegroundLockTimeout": 200000, "Pattern": "(None)", "ScreenSaveActive": "1",
+                               "SCRNSAVE.EXE": "C:\\WINDOWS\\System32\\logon.scr", "TileWallpaper": "0",
+                               "UserPreferencesMask": (BINARY, b"\x9e\x3e\x07\x80"), "OriginalWallpaper": "",
+                               "Wallpaper": "C:\\WINDOWS\\web\\wallpaper\\Bliss.bmp", "WallpaperStyle": "2"},
     "Control Panel\\don't load": {"ncpa.cpl": "No", "odbccp32.cpl": "No"},
-    "Control Panel\\International": {"iCountry": "1", "iCurrDigits": "2", "iDate": "0", "iDigits": "2", "iMeasure": "1",
-                                     "iTime": "0", "Locale": "00000409", "s1159": "AM", "s2359": "PM", "sCountry": "United States",
-                                     "sCurrency": "$", "sDate": "/", "sDecimal": ".", "sLanguage": "ENU", "sList": ",",
-                                     "sShortDate": "M/d/yyyy", "sThousand": ",", "sTime": ":", "sTimeFormat": "h:mm:ss tt"},
-    "Control Panel\\Keyboard": {"InitialKeyboardIndicators": "2", "KeyboardDelay": "1", "KeyboardSpeed": "31"},
-    "Control Panel\\Mouse": {"ActiveWindowTracking": 0, "DoubleClickSpeed": "500", "MouseSpeed": "1", "MouseThreshold1": "6",
-                             "SnapToDefaultButton": "0", "SwapMouseButtons": "0"},
     "Control Panel\\Sound": {"Beep": "yes", "ExtendedSounds": "yes"},
-    "Environment": {"TEMP": path("%USERPROFILE%\\Local Settings\\Temp"), "TMP": path("%USERPROFILE%\\Local Settings\\Temp")},
-    "Identities": {"Default User ID": "{6C1F4B0E-93D1-4E77-8E53-20AF1D5B7C11}", "Identity Ordinal": 2, "Migrated5": 1},
-    "Identities\\{6C1F4B0E-93D1-4E77-8E53-20AF1D5B7C11}": {"Identity Ordinal": 1, "Username": "Main Identity"},
-    "Keyboard Layout\\IMEtoggle": {}, "Keyboard Layout\\Substitutes": {}, "Keyboard Layout\\Toggle": {},
-    "Keyboard Layout\\Preload": {"1": "00000409", "2": "00000407"},
-    "Printers\\Connections": {},
-    "Printers\\DevModePerUser": {"Laser in room 12": noise(1, 732)},
-    "Printers\\DevModes2": {"Laser in room 12": noise(2, 732)},
-    "UNICODE Program Groups": {}, "Windows 3.1 Migration Status\\Groups": {}, "Windows 3.1 Migration Status\\IniFiles": {},
-    MS + "Internet Explorer\\Main": {"Start Page": "http://www.example.org/", "Show_FullURL": "no", "Use FormSuggest": "no",
-                                     "Window_Placement": noise(3, 44), "NotifyDownloadComplete": "yes", "XMLHTTP": 1},
-    MS + "Internet Explorer\\TypedURLs": {"url%d" % i: "http://school.example.org/page%d.html" % i for i in range(1, 26)},
-    MS + "Windows NT\\CurrentVersion\\Devices": {"Laser in room 12": "winspool,Ne00:"},
-    MS + "Windows NT\\CurrentVersion\\PrinterPorts": {"Laser in room 12": "winspool,Ne00:,15,45"},
-    MS + "Windows NT\\CurrentVersion\\Windows": {"Device": "Laser in room 12,winspool,Ne00:", "load": "", "Programs": "com exe bat pif cmd"},
-    MS + "Windows NT\\CurrentVersion\\Winlogon": {"ParseAutoexec": "1", "ExcludeProfileDirs": "Local Settings;Temp"},
     CURRENT + "Policies\\Explorer": {"NoDriveTypeAutoRun": 0x91},
     CURRENT + "Run": {"ctfmon.exe": "C:\\WINDOWS\\system32\\ctfmon.exe"},
-    CURRENT + "Internet Settings": {"EnableHttp1_1": 1, "MigrateProxy": 1, "ProxyEnable": 0, "WarnOnPost": (BINARY, b"\1\0\0\0")},
-    EXPLORER + "Advanced": {"Hidden": 2, "HideFileExt": 1, "ShowSuperHidden": 0, "WebView": 1, "Filter": 0, "TaskbarSizeMove": 0},
-    EXPLORER + "Shell Folders": {name: "C:\\Documents and Settings\\Anna\\" + where for name, where in PLACES.items()},
-    EXPLORER + "User Shell Folders": {name: path("%USERPROFILE%\\" + where) for name, where in PLACES.items()},
+    EXPLORER + "Shell Folders": {name: "C:\\Documents and Settings\\Anna\\" + name for name in PLACES},
+    EXPLORER + "User Shell Folders": {name: path("%USERPROFILE%\\" + name) for name in PLACES},
     EXPLORER + "StartPage": {"ProgramsCache": noise(4, 19242), "FavoritesResolve": noise(5, 1600)},
     EXPLORER + "TrayNotify": {"IconStreams": noise(6, 5440), "PastIconsStream": noise(7, 6692)},
     EXPLORER + "RecentDocs": {str(i): noise(20 + i, 90 + 4 * i) for i in range(60)},
 }
+# Keys with a bit of everything in them, or with nothing.
+OTHERS = """Console|Control Panel\\Accessibility\\HighContrast|Control Panel\\Accessibility\\MouseKeys|Control Panel\\Appearance|
+Control Panel\\Colors|Control Panel\\Cursors|Control Panel\\International|Control Panel\\Mouse|Environment|
+Identities\\{6C1F4B0E-93D1-4E77-8E53-20AF1D5B7C11}|Keyboard Layout\\Preload|Keyboard Layout\\Toggle|Printers\\Connections|
+Printers\\DevModePerUser|Software\\Microsoft\\Internet Explorer\\Main|Software\\Microsoft\\Internet Explorer\\TypedURLs|
+Software\\Microsoft\\Windows NT\\CurrentVersion\\Devices|Software\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon|
+UNICODE Program Groups|Windows 3.1 Migration Status\\Groups""".replace("\n", "").split("|")
 CLASSES = {EXPLORER + "FileExts\\.txt\\OpenWithList": "Shell", EXPLORER + "RunMRU": "Shell",
            "Software\\Intel": "Application User Data", "Software\\Intel\\Indeo": "Application User Data",
            "AppEvents\\Schemes\\Apps\\Explorer": "Shell"}
@@ -134,30 +84,34 @@ def fill(hive, table):
             hive.set(where, name, *typed(value))
 
 
+def others(hive):
+    for number_, where in enumerate(OTHERS):
+        hive.key(where)
+        for i in range(number_ * 7 % 24):
+            kinds = number(i * i), text("Text %d" % i), path("%%SystemRoot%%\\part%d" % i), noise(i, 40 * i)
+            hive.set(where, "Value %d" % i, *kinds[i % 4])
+
+
 def sounds(hive):
-    for number_, sound in enumerate(SOUNDS):
-        hive.set("AppEvents\\EventLabels\\" + sound, "", *text("Sound of " + sound))
-        hive.set("AppEvents\\EventLabels\\" + sound, "DispFileName", *text("@mmsys.cpl,-%d" % (5824 + number_)))
+    for i in range(30):
+        hive.set("AppEvents\\EventLabels\\Sound%d" % i, "DispFileName", *text("@mmsys.cpl,-%d" % (5824 + i)))
         for scheme in (".Current", ".Default"):
-            hive.set("AppEvents\\Schemes\\Apps\\.Default\\%s\\%s" % (sound, scheme), "",
-                     *path("%%SystemRoot%%\\media\\Windows XP %s.wav" % sound))
+            hive.set("AppEvents\\Schemes\\Apps\\.Default\\Sound%d\\%s" % (i, scheme), "", *path("%%SystemRoot%%\\media\\%d.wav" % i))
 
 
 def zones(hive):
-    for zone, name in enumerate(["My Computer", "Local intranet", "Trusted sites", "Internet", "Restricted sites"]):
+    for zone in range(5):
         where = CURRENT + "Internet Settings\\Zones\\%d" % zone
-        fill(hive, {where: {"": "", "DisplayName": name, "Icon": "inetcpl.cpl#%05d" % (4480 + zone), "Flags": 0x21 << zone}})
-        for action in list(range(0x1001, 0x1007)) + list(range(0x1200, 0x1210)) + list(range(0x1400, 0x1409)) + list(
-                range(0x1601, 0x160C)) + list(range(0x1800, 0x1809)):
+        fill(hive, {where: {"": "", "DisplayName": "Zone %d" % zone, "Flags": 0x21 << zone}})
+        for action in range(0x1400, 0x1436):
             hive.set(where, "%X" % action, *number(action % 4))
 
 
 def shell(hive):
-    for ending in ENDINGS:
-        where = EXPLORER + "FileExts\\" + ending
-        hive.set(where + "\\OpenWithProgids", ending[1:] + "file", NONE, b"")
-        if len(ending) == 4:
-            fill(hive, {where + "\\OpenWithList": {"a": "notepad.exe", "MRUList": "a"}})
+    for ending in range(45):
+        where = EXPLORER + "FileExts\\.%d" % ending
+        hive.set(where + "\\OpenWithProgids", "file", NONE, b"")
+        fill(hive, {where + "\\OpenWithList": {"a": "notepad.exe", "MRUList": "a"}})
     for group in ("Favorites", "Start Menu", "Start Menu2\\Programs", "Start Menu2\\Programs\\Accessories"):
         key = hive.key(EXPLORER + "MenuOrder\\" + group, class_name="Menu order")
         hive.set(key, "Order", *noise(len(group), 300 + 90 * len(group)))
@@ -213,6 +167,7 @@ def xp_user():
             for place in ("Software\\Policies\\Microsoft\\SystemCertificates\\", MS + "SystemCertificates\\"):
                 hive.key(place + store + "\\" + part)
     fill(hive, PLAIN)
+    others(hive)
     sounds(hive)
     zones(hive)
     shell(hive)
