@@ -9,31 +9,29 @@
 namespace britlock {
 
 /// A sample installation with a drive D, a person in front of the program, and the real hive tool.
-struct Installed {
+struct Installed : Person {
     explicit Installed(machine::SampleFamily family = machine::SampleFamily::winxp) : windows(family) {
         std::filesystem::create_directories(windows.scratch() / "D");
         windows.options.drives['D'] = (windows.scratch() / "D").string();
         windows.open();
     }
-    ~Installed() { person.program.reset(); }
+    ~Installed() { program.reset(); }  // before the machine it works on
 
     /// A first start: there is no password yet.
     MainForm& enter() {
         prepare_installation(windows.machine().registry);
-        person.screen.expect_box("Set a Password !");
-        person.start(windows.machine());
-        person.screen.expect_box("Password...");
-        person.set_password("secret");
-        return person.window();
+        expecting("Set a Password !").start(windows.machine());
+        expecting("Password...").set_password("secret");
+        return window();
     }
     /// Another run, which reads the user.
     MainForm& enter_again(const std::string& user) {
-        person.program.reset();
+        program.reset();
         windows.open();
-        person.start(windows.machine());
-        person.give_password("secret");
-        person.choose(user);
-        return person.window();
+        start(windows.machine());
+        give_password("secret");
+        choose(user);
+        return window();
     }
 
     std::filesystem::path hive(const std::string& user = "Anna") {
@@ -47,7 +45,6 @@ struct Installed {
     }
 
     OfflineFixture windows;
-    Person person;
 };
 
 }  // namespace britlock

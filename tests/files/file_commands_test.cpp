@@ -10,126 +10,100 @@ namespace {
 
 using namespace machine;
 using testing::HasSubstr;
-using testing::Not;
 using toolkit::Answer;
 
-struct FileCommands : testing::Test {
-    World w;
-    MemoryKey& anna = w.windows.add_profile("Anna");
-    MainForm* window = &w.enter();
-
-    bool save_as(const std::string& path) {
-        w.screen.expect_file(path);
-        return w.click(window->mm13);
-    }
-    bool open(const std::string& path) {
-        w.screen.expect_file(path);
-        return w.click(window->mm11);
-    }
+struct FileCommands : testing::Test, WithAnna {
+    bool saved_to(const std::string& path) { return content(path) == brl_text(window().marks()); }
 };
 
 TEST_F(FileCommands, SaveAsksForANameOnceAndSaveAsAlways) {
-    const auto saved_to = [&](const std::string& path) {
-        return w.content(path) == brl_text(window->marks());
-    };
-    w.choosing_file("").click(window->mm12);
-    w.choosing_file("C:\\a.brl").click(window->mm12);
+    MainForm& form = window();
+    choosing_file("").click(form.mm12);
+    choosing_file("C:\\a.brl").click(form.mm12);
     EXPECT_TRUE(saved_to("C:\\a.brl"));
-    w.click(window->c11);
-    w.click(window->mm12);
+    click(form.c11);
+    click(form.mm12);
     EXPECT_TRUE(saved_to("C:\\a.brl")) << "written over without a question";
-    const toolkit::FileDialog& asked = w.screen.file_dialogs.back();
+    const toolkit::FileDialog& asked = screen.file_dialogs.back();
     EXPECT_EQ(asked.title + asked.filter, "Save Settings*.BRL (Brightlock)|*.brl");
     EXPECT_EQ(asked.action, toolkit::FileDialog::Action::save);
 
-    w.windows.files.add_file("C:\\b.brl", "old");
-    w.screen.expect_box("Save settings...", Answer::no);
-    save_as("C:\\b.brl");
-    EXPECT_EQ(w.content("C:\\b.brl"), "old");
-    EXPECT_EQ(window->last_file_name, "C:\\a.brl");
-    EXPECT_EQ(w.told(), "This file already exists.\nOverwrite existing file ?");
-    w.screen.expect_box("Save settings...", Answer::yes);
-    save_as("C:\\b.brl");
+    windows.files.add_file("C:\\b.brl", "old");
+    expecting("Save settings...", Answer::no).choosing_file("C:\\b.brl").click(form.mm13);
+    EXPECT_EQ(content("C:\\b.brl") + form.last_file_name, "oldC:\\a.brl");
+    EXPECT_EQ(told(), "This file already exists.\nOverwrite existing file ?");
+    expecting("Save settings...", Answer::yes).choosing_file("C:\\b.brl").click(form.mm13);
     EXPECT_TRUE(saved_to("C:\\b.brl"));
-    EXPECT_EQ(w.screen.beeps, 2);
-    w.windows.files.add_file("C:\\empty.brl", "");
-    save_as("C:\\empty.brl");
-    open("C:\\a.brl");
-    EXPECT_EQ(window->last_file_name, "C:\\empty.brl") << "an opened file is not saved to";
+    EXPECT_EQ(screen.beeps, 2);
+    windows.files.add_file("C:\\empty.brl", "");
+    choosing_file("C:\\empty.brl").click(form.mm13);
+    choosing_file("C:\\a.brl").click(form.mm11);
+    EXPECT_EQ(form.last_file_name, "C:\\empty.brl") << "an opened file is not saved to";
 }
 
 TEST_F(FileCommands, OpenShowsTheSetAndApplyWritesIt) {
-    w.choose("Anna");
-    RandomPerson(w, 7).mark();
-    window->c16.set_value(1);
-    window->c31.set_value(0);
-    window->c41.set_value(1);
-    window->List1.clear();
-    window->List1.add("CALC.EXE");
-    window->c96.set_value(1);
-    window->t81.set_text("The School");
-    Marks saved = Marks::of(*window);
-    save_as("C:\\set.brl");
+    MainForm& form = window();
+    mark_at_random(*this, 7);
+    form.c16.set_value(1);
+    form.c31.set_value(0);  // which c16 ticks for a moment
+    form.c41.set_value(1);
+    form.c96.set_value(1);
+    form.List1.clear();  // of the line that c41 adds
+    form.List1.add("CALC.EXE");
+    form.t81.set_text("The School");
+    RestrictionSet set = form.marks();
+    choosing_file("C:\\set.brl").click(form.mm13);
 
-    w.click(window->mm22);
-    window->c39.set_value(1);
-    window->t32.set_text("C:\\Icons");
-    window->List1.clear();
-    open("C:\\set.brl");
-    saved.lines["c96"] = "0";
-    saved.lines["c39"] = "1";
-    saved.lines["t32"] = "C:\\Icons";
-    EXPECT_EQ(Marks::of(*window).lines, saved.lines)
-        << "c16 ticks c31 for a moment, c41 adds a line that goes";
-    EXPECT_EQ(window->t81.text() + "|" + window->t82.text(), "1|The School");
-    EXPECT_THAT(anna.dump(), Not(HasSubstr("NoClose"))) << "an opened file writes nothing";
+    click(form.mm22);
+    form.c39.set_value(1);
+    form.t32.set_text("C:\\Icons");
+    form.List1.clear();
+    choosing_file("C:\\set.brl").click(form.mm11);
+    set.boxes.set(96, 0);
+    set.boxes.set(39, 1);
+    set.icon_folder = "C:\\Icons";
+    set.machine = {"1", "The School", set.machine.owner};
+    EXPECT_EQ(form.marks(), set);
+    EXPECT_EQ(dump(key::explorer), "(missing)") << "an opened file writes nothing";
 
     // The last text is not the folder of the profiles: the hive is not found until the person mends it.
-    w.expecting("Path not found...").apply();
-    w.screen.act([&] { window->t810.set_text(w.program->users.profile_base_path); });
-    w.apply();
-    EXPECT_THAT(anna.dump(), HasSubstr("RestrictRun :  0 = \"CALC.EXE\""));
-    EXPECT_THAT(anna.dump(), HasSubstr("FixedLNKUrl = \"C:\\Icons\""));
+    expecting("Path not found...").apply();
+    form.t810.set_text(program->users.profile_base_path);
+    apply();
+    EXPECT_THAT(dump(), HasSubstr("RestrictRun :  0 = \"CALC.EXE\""));
+    EXPECT_THAT(dump(), HasSubstr("FixedLNKUrl = \"C:\\Icons\""));
 }
 
-TEST(FileCommandsThatFail, LeaveTheMarksAsTheyWere) {
-    RestrictionSet set;
-    set.boxes.set(12, 1);
-    const std::string whole = brl_text(set);
+TEST_F(FileCommands, ThatFailLeaveTheMarksAsTheyWere) {
+    const std::string whole = brl_text(window().marks());
+    windows.files.add_file("C:\\other.brl", "\"brlck\"\r\n\"x\"\r\n");
+    windows.files.add_file("C:\\cut.brl", whole.substr(0, whole.size() / 2));
+    windows.files.add_file("C:\\held.brl", whole);
+    windows.files.fail("C:\\held.brl", permission_denied);
     struct Case {
         const char* path;
-        FileError fault;
-        std::optional<std::string> bytes;
-        const char* title;
-        const char* text;
+        toolkit::MenuItem MainForm::*command;
+        const char* says;
     };
-    const Case cases[] = {
-        {"C:\\other.brl", no_error, "\"brlck\"\r\n\"x\"\r\n", "Error...",
-         "This is not a Brightlock Suite-File."},
-        {"C:\\cut.brl", no_error, whole.substr(0, whole.size() / 2), "Brightlock Suite", "'62'"},
-        {"C:\\missing.brl", no_error, {}, "Brightlock Suite", "'53'"},
-        {"C:\\held.brl", permission_denied, whole, "Brightlock Suite", "'70'"},
-        {"Q:\\gone.brl", no_error, {}, "Brightlock Suite", "'76'"},
-    };
-    for (const Case& c : cases) {
+    const auto open = &MainForm::mm11, save = &MainForm::mm13;
+    for (const Case& c : {Case{"C:\\other.brl", open, "This is not a Brightlock Suite-File."},
+                          {"C:\\cut.brl", open, "'62'"},
+                          {"C:\\missing.brl", open, "'53'"},
+                          {"C:\\held.brl", open, "'70'"},
+                          {"Q:\\gone.brl", open, "'76'"},
+                          {"Q:\\x.brl", save, "'76'"},
+                          {"C:\\nowhere\\x.brl", save, "'76'"},
+                          {"C:\\WINDOWS", save, "'75'"}}) {
         SCOPED_TRACE(c.path);
-        World w;
-        MainForm& window = w.enter();
-        if (c.bytes) w.windows.files.add_file(c.path, *c.bytes);
-        if (c.fault != no_error) w.windows.files.fail(c.path, c.fault);
-        w.click(window.c11);
-        const Marks before = Marks::of(window);
-        w.choosing_file("").click(window.mm11);
-        EXPECT_EQ(w.choosing_file(c.path).expecting(c.title).click(window.mm11), c.text[0] != '\'')
-            << "a run-time error ends the program";
-        EXPECT_THAT(w.told(), HasSubstr(c.text));
-        EXPECT_EQ(Marks::of(window).lines, before.lines) << "no part of a set is shown";
-    }
-    for (const char* path : {"Q:\\x.brl", "C:\\nowhere\\x.brl", "C:\\WINDOWS"}) {
-        World w(versions::winxp, german);
-        w.enter();
-        EXPECT_FALSE(w.choosing_file(path).expecting("Brightlock Suite").click(w.window().mm13)) << path;
-        EXPECT_EQ(w.screen.file_dialogs[0].title, "Einstellungen speichern...");
+        MainForm& form = enter();
+        click(form.c11);
+        const RestrictionSet before = form.marks();
+        choosing_file("").click(form.*c.command);
+        const bool runs_on = c.says[0] != '\'';  // a run-time error ends the program
+        expecting(runs_on ? "Error..." : "Brightlock Suite").choosing_file(c.path);
+        EXPECT_EQ(click(form.*c.command), runs_on);
+        EXPECT_THAT(told(), HasSubstr(c.says));
+        EXPECT_EQ(form.marks(), before) << "no part of a set is shown";
     }
 }
 

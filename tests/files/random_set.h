@@ -17,6 +17,9 @@ inline RestrictionSet random_set(std::mt19937& random) {
         return texts[below(std::size(texts))];
     };
     RestrictionSet set;
+    set.wallpaper = text();
+    set.icon_folder = text();
+    set.machine = {text(), text(), text()};
     for (const Restriction& row : Get_CR()) {
         if (row.page != 0) set.boxes.set(row.box, below(3));
     }
@@ -26,10 +29,6 @@ inline RestrictionSet random_set(std::mt19937& random) {
         set.programs.emplace_back(text());
     for (int& drive : set.drives)
         drive = below(3);
-    for (std::string* field : {&set.wallpaper, &set.icon_folder, &set.machine.organisation,
-                               &set.machine.owner, &set.machine.profiles_path}) {
-        *field = text();
-    }
     return set;
 }
 

@@ -41,21 +41,21 @@ struct Person {
     }
 
     bool give_password(const std::string& password) {
-        return screen.act([&] {
-            program->loaded<getpass>()->txt_pw.type(password);
-            program->loaded<getpass>()->cmd_ok.click();
-        });
+        type(form<getpass>().txt_pw, password);
+        return click(form<getpass>().cmd_ok);
     }
-
     bool set_password(const std::string& password) {
-        return screen.act([&] {
-            program->loaded<setpass>()->txt_newpw.type(password);
-            program->loaded<setpass>()->txt_wdh.type(password);
-            program->loaded<setpass>()->cmd_ok.click();
-        });
+        for (auto* box : {&form<setpass>().txt_newpw, &form<setpass>().txt_wdh})
+            type(*box, password);
+        return click(form<setpass>().cmd_ok);
     }
 
-    MainForm& window() { return *program->loaded<MainForm>(); }
+    /// An open form.
+    template <class Form>
+    Form& form() {
+        return *program->loaded<Form>();
+    }
+    MainForm& window() { return form<MainForm>(); }
 
     /// Chooses a user in the list.
     bool choose(std::string_view user) {
@@ -77,11 +77,25 @@ struct Person {
     bool click(toolkit::MenuItem& item) {
         return screen.act([&] { item.click(); });
     }
+    /// A line of a list, from 0.
+    template <class List>
+    bool click(List& list, int line) {
+        return screen.act([&] {
+            turn_to(list);
+            list.click_item(line);
+        });
+    }
     /// Marks or unmarks an applet, by its row from 1.
     void click_applet(size_t row) {
         screen.act([&] {
             turn_to(window().lv1);
             window().lv1.click_row(row - 1);
+        });
+    }
+    void type(toolkit::TextBox& box, std::string_view text) {
+        screen.act([&] {
+            turn_to(box);
+            box.type(text);
         });
     }
     bool apply() { return click(window().cmd_set); }
@@ -90,8 +104,21 @@ struct Person {
 
     void turn_to(const toolkit::Control& control) {
         for (const toolkit::Control* c = &control; c; c = c->parent()) {
-            if (c->parent() == &window().tab) window().tab.click_tab(c->page());
+            if (auto* tab = dynamic_cast<toolkit::TabContainer*>(c->parent())) tab->click_tab(c->page());
         }
+    }
+    /// What is ticked on all pages: rows of the catalogue, drives and applets, by their names.
+    std::string ticked() {
+        std::string names;
+        const RestrictionSet set = window().marks();
+        for (const Restriction& row : Get_CR()) {
+            if (row.page != 0 && set.ticked(row.box)) names += " c" + std::to_string(row.box);
+        }
+        for (int k = 0; k < drive_count; ++k)
+            if (set.drives[k] == 1) names += std::string(" ") + static_cast<char>('A' + k) + ":";
+        for (int i = 0; i < applet_count; ++i)
+            if (set.hidden_applets[i]) names += std::string(" ") + applets[i].file;
+        return names;
     }
 
     Language language;

@@ -1,109 +1,61 @@
 #pragma once
 
-#include <map>
 #include <random>
-#include <string>
 
 #include "base/text.h"
+#include "files/restriction_file.h"
 #include "program/person.h"
 
 namespace britlock {
 
-/// What a person has set on the window: one line for each thing, to be compared as text.
-struct Marks {
-    std::map<std::string, std::string> lines;
-
-    static Marks of(MainForm& window) {
-        Marks marks;
-        for (const Restriction& row : Get_CR()) {
-            if (row.page == 0) continue;
-            const auto& box = window.box(row.box);
-            marks.lines[box.name()] = std::to_string(box.value());
-        }
-        for (const auto& drive : window.drive_boxes)
-            marks.lines[drive.name()] = std::to_string(drive.value());
-        for (const auto& row : window.lv1.rows())
-            marks.lines["applet " + row.text] = std::to_string(row.checked);
-        for (const std::string& item : window.List1.items())
-            marks.lines["List1"] += item + "|";
-        marks.lines["t31"] = window.t31.text();
-        marks.lines["t32"] = window.t32.text();
-        return marks;
-    }
-};
+inline void PrintTo(const RestrictionSet& set, std::ostream* out) { *out << brl_text(set); }
 
 /// A person who marks at random, by clicks and by typing.
-class RandomPerson {
-  public:
-    RandomPerson(Person& person, uint32_t seed) : w_(person), random_(seed) {}
-
-    void mark() {
-        MainForm& window = w_.window();
-        if (chance(10)) w_.click(window.mm22);
-        for (const Restriction& row : Get_CR()) {
-            if (row.page != 0 && chance(40)) w_.click(window.box(row.box));
-        }
-        for (size_t row = 1; row <= window.lv1.rows().size(); ++row) {
-            if (chance(30)) w_.click_applet(row);
-        }
-        for (auto& drive : window.drive_boxes) {
-            if (drive.enabled() && chance(40)) w_.click(drive);
-        }
-        if (chance(50)) type(window.t31);
-        if (chance(50)) type(window.t32);
-        edit_list();
+inline void mark_at_random(Person& person, uint32_t seed) {
+    static const char* const texts[] = {"", "C:\\WINDOWS\\x.bmp", "D:\\B\xE4r & S\xF6hne",
+                                        "  C:\\two blanks  ", "\\\\srv\\x"};
+    static const char* const programs[] = {"C:\\a\\word.exe", "D:\\CALC.EXE", "C:\\\xFCmlaut.exe",
+                                           "britlock.exe", "x.com"};
+    std::mt19937 random(seed);
+    const auto chance = [&](unsigned percent) { return random() % 100 < percent; };
+    MainForm& window = person.window();
+    if (chance(10)) person.click(window.mm22);
+    for (const Restriction& row : Get_CR()) {
+        if (row.page != 0 && chance(40)) person.click(window.box(row.box));
     }
-
-  private:
-    bool chance(int percent) { return static_cast<int>(random_() % 100) < percent; }
-
-    void type(toolkit::TextBox& box) {
-        static const char* const texts[] = {"", "C:\\WINDOWS\\x.bmp", "D:\\B\xE4r & S\xF6hne",
-                                            "  C:\\two blanks  ", "\\\\srv\\x"};
-        w_.turn_to(box);
-        w_.screen.act([&] { box.type(texts[random_() % std::size(texts)]); });
+    for (size_t row = 1; row <= applet_count; ++row) {
+        if (chance(30)) person.click_applet(row);
     }
-
-    void edit_list() {
-        static const char* const programs[] = {"C:\\a\\word.exe", "D:\\CALC.EXE", "C:\\\xFCmlaut.exe",
-                                               "britlock.exe", "x.com"};
-        MainForm& window = w_.window();
-        for (int i = static_cast<int>(random_() % 4); i > 0; --i) {
-            w_.screen.expect_file(programs[random_() % std::size(programs)]);
-            w_.click(window.cm41);
-        }
-        if (window.List1.count() > 1 && chance(30)) {
-            const int line =
-                1 + static_cast<int>(random_() % static_cast<uint32_t>(window.List1.count() - 1));
-            if (window.List1.item(line) == "BRITLOCK.EXE") return;
-            w_.screen.act([&] {
-                window.List1.click_item(line);
-                window.cm42.click();
-            });
-        }
-        if (chance(5)) w_.click(window.cm44);
+    for (auto& drive : window.drive_boxes) {
+        if (drive.enabled() && chance(40)) person.click(drive);
     }
-
-    Person& w_;
-    std::mt19937 random_;
-};
+    for (auto* box : {&window.t31, &window.t32}) {
+        if (chance(50)) person.type(*box, texts[random() % std::size(texts)]);
+    }
+    for (unsigned more = random() % 4; more > 0; --more)
+        person.choosing_file(programs[random() % std::size(programs)]).click(window.cm41);
+    if (const int line = static_cast<int>(random() % 9);
+        line < window.List1.count() && window.List1.item(line) != "BRITLOCK.EXE") {
+        person.click(window.List1, line);
+        person.click(window.cm42);
+    }
+    if (chance(5)) person.click(window.cm44);
+}
 
 /// What a load gives back of what was marked. Each line here is a difference that is meant.
-inline Marks after_a_round_trip(Marks marks, const Marks& before) {
-    auto& lines = marks.lines;
+inline RestrictionSet after_a_round_trip(RestrictionSet set, const RestrictionSet& before) {
     // c16 writes the value of c31 as well.
-    if (lines["c16"] == "1") lines["c31"] = "1";
+    if (set.ticked(16)) set.boxes.set(31, 1);
     // The picture is stored only with its tick, the icon folder only where one is given.
-    if (lines["c37"] != "1") lines["t31"] = before.lines.at("t31");
-    if (lines["t32"].empty()) lines["t32"] = before.lines.at("t32");
+    if (!set.ticked(37)) set.wallpaper = before.wallpaper;
+    if (set.icon_folder.empty()) set.icon_folder = before.icon_folder;
     // Texts come back without the blanks around them.
-    for (const char* box : {"t31", "t32"})
-        lines[box] = std::string(text::trim_blanks(lines[box]));
+    for (std::string* text : {&set.wallpaper, &set.icon_folder})
+        *text = text::trim_blanks(*text);
     // The program's own entry is the first after every load.
-    std::string& list = lines["List1"];
-    if (const size_t own = ("|" + list).find("|BRITLOCK.EXE|"); own != std::string::npos) list.erase(own, 13);
-    list.insert(0, "BRITLOCK.EXE|");
-    return marks;
+    std::erase(set.programs, "BRITLOCK.EXE");
+    set.programs.insert(set.programs.begin(), "BRITLOCK.EXE");
+    return set;
 }
 
 }  // namespace britlock

@@ -9,155 +9,136 @@ namespace {
 using namespace machine;
 using testing::HasSubstr;
 
-const std::string tool = "C:\\Program Files\\Brightlock Suite\\regg.exe";
+struct Startup : testing::Test, World {
+    MemoryKey& product = windows.registry.at(HKEY_LOCAL_MACHINE, product::key);
+};
 
-TEST(Startup, AsksForANewPasswordUntilOneIsSet) {
-    World w;
-    for (int run = 0; run < 2; ++run) {
-        w.expecting("Set a Password !").start();
-        w.screen.act([&] { w.program->loaded<setpass>()->cmd_abbrechen.press_by_key(); });
-        EXPECT_TRUE(w.window().shown());
-        EXPECT_EQ(w.screen.forms().size(), 1u);
-    }
-    w.expecting("Set a Password !").start();
-    EXPECT_EQ(w.program->loaded<getpass>(), nullptr);
-    setpass& form = *w.program->loaded<setpass>();
-    const char* const tries[][3] = {{"abc", "abd", "not the same"},  // looked at before the length
-                                    {"1234", "1234", "5 or more"},
-                                    {"1234567890123456", "1234567890123456", "5 or more"}};
-    for (const auto& row : tries) {
-        w.screen.expect_box("Sorry...");
-        w.screen.act([&] {
-            form.txt_newpw.type(row[0]);
-            form.txt_wdh.type(row[1]);
-            form.cmd_ok.click();
-        });
-        EXPECT_THAT(w.told(), HasSubstr(row[2]));
-        EXPECT_EQ(form.txt_newpw.text() + form.txt_wdh.text(), "");
-        EXPECT_EQ(w.screen.focus(), &form.txt_newpw);
+TEST_F(Startup, AsksForANewPasswordUntilOneIsSet) {
+    expecting("Set a Password !").start();
+    click(form<setpass>().cmd_abbrechen);
+    EXPECT_TRUE(window().shown());
+    EXPECT_EQ(screen.forms().size(), 1u);
+
+    expecting("Set a Password !").start();
+    EXPECT_EQ(program->loaded<getpass>(), nullptr);
+    setpass& asked = form<setpass>();
+    for (const auto& [first, second, why] :
+         {std::tuple{"abc", "abd", "not the same"},  // looked at before the length
+          {"1234", "1234", "5 or more"},
+          {"1234567890123456", "1234567890123456", "5 or more"}}) {
+        type(asked.txt_newpw, first);
+        type(asked.txt_wdh, second);
+        expecting("Sorry...").click(asked.cmd_ok);
+        EXPECT_THAT(told(), HasSubstr(why));
+        EXPECT_EQ(asked.txt_newpw.text() + asked.txt_wdh.text(), "");
+        EXPECT_EQ(screen.focus(), &asked.txt_newpw);
     }
     // Each character meets its own digit of the key: five bytes 0, which must come back from the registry.
-    w.expecting("Password...").set_password("73927");
-    EXPECT_EQ(w.program->loaded<setpass>(), nullptr);
-    EXPECT_TRUE(w.window().shown());
+    expecting("Password...").set_password("73927");
+    EXPECT_EQ(program->loaded<setpass>(), nullptr);
+    EXPECT_TRUE(window().shown());
 
-    w.start();
+    start();
     for (const char* wrong : {"", "7392", "73928"}) {
-        w.expecting("Incorrect Password...").give_password(wrong);
-        EXPECT_EQ(w.program->loaded<getpass>()->txt_pw.text(), "");
+        expecting("Incorrect Password...").give_password(wrong);
+        EXPECT_EQ(form<getpass>().txt_pw.text(), "");
     }
-    w.give_password("73927");
-    EXPECT_TRUE(w.window().shown());
+    give_password("73927");
+    EXPECT_TRUE(window().shown());
 }
 
-TEST(Startup, APasswordIsStoredByTheKeysDigitsOrReportedAsSavedAllTheSame) {
-    for (const auto& [password, stored] :
-         {std::pair{"Hello", "\x7FVU^X"}, {"correct-horse15", "T\\K@RPM\x1F_\\KAR\x02\f"}, {"abcde", ""}}) {
-        World w;
-        auto& product = w.windows.registry.at(HKEY_LOCAL_MACHINE, product::key);
-        if (!*stored) product.access = Access::read_only;
-        w.expecting("Set a Password !").start();
-        w.expecting("Password...").set_password(password);
-        EXPECT_EQ(product.values["UserPW"], *stored ? text_value(stored) : RawValue{}) << password;
-    }
+TEST_F(Startup, APasswordIsStoredByTheKeysDigitsOrReportedAsSavedAllTheSame) {
+    const auto set = [&](const char* password) {
+        product.values.clear();
+        expecting("Set a Password !").start();
+        expecting("Password...").set_password(password);
+        return product.values["UserPW"];
+    };
+    EXPECT_EQ(set("Hello"), text_value("\x7FVU^X"));
+    EXPECT_EQ(set("correct-horse15"), text_value("T\\K@RPM\x1F_\\KAR\x02\f"));
+    product.access = Access::read_only;
+    EXPECT_EQ(set("abcde"), RawValue{});
 }
 
-TEST(Startup, RegistersTheUninstallCommandWhereTheKeyIs) {
+TEST_F(Startup, RegistersTheUninstallCommandWhereTheKeyIs) {
     const std::string key = R"(Software\Microsoft\Windows\CurrentVersion\Uninstall\Brightlock Suite)";
-    World w;
-    w.enter();
-    EXPECT_EQ(w.windows.registry.dump(HKEY_LOCAL_MACHINE, key), "(missing)");
-    w.windows.registry.at(HKEY_LOCAL_MACHINE, key);
-    w.enter();
+    enter();
+    EXPECT_EQ(windows.registry.dump(HKEY_LOCAL_MACHINE, key), "(missing)");
+    windows.registry.at(HKEY_LOCAL_MACHINE, key);
+    enter();
     EXPECT_THAT(
-        w.windows.registry.dump(HKEY_LOCAL_MACHINE, key),
+        windows.registry.dump(HKEY_LOCAL_MACHINE, key),
         HasSubstr(R"(UninstallString = ""C:\Program Files\Brightlock Suite\britlock.exe" /uninstall")"));
 }
 
-TEST(Startup, AMissingOrEmptyHiveToolEndsTheProcess) {
-    for (const bool empty : {false, true}) {
-        World w;
-        (void)w.windows.files.remove(tool);
-        if (empty) w.windows.files.add_file(tool, "");
-        EXPECT_FALSE(w.expecting("Required files are missing. Run Setup again !").start());
-        EXPECT_FALSE(w.windows.files.exists(tool));
+TEST_F(Startup, AMissingOrEmptyHiveToolEndsTheProcess) {
+    const std::string tool = "C:\\Program Files\\Brightlock Suite\\regg.exe";
+    (void)windows.files.remove(tool);
+    for (int start_of = 0; start_of < 2; ++start_of) {
+        EXPECT_FALSE(expecting("Required files are missing. Run Setup again !").start());
+        EXPECT_FALSE(windows.files.exists(tool));
+        windows.files.add_file(tool, "");
     }
 }
 
-TEST(Startup, WarnsWhoIsNoAdministratorOnTheNtFamilyOnly) {
+TEST_F(Startup, WarnsWhoIsNoAdministratorOnTheNtFamilyOnly) {
+    const std::string user = "S-1-5-32-545", admin = "S-1-5-32-544";
+    std::vector<std::string> many(20, user), within = many, beyond(21, user);
+    within.push_back(admin);
+    beyond.push_back(admin);
     struct Case {
         Version version;
         std::optional<std::vector<std::string>> groups;
-        const char* box;
+        std::string box;
     };
-    const auto with_admin_after = [](size_t others) {
-        std::vector<std::string> groups(others, "S-1-5-32-545");
-        groups.push_back("S-1-5-32-544");
-        return groups;
-    };
-    const char* const warning = "Admin privileges required !";
-    const char* const error = "Brightlock Suite";  // run-time error 9, beyond the table of the groups
-    const Case cases[] = {{versions::winxp, std::nullopt, warning},
-                          {versions::win2k, {{"S-1-5-32-545"}}, warning},
-                          {versions::winnt, std::vector<std::string>(20, "S-1-5-32-545"), warning},
-                          {versions::winxp, with_admin_after(20), nullptr},
-                          {versions::winxp, with_admin_after(21), error},
-                          {versions::win98, std::nullopt, nullptr}};
-    for (const Case& c : cases) {
+    const std::string warning = "Admin privileges required !", error = "Brightlock Suite";
+    for (const Case& c :
+         {Case{versions::winxp, std::nullopt, warning}, Case{versions::win2k, {{user}}, warning},
+          Case{versions::winnt, many, warning}, Case{versions::winxp, within, ""},
+          // Run-time error 9, beyond the table of the groups.
+          Case{versions::winxp, beyond, error}, Case{versions::win98, std::nullopt, ""}}) {
         World w(c.version);
         w.have_password();
         w.windows.system.groups = c.groups;
-        if (c.box) w.screen.expect_box(c.box);
+        if (!c.box.empty()) w.expecting(c.box);
         EXPECT_EQ(w.start(), c.box != error);
     }
 }
 
-struct IconRun : testing::Test {
-    World w;
-    MemoryKey& policies = w.windows.registry.at(HKEY_CURRENT_USER, key::explorer);
-
-    void SetUp() override {
-        w.have_password();
-        w.windows.registry
-            .at(HKEY_CURRENT_USER, R"(Software\Microsoft\Windows\CurrentVersion\Explorer\Shell Folders)")
-            .set("Desktop", "C:\\Desk");
-        w.windows.files.add_file("C:\\Desk\\ONE.LNK", "old");
-        w.windows.files.add_file("C:\\Desk\\own.txt", "kept");
-    }
-};
-
-TEST_F(IconRun, IsStartedByTheExactWordOnly) {
+TEST_F(Startup, TheRunAtLogonIsStartedByTheExactWordAndBringsTheIcons) {
+    have_password();
+    auto& policies = windows.registry.at(HKEY_CURRENT_USER, key::explorer);
+    windows.registry
+        .at(HKEY_CURRENT_USER, R"(Software\Microsoft\Windows\CurrentVersion\Explorer\Shell Folders)")
+        .set("Desktop", "C:\\Desk");
+    windows.files.add_file("C:\\Desk\\ONE.LNK", "old");
+    windows.files.add_file("C:\\Desk\\own.txt", "kept");
+    windows.files.add_file("C:\\Icons\\one.lnk", "new");
+    windows.files.add_file("C:\\Program Files\\two.lnk", "new");
     policies.set("FixedLNKUrl", "C:\\Icons");
-    w.windows.files.add_file("C:\\Icons\\one.lnk", "new");
-    EXPECT_FALSE(w.start("/icon")) << "without FixedLNK nothing happens";
+    EXPECT_FALSE(start("/icon")) << "without FixedLNK nothing happens";
     policies.set("FixedLNK", 1);
     for (const char* ordinary : {"/ICON", "/icon x", " /icon"})
-        EXPECT_TRUE(w.start(ordinary));
-    EXPECT_TRUE(w.windows.files.exists("C:\\Icons\\one.lnk"));
+        EXPECT_TRUE(start(ordinary));
+    EXPECT_TRUE(windows.files.exists("C:\\Icons\\one.lnk"));
 
-    w.windows.journal.clear();
-    EXPECT_FALSE(w.start("/icon"));
-    EXPECT_FALSE(w.windows.files.exists("C:\\Icons")) << "who may delete the source has lost it";
-    EXPECT_EQ(w.content("C:\\Desk\\one.lnk"), "old");
-    EXPECT_EQ(w.windows.journal.text(), "") << "no key, no password, no uninstall command is touched";
-    EXPECT_FALSE(w.start("/icon")) << "and every later logon finds no folder, without a word";
-    EXPECT_TRUE(w.windows.files.exists("C:\\Desk\\own.txt"));
+    windows.journal.clear();
+    EXPECT_FALSE(start("/icon"));
+    EXPECT_FALSE(windows.files.exists("C:\\Icons")) << "who may delete the source has lost it";
+    EXPECT_EQ(content("C:\\Desk\\one.lnk"), "old");
+    EXPECT_EQ(windows.journal.text(), "") << "no key, no password, no uninstall command is touched";
+    EXPECT_FALSE(start("/icon")) << "and every later logon finds no folder, without a word";
+    EXPECT_TRUE(windows.files.exists("C:\\Desk\\own.txt"));
+    policies.set("FixedLNKUrl", "C:\\Program Files");  // which cannot be deleted
+    EXPECT_FALSE(start("/icon"));
+    EXPECT_EQ(content("C:\\Desk\\two.lnk") + content("C:\\Program Files\\two.lnk"), "newnew");
 }
 
-TEST_F(IconRun, CopiesAFolderThatCannotBeDeleted) {
-    policies.set("FixedLNK", 1).set("FixedLNKUrl", "C:\\Program Files");
-    w.windows.files.add_file("C:\\Program Files\\one.lnk", "new");
-    EXPECT_FALSE(w.start("/icon"));
-    EXPECT_EQ(w.content("C:\\Desk\\one.lnk"), "new");
-    EXPECT_TRUE(w.windows.files.exists("C:\\Program Files\\one.lnk"));
-}
-
-TEST(Startup, ClosingTheWindowsEndsTheProcess) {
-    World w;
-    MainForm& window = w.enter();
-    EXPECT_FALSE(w.screen.act([&] { window.close_by_frame(); }));
-    w.start();
-    EXPECT_FALSE(w.screen.act([&] { w.program->loaded<getpass>()->close_by_frame(); })) << "no form is left";
+TEST_F(Startup, ClosingTheWindowsEndsTheProcess) {
+    enter();
+    EXPECT_FALSE(screen.act([&] { window().close_by_frame(); }));
+    start();
+    EXPECT_FALSE(screen.act([&] { form<getpass>().close_by_frame(); })) << "no form is left";
 }
 
 }  // namespace

@@ -13,133 +13,114 @@ using namespace text::literals;
 using testing::ElementsAre;
 
 constexpr const char* version_page = "http://update.brightlock.invalid/update/brit.txt";
-constexpr const char* german_version_page = "http://update-de.brightlock.invalid/update/brit.txt";
 constexpr const char* installer_page = "http://update-de.brightlock.invalid/update/brlckup.exe";
 constexpr const char* installer = "C:\\Program Files\\Brightlock Suite\\brlckup.exe";
 
-struct OnlineUpdate : testing::Test {
-    World w;
-    Update* form = nullptr;
+struct OnlineUpdate : testing::Test, World {
+    Update& update = open();
 
-    void SetUp() override {
-        MainForm& window = w.enter();
-        w.click(window.mm55);
-        form = w.program->loaded<Update>();
-    }
-    bool press(toolkit::Button& button) {
-        return w.screen.act([&] { button.click(); });
+    Update& open() {
+        click(enter().mm55);
+        return form<Update>();
     }
     void offer(const std::string& version, const std::string& file) {
-        w.windows.internet.pages[version_page] = version;
-        w.windows.internet.pages[installer_page] = file;
-        press(form->cmd1);
+        windows.internet.pages = {{version_page, version}, {installer_page, file}};
+        click(update.cmd1);
     }
     std::string enabled() {
         std::string names;
-        for (auto* button : {&form->cmd1, &form->cmd2, &form->cmd3, &form->cmd_abbruch})
+        for (auto* button : {&update.cmd1, &update.cmd2, &update.cmd3, &update.cmd_abbruch})
             names += button->enabled() ? button->name() + " " : "";
         return names;
     }
 };
 
 TEST_F(OnlineUpdate, TellsEveryDifferenceAsANewerVersion) {
-    w.screen.expect_box("Brightlock Suite");
-    press(form->cmd1);
-    EXPECT_EQ(w.told(), "ERROR: Unable to connect to the remote host");
-    EXPECT_EQ(form->lbl4.text(), "1.0.0\r\n??? <check>");
-
-    offer("1.0.0", "");
-    EXPECT_EQ(form->lbl5.text(), "You own the latest version.");
-    EXPECT_EQ(enabled(), "cmd1 cmd3 cmd_abbruch ");
-    for (const char* other : {"0.9.9", "1.0.0\n", "1.0.0 ", ""}) {
-        offer(other, "");
-        EXPECT_EQ(form->lbl5.text(), "A newer version is ready to be downloaded...") << other;
-        EXPECT_EQ(form->lbl4.text(), std::string("1.0.0\r\n") + other);
-        EXPECT_EQ(enabled(), "cmd1 cmd2 cmd3 cmd_abbruch ");
+    expecting("Brightlock Suite").click(update.cmd1);
+    EXPECT_EQ(told(), "ERROR: Unable to connect to the remote host");
+    EXPECT_EQ(update.lbl4.text(), "1.0.0\r\n??? <check>");
+    for (const std::string version : {"1.0.0", "0.9.9", "1.0.0\n", "1.0.0 ", ""}) {
+        const bool same = version == "1.0.0";
+        offer(version, "");
+        EXPECT_EQ(update.lbl5.text(),
+                  same ? "You own the latest version." : "A newer version is ready to be downloaded...");
+        EXPECT_EQ(update.lbl4.text(), "1.0.0\r\n" + version);
+        EXPECT_EQ(enabled(), same ? "cmd1 cmd3 cmd_abbruch " : "cmd1 cmd2 cmd3 cmd_abbruch ");
     }
-    press(form->cmd3);
-    EXPECT_EQ(w.program->loaded<Update>(), nullptr);
+    click(update.cmd3);
+    EXPECT_EQ(program->loaded<Update>(), nullptr);
+
+    language = german;
+    Update& deutsch = open();
+    EXPECT_EQ(deutsch.lbl4.text(), U"1.0.0\r\n??? <prüfen>"_ansi);
+    windows.internet.pages["http://update-de.brightlock.invalid/update/brit.txt"] = "1.0.1";
+    click(deutsch.cmd1);
+    EXPECT_EQ(deutsch.lbl5.text(), "Eine neuere Version steht zum Download bereit.");
 }
 
 TEST_F(OnlineUpdate, FetchesTheInstallerStartsItAndEnds) {
-    w.windows.files.add_file(installer, std::string(3000, 'o'));
+    windows.files.add_file(installer, std::string(3000, 'o'));
     const std::string file(1450, 'n');
     offer("2.0.0", file);
-    std::vector<std::string> seen;
-    w.screen.meanwhile = [&] {
-        seen.push_back(form->lbl7.text());
+    std::string seen;  // how many kilobytes, after each piece of 200 bytes and at the end
+    screen.meanwhile = [&] {
+        EXPECT_TRUE(update.lbl7.text().ends_with(" KB downgeloaded... Bitte warten..."));
+        seen += update.lbl7.text()[0];
         EXPECT_EQ(enabled(), "cmd_abbruch ");
-        EXPECT_EQ(form->lbl6.text(), "Downlad nach: C:\\Program Files\\Brightlock Suite\\BRLCKUP.EXE");
+        EXPECT_EQ(update.lbl6.text(), "Downlad nach: C:\\Program Files\\Brightlock Suite\\BRLCKUP.EXE");
     };
-    EXPECT_FALSE(press(form->cmd2)) << "the process ends";
-    EXPECT_EQ(seen.size(), 9u);
-    EXPECT_EQ(seen[4], "0 KB downgeloaded... Bitte warten...");
-    EXPECT_EQ(seen[7], "1 KB downgeloaded... Bitte warten...");
-    EXPECT_EQ(form->lbl7.text(), "1450 Byts wurden Downgeloadet     -  Fertig!");
-    EXPECT_EQ(w.content(installer), file + std::string(1550, 'o')) << "a longer one keeps its tail";
-    EXPECT_EQ(w.windows.processes.started.back().command_line, '"' + std::string(installer) + '"');
-    EXPECT_THAT(w.windows.internet.requests, ElementsAre(version_page, installer_page));
-    EXPECT_EQ(w.windows.internet.open_bodies(), 0u);
+    EXPECT_FALSE(click(update.cmd2)) << "the process ends";
+    EXPECT_EQ(seen, "000001111");
+    EXPECT_EQ(update.lbl7.text(), "1450 Byts wurden Downgeloadet     -  Fertig!");
+    EXPECT_EQ(content(installer), file + std::string(1550, 'o')) << "a longer one keeps its tail";
+    EXPECT_EQ(last_command(), '"' + std::string(installer) + '"');
+    EXPECT_THAT(windows.internet.requests, ElementsAre(version_page, installer_page));
+    EXPECT_EQ(windows.internet.open_bodies(), 0u);
 }
 
 TEST_F(OnlineUpdate, ACancelStopsThisDownloadOrTheNextOne) {
     offer("2.0.0", std::string(1000, 'n'));
-    w.screen.meanwhile = [&] {
-        if (w.content(installer).size() == 400) form->cmd_abbruch.click();
+    screen.meanwhile = [&] {
+        if (content(installer).size() == 400) update.cmd_abbruch.click();
     };
-    w.screen.expect_box("Cancel !");
-    EXPECT_TRUE(press(form->cmd2));
-    EXPECT_EQ(w.content(installer).size(), 600u) << "one chunk more, then the flag is looked at";
-    EXPECT_EQ(form->lbl6.text() + form->lbl7.text(), "");
+    EXPECT_TRUE(expecting("Cancel !").click(update.cmd2));
+    EXPECT_EQ(content(installer).size(), 600u) << "one chunk more, then the flag is looked at";
+    EXPECT_EQ(update.lbl6.text() + update.lbl7.text(), "");
     EXPECT_EQ(enabled(), "cmd1 cmd2 cmd3 cmd_abbruch ");
-    EXPECT_EQ(w.windows.internet.open_bodies(), 0u);
+    EXPECT_EQ(windows.internet.open_bodies(), 0u);
 
-    w.screen.meanwhile = nullptr;
-    w.windows.files.remove(installer);
-    press(form->cmd_abbruch);
-    w.screen.expect_box("Cancel !");
-    EXPECT_TRUE(press(form->cmd2));
-    EXPECT_EQ(w.content(installer).size(), 200u);
-    EXPECT_FALSE(press(form->cmd2)) << "the flag is gone";
-    EXPECT_EQ(w.content(installer).size(), 1000u);
+    screen.meanwhile = nullptr;
+    windows.files.remove(installer);
+    click(update.cmd_abbruch);
+    EXPECT_TRUE(expecting("Cancel !").click(update.cmd2));
+    EXPECT_EQ(content(installer).size(), 200u);
+    EXPECT_FALSE(click(update.cmd2)) << "the flag is gone";
+    EXPECT_EQ(content(installer).size(), 1000u);
 }
 
 TEST_F(OnlineUpdate, ALostConnectionIsToldAndEndsTheFile) {
     offer("2.0.0", std::string(1000, 'n'));
-    w.windows.internet.lost_after = 600;
-    w.screen.expect_box("Brightlock Suite");
-    EXPECT_FALSE(press(form->cmd2));
-    EXPECT_EQ(w.told(), "Error 12030");
-    EXPECT_EQ(form->lbl7.text(), "600 Byts wurden Downgeloadet     -  Fertig!");
+    windows.internet.lost_after = 600;
+    EXPECT_FALSE(expecting("Brightlock Suite").click(update.cmd2));
+    EXPECT_EQ(told(), "Error 12030");
+    EXPECT_EQ(update.lbl7.text(), "600 Byts wurden Downgeloadet     -  Fertig!");
 }
 
-TEST_F(OnlineUpdate, WhatCannotBeWrittenClosesTheForm) {
-    offer("2.0.0", "new");
-    w.windows.files.fail(installer, path_access);
-    w.screen.expect_box("Error while connecting...");
-    EXPECT_TRUE(press(form->cmd2));
-    EXPECT_EQ(w.program->loaded<Update>(), nullptr);
-    EXPECT_EQ(w.windows.internet.open_bodies(), 0u);
-}
-
-TEST_F(OnlineUpdate, ClosingTheWindowCancelsTheDownload) {
+TEST_F(OnlineUpdate, IsClosedByWhatCannotBeWrittenAndByThePersonAmidTheDownload) {
     offer("2.0.0", std::string(1000, 'n'));
-    w.screen.meanwhile = [&] { w.program->forms.loaded("Update")->close_by_frame(); };
-    w.screen.expect_box("Cancel !");
-    w.screen.while_box = [&](const toolkit::Box&) { w.screen.meanwhile = nullptr; };
-    EXPECT_TRUE(w.screen.act([&] { form->cmd2.click(); }));
-    EXPECT_EQ(w.program->loaded<Update>(), nullptr);
-    EXPECT_EQ(w.content(installer).size(), 400u);
-}
+    windows.files.fail(installer, path_access);
+    EXPECT_TRUE(expecting("Error while connecting...").click(update.cmd2));
+    EXPECT_EQ(program->loaded<Update>(), nullptr);
+    EXPECT_EQ(windows.internet.open_bodies(), 0u);
 
-TEST(OnlineUpdateInGerman, AsksTheGermanHost) {
-    World w(versions::winxp, german);
-    w.windows.internet.pages[german_version_page] = "1.0.1";
-    w.click(w.enter().mm55);
-    Update& form = *w.program->loaded<Update>();
-    EXPECT_EQ(form.lbl4.text(), U"1.0.0\r\n??? <prüfen>"_ansi);
-    w.screen.act([&] { form.cmd1.click(); });
-    EXPECT_EQ(form.lbl5.text(), "Eine neuere Version steht zum Download bereit.");
+    windows.files.fail(installer, no_error);
+    Update& again = open();
+    click(again.cmd1);
+    screen.meanwhile = [&] { again.close_by_frame(); };
+    screen.while_box = [&](const toolkit::Box&) { screen.meanwhile = nullptr; };
+    EXPECT_TRUE(expecting("Cancel !").click(again.cmd2));
+    EXPECT_EQ(program->loaded<Update>(), nullptr);
+    EXPECT_EQ(content(installer).size(), 400u);
 }
 
 }  // namespace

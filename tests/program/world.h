@@ -14,6 +14,7 @@ struct World : Person {
         : Person(its_language), windows(version) {
         windows.registry.at(HKEY_LOCAL_MACHINE, product::key);
         windows.files.add_file("C:\\MSDOS.SYS", "[Options]\r\nBootMulti=1\r\n");
+        windows.system.drives = 0b1101;  // A, C, D
     }
     ~World() { program.reset(); }  // before the machine it works on
 
@@ -27,12 +28,10 @@ struct World : Person {
         windows.system.arguments = command_line;
         return Person::start(windows.machine());
     }
-
     void have_password() {
         windows.registry.at(HKEY_LOCAL_MACHINE, product::key)
             .set("UserPW", encode_password("secret", password_key));
     }
-
     /// Starts it with a password that is set, and passes the prompt.
     MainForm& enter() {
         have_password();
@@ -46,8 +45,33 @@ struct World : Person {
         EXPECT_EQ(windows.files.read(path, bytes), machine::no_error) << path;
         return bytes;
     }
+    /// The command line of the last program that was started.
+    const std::string& last_command() { return windows.processes.started.back().command_line; }
 
     machine::MemoryMachine windows;
+};
+
+/// With one user who can be restricted: Anna, on Windows 9X the running account.
+struct WithAnna : World {
+    explicit WithAnna(const machine::Version& version = machine::versions::winxp) : World(version) {
+        if (nt()) windows.add_profile("Anna");
+        read();
+    }
+    /// Reads her into a program that is started anew.
+    MainForm& read() {
+        enter();
+        if (nt()) choose("Anna");
+        return window();
+    }
+    /// Her branch of the registry.
+    machine::MemoryKey& anna() {
+        return nt() ? *windows.files.hive(*windows.system.profiles_folder + "\\Anna\\NTUSER.DAT")
+                    : windows.registry.at(HKEY_CURRENT_USER);
+    }
+    std::string dump(const std::string& subkey = "") {
+        const machine::MemoryKey* key = anna().find(subkey);
+        return key ? key->dump() : "(missing)";
+    }
 };
 
 }  // namespace britlock
