@@ -1,5 +1,6 @@
 #include "app/linux/batch_command.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <unistd.h>
 
@@ -16,6 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 using testing::HasSubstr;
 using testing::StartsWith;
+using Words = std::vector<std::string>;
 
 struct Answer {
     int code;
@@ -27,7 +29,9 @@ struct Answer {
 struct BatchCommand : testing::Test {
     OfflineFixture windows;
     Language language = english;
-    fs::path file = windows.scratch() / "set.brl";
+    const std::string file = windows.scratch() / "set.brl";
+    const Words to_all = {"apply", file, "--all-users"};
+    std::string password = "s\u00E4cret\n";  ///< as it is typed
 
     void SetUp() override {
         britlock::prepare_installation(windows.machine().registry);
@@ -37,31 +41,32 @@ struct BatchCommand : testing::Test {
             fs::copy_file(windows.hive_of("Anna"), windows.hive_of(user));
         }
         britlock::RestrictionSet set;
-        for (const int box : {11, 90, 610})
+        for (const int box : {11, 37, 41, 610})
             set.boxes.set(box, 1);
-        set.programs = {"CALC.EXE"};
-        set.drives[3] = 1;
+        set.boxes.set(12, 2);
+        set.hidden_applets[4] = set.hidden_applets[30] = true;
+        set.programs = {"BRITLOCK.EXE", "\xDC.EXE"};
+        set.drives['T' - 'A'] = 1;
+        set.wallpaper = "C:\\x.bmp";
         write_bytes(file, brl_text(set));
     }
 
-    void set_password(const std::string& password) {
-        const std::string stored = britlock::encode_password(password, britlock::password_key);
+    void set_password(const std::string& one) {
+        const std::string stored = britlock::encode_password(one, britlock::password_key);
         (void)windows.machine().registry.set(machine::Root::local_machine, product::key, "UserPW",
                                              {machine::reg_sz, stored + '\0'});
     }
-    /// Gives the password, in UTF-8, on a pipe.
-    Answer run(std::vector<std::string> words, const std::string& password = "s\u00E4cret\n") const {
-        std::array<int, 2> ends{};
-        EXPECT_EQ(pipe(ends.data()), 0);
-        EXPECT_EQ(write(ends[1], password.data(), password.size()), static_cast<ssize_t>(password.size()));
-        close(ends[1]);
-        words.push_back("--machine=" + windows.disk().string());
-        words.push_back("--state=" + windows.options.state_folder);
-        words.push_back("--password-fd=" + std::to_string(ends[0]));
+    Answer run(Words words) const {
+        const std::string input = windows.scratch() / "input";
+        write_bytes(input, password);
+        const int descriptor = open(input.c_str(), O_RDONLY);
+        words.insert(words.end(),
+                     {"--machine=" + windows.disk().string(), "--state=" + windows.options.state_folder,
+                      "--password-fd=" + std::to_string(descriptor)});
         testing::internal::CaptureStdout();
         testing::internal::CaptureStderr();
         const int code = run_batch(words, PROGRAM_FOLDER, language);
-        close(ends[0]);
+        close(descriptor);
         const std::string out = testing::internal::GetCapturedStdout();
         return {code, out, testing::internal::GetCapturedStderr()};
     }
@@ -74,15 +79,11 @@ struct BatchCommand : testing::Test {
 };
 
 TEST_F(BatchCommand, RestrictsAllUsersButThoseItCannot) {
-    std::string damaged = bytes_of(windows.hive_of("pupil3"));
-    damaged.replace(0x1000, 4, "nope");
-    write_bytes(windows.hive_of("pupil3"), damaged);
-    const auto place = hostfile::place_of(windows.hive_of("pupil4").string());
-    const auto lock = hostfile::FileLock::acquire(*place);
+    write_bytes(windows.hive_of("pupil3"), bytes_of(windows.hive_of("pupil3")).replace(0x1000, 4, "nope"));
+    const auto lock = hostfile::FileLock::acquire(*hostfile::place_of(windows.hive_of("pupil4").string()));
     ASSERT_TRUE(lock);
     const auto before = hives();
-
-    const Answer first = run({"apply", file.string(), "--all-users"});
+    const Answer first = run(to_all);
     EXPECT_EQ(first.code, 1);
     EXPECT_EQ(first.err, "");
     const auto after = hives();
@@ -91,37 +92,38 @@ TEST_F(BatchCommand, RestrictsAllUsersButThoseItCannot) {
     EXPECT_EQ(std::count(first.out.begin(), first.out.end(), '\n'), 7) << first.out;
     EXPECT_THAT(first.out, HasSubstr("\npupil3: failed: the file NTUSER.DAT could not be loaded (HKU"));
     EXPECT_THAT(first.out, HasSubstr("\npupil4: failed: the file NTUSER.DAT "));
-    EXPECT_EQ(run({"apply", file.string(), "--all-users"}).out, first.out);
+    EXPECT_EQ(run(to_all).out, first.out);
     EXPECT_TRUE(hives() == after) << "a second run changes nothing";
     EXPECT_TRUE(windows.offline().mounts().mounts()->empty());
-    language = german;
-    EXPECT_THAT(run({"show", "--user", "pupil3"}).err,
-                HasSubstr("(die Registrierungsdatei ist beschädigt (HKU"));
-    language = english;
 
     const Answer shown = run({"show", "--user", "pupil2", "--user=nobody", "--user", "ANNA"});
     EXPECT_EQ(shown.code, 1);
     const std::string marks =
-        "  Disable ShutDown\n  Disable Printer-Sharing Settings\n"
-        "  No Windows Beep on Error\n  Hidden drives: D\n";
-    EXPECT_EQ(shown.out, "pupil2:\n" + marks + "ANNA:\n" + marks);
+        ":\n  Disable ShutDown\n  Fix your Background-Picture: C:\\x.bmp\n"
+        "  Allow only these EXE-Files: BRITLOCK.EXE, \u00DC.EXE\n  Disable Printer-Sharing Settings\n"
+        "  Hidden in the Control Panel: Game Controllers, Printers and Faxes (2000/XP)\n  Hidden drives: T\n";
+    EXPECT_EQ(shown.out, "pupil2" + marks + "ANNA" + marks);
     EXPECT_EQ(shown.err, "nobody: failed: there is no such user here\n");
-    EXPECT_THAT(run({"show", "--json", "--user", "Ben"}).out,
-                HasSubstr("\"ticked\": [\"c11\", \"c610\", \"c90\"]"));
+    EXPECT_EQ(run({"show", "--json", "--user", "Ben"}).out,
+              "{\"user\": \"Ben\", \"ticked\": [\"c11\", \"c37\", \"c41\", \"c610\"], "
+              "\"hidden_applets\": [\"JOY.CPL\", \"Drucker und Faxger\u00E4te\"], "
+              "\"programs\": [\"BRITLOCK.EXE\", \"\u00DC.EXE\"], \"hidden_drives\": [\"T\"], "
+              "\"wallpaper\": \"C:\\\\x.bmp\", \"icon_folder\": \"\"}\n");
     EXPECT_TRUE(hives() == after) << "nor does a look";
+    language = german;
+    EXPECT_THAT(run({"show", "--user", "pupil3"}).err,
+                HasSubstr("(die Registrierungsdatei ist beschädigt (HKU"));
 }
 
 TEST_F(BatchCommand, SavesWhatItAppliesToOthers) {
-    const std::string copy = (windows.scratch() / "copy.brl").string();
-    ASSERT_EQ(run({"apply", file.string(), "--user", "Anna"}).code, 0);
+    const std::string copy = windows.scratch() / "copy.brl";
+    ASSERT_EQ(run({"apply", file, "--user", "Anna"}).code, 0);
     EXPECT_EQ(run({"save", copy, "--user", "Anna"}).out, "Anna: done\n");
     ASSERT_EQ(run({"apply", copy, "--user", "Ben", "--user", "pupil1"}).code, 0);
     const auto first = britlock::read_brl(bytes_of(file), {});
     auto second = britlock::read_brl(bytes_of(copy), {});
     ASSERT_TRUE(first && second);
-    second->machine = first->machine;                  // those of the machine it was saved on
-    second->programs.erase(second->programs.begin());  // a user's list always begins with the program itself
-    second->wallpaper = first->wallpaper;              // the user's own picture, not fixed
+    second->machine = first->machine;  // those of the machine it was saved on
     EXPECT_EQ(*first, *second);
 
     const std::string saved = bytes_of(copy);
@@ -136,50 +138,48 @@ TEST_F(BatchCommand, SavesWhatItAppliesToOthers) {
 
 TEST_F(BatchCommand, OpensNothingWithoutThePasswordOrTheFile) {
     const auto before = hives();
-    const auto refusal = [&](const std::vector<std::string>& words, const std::string& password) {
-        const Answer answer = run(words, password);
+    const auto refusal = [&](const Words& words) {
+        const Answer answer = run(words);
         EXPECT_EQ(answer.code, 3);
         EXPECT_EQ(answer.out, "");
         return answer.err;
     };
-    const std::vector<std::string> apply = {"apply", file.string(), "--all-users"};
-    for (const char* wrong : {"", "\n", "secret\n", "S\u00E4cret", "s\u00E4cret \u4E00\n"})
-        EXPECT_EQ(refusal(apply, wrong), "britlock: the password is incorrect\n") << wrong;
-    EXPECT_EQ(run({"show", "--user", "Anna"}, "s\u00E4cret").code, 0) << "the line may end with the input";
-
-    const std::string bad = (windows.scratch() / "bad.brl").string();
-    const std::pair<std::string, const char*> files[] = {
-        {bytes_of(file).substr(0, 200), " cannot be read: Input past end of file\n"},
-        {"PK,x", " is not a Brightlock Suite file\n"}};
-    for (const auto& [bytes, why] : files) {
-        write_bytes(bad, bytes);
-        EXPECT_EQ(refusal({"apply", bad, "--all-users"}, "s\u00E4cret"), "britlock: " + bad + why);
+    for (const char* wrong : {"", "\n", "secret\n", "S\u00E4cret", "s\u00E4cret \u4E00\n"}) {
+        password = wrong;
+        EXPECT_EQ(refusal(to_all), "britlock: the password is incorrect\n") << wrong;
     }
-    EXPECT_THAT(refusal({"apply", "/nowhere.brl", "--all-users"}, "s\u00E4cret"),
-                HasSubstr("File not found"));
+    password = "s\u00E4cret";  // the line may end with the input
+    const std::string cut = windows.scratch() / "cut.brl";
+    write_bytes(cut, bytes_of(file).substr(0, 200));
+    EXPECT_EQ(refusal({"apply", cut, "--all-users"}),
+              "britlock: " + cut + " cannot be read: Input past end of file\n");
+    write_bytes(cut, "PK,x");
+    EXPECT_EQ(refusal({"apply", cut, "--all-users"}),
+              "britlock: " + cut + " is not a Brightlock Suite file\n");
+    EXPECT_THAT(refusal({"apply", "/nowhere.brl", "--all-users"}), HasSubstr("File not found"));
     set_password("");
-    EXPECT_THAT(refusal(apply, ""), HasSubstr("no password has been set yet"));
+    EXPECT_THAT(refusal(to_all), HasSubstr("no password has been set yet"));
     fs::remove_all(windows.disk() / "WINDOWS");
-    EXPECT_THAT(refusal(apply, "s\u00E4cret"), HasSubstr("britlock: "));
+    EXPECT_THAT(refusal(to_all), HasSubstr("britlock: "));
     EXPECT_TRUE(hives() == before);
 }
 
 TEST_F(BatchCommand, TellsAWrongCall) {
     // clang-format off
-    const std::pair<std::vector<std::string>, const char*> calls[] = {
+    const std::pair<Words, const char*> calls[] = {
         {{"apply", "--all-users"}, "apply wants a file"}, {{"show", "x", "--all-users"}, "nothing is known of 'x'"},
         {{"apply", "x"}, "apply wants either --user or --all-users"}, {{"save", "x", "--all-users"}, "save wants one --user"},
         {{"show", "--user=A", "--all-users"}, "show wants either"}, {{"save", "x", "--user=A", "--user=B"}, "save wants one"},
         {{"apply", "x", "--all-users", "--json"}, "--json goes with show"}, {{"show", "--password=x"}, "unknown option"},
         {{"apply", "x", "--all-users", "--overwrite"}, "--overwrite goes with save"}, {{"show", "--user="}, "--user does not"},
         {{"show", "--all-users=yes"}, "--all-users takes no value"}, {{"show", "--drive", "C=/"}, "--machine does not take"},
-        {{"show", "--password-fd", "3x"}, "--password-fd does not take the value '3x'"}};
+        {{"show", "--password-fd", "-1"}, "--password-fd does not take the value '-1'"}};
     // clang-format on
     for (const auto& [words, text] : calls) {
         const Answer answer = run(words);
         EXPECT_EQ(answer.code, 2);
-        EXPECT_THAT(answer.err, StartsWith(std::string("britlock: ") + text));
-        EXPECT_THAT(answer.err, HasSubstr("Usage:"));
+        EXPECT_THAT(answer.err,
+                    testing::AllOf(StartsWith(std::string("britlock: ") + text), HasSubstr("Usage:")));
     }
     EXPECT_THAT(run({"show", "--help"}).out, StartsWith("Usage:"));
 }

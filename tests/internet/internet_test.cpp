@@ -15,21 +15,12 @@ namespace {
 using namespace machine;
 using testing::HasSubstr;
 
-/// Qt wants one, and its loop is that of the web host too.
-QCoreApplication& application() {
-    static int count = 0;
-    static QCoreApplication the_one(count, nullptr);
-    return the_one;
-}
-
 struct Web : testing::Test {
-    QCoreApplication& app = application();
+    int count = 0;
+    QCoreApplication application{count, nullptr};  // its loop is that of the web host too
     WebHost host;
     QtInternet internet{std::chrono::milliseconds(300)};
 
-    std::string url(const std::string& page, const std::string& at = "") {
-        return "http://" + (at.empty() ? host.name() : at) + page;
-    }
     std::string fetched(const std::string& address) {
         const auto page = internet.fetch(address);
         return page ? *page : "error " + std::to_string(page.error());
@@ -51,86 +42,62 @@ struct Web : testing::Test {
 };
 
 TEST_F(Web, PagesComeAsTheyAre) {
-    host.pages["/update/brit.txt"] = {"5.3.5\r\n"};
-    EXPECT_EQ(fetched(url("/update/brit.txt")), "5.3.5\r\n");
-    host.pages["/empty"] = {""};
-    EXPECT_EQ(fetched(url("/empty")), "");
     std::string all_bytes;
     for (int i = 0; i < 20000; ++i)
         all_bytes += static_cast<char>(i * 7);
-    host.pages["/file"] = {all_bytes};
-    EXPECT_EQ(body(url("/file")), all_bytes + " 0");
-    EXPECT_THAT(host.requests.back(), HasSubstr("User-Agent: BL OpenUrl\r\n"));
-    EXPECT_THAT(host.requests.back(), HasSubstr("no-cache"));
+    host.pages = {{"/brit.txt", {"5.3.5\r\n"}}, {"/empty", {""}}, {"/file", {all_bytes}}};
+    EXPECT_EQ(fetched(host.address() + "/brit.txt"), "5.3.5\r\n");
+    EXPECT_EQ(fetched(host.address() + "/empty"), "");
+    EXPECT_EQ(body(host.address() + "/file"), all_bytes + " 0");
+    EXPECT_THAT(host.requests.back(),
+                testing::AllOf(HasSubstr("User-Agent: BL OpenUrl\r\n"), HasSubstr("no-cache")));
 }
 
 TEST_F(Web, FailuresAreCodes) {
     WebHost gone;
-    const std::string nobody = gone.name();
+    const std::string nobody = gone.address() + "/", here = host.address();
     gone.close();
-    host.pages["/cut"] = {std::string(500, 'x'), "200 OK", 900};
-    host.pages["/silent"] = {.silent = true};
-    host.pages["/stalls"] = {std::string(40, 'x'), "200 OK", 900, 40};
-    host.pages["/huge"] = {std::string(1 << 20, 'x')};
-    EXPECT_EQ(fetched(url("/", nobody)), "error 12029");
-    EXPECT_EQ(fetched(url("/", "host.invalid")), "error 12007");
-    EXPECT_EQ(fetched(url("/silent")), "error 12002");
-    EXPECT_EQ(fetched(url("/none")), "error 12150");
-    EXPECT_EQ(fetched(url("/cut")), "error 12030");
-    EXPECT_EQ(fetched(url("/huge")), "error 12004") << "no page of the maker";
-    EXPECT_EQ(internet.open(url("/", nobody), ""), 0u);
-    EXPECT_EQ(internet.open(url("/silent"), ""), 0u);
+    host.pages = {{"/cut", {std::string(500, 'x'), "200 OK", 900}},
+                  {"/silent", {.silent = true}},
+                  {"/huge", {std::string(1 << 20, 'x')}}};
+    EXPECT_EQ(fetched(nobody), "error 12029");
+    EXPECT_EQ(fetched("http://host.invalid/"), "error 12007");
+    EXPECT_EQ(fetched(here + "/silent"), "error 12002");
+    EXPECT_EQ(fetched(here + "/none"), "error 12150");
+    EXPECT_EQ(fetched(here + "/cut"), "error 12030");
+    EXPECT_EQ(fetched(here + "/huge"), "error 12004") << "no page of the maker";
+    EXPECT_EQ(internet.open(nobody, "") + internet.open(here + "/silent", ""), 0u);
     EXPECT_EQ(internet.read(0, 200).error, invalid_handle);
-    EXPECT_EQ(body(url("/cut")), std::string(500, 'x') + " 12030");
-    EXPECT_EQ(body(url("/none")), "<h1>not here</h1> 0") << "the body of any answer can be read";
+    EXPECT_EQ(body(here + "/cut"), std::string(500, 'x') + " 12030");
+    EXPECT_EQ(body(here + "/none"), "<h1>not here</h1> 0") << "the body of any answer can be read";
 }
 
-/// The true hosts are nowhere: their names stand for the one on this machine.
-struct Redirected : Internet {
-    Redirected(Internet& its_target, std::string its_host) : target(its_target), host(std::move(its_host)) {}
-    std::string there(std::string_view url) const {
-        const size_t path = url.find('/', 7);
-        return "http://" + host + std::string(url.substr(path));
-    }
-    BasicResult<std::string, WinCode> fetch(std::string_view url) override {
-        return target.fetch(there(url));
-    }
-    uint32_t open(std::string_view url, std::string_view agent) override {
-        return target.open(there(url), agent);
-    }
-    Chunk read(uint32_t handle, size_t most) override { return target.read(handle, most); }
-    void close(uint32_t handle) override { target.close(handle); }
-    Internet& target;
-    std::string host;
-};
-
+/// By the true addresses, through a proxy as the person's system may name one.
 TEST_F(Web, TheUpdateWalksTheWholeRoad) {
+    qputenv("http_proxy", QByteArray::fromStdString(host.address()));
+    host.pages["http://update.brightlock.invalid/update/brit.txt"] = {"1.0.1"};
+    host.pages["http://update-de.brightlock.invalid/update/brlckup.exe"] = {std::string(33333, 'z')};
     World w;
-    Redirected road(internet, host.name());
-    host.pages["/update/brit.txt"] = {"1.0.1"};
     w.have_password();
     const Machine its = w.windows.machine();
-    Update* form = nullptr;
-    const auto ask_for_the_version = [&] {
-        w.Person::start({its.registry, its.files, its.processes, its.system, road});
+    const auto ask_for_the_version = [&]() -> Update& {
+        w.Person::start({its.registry, its.files, its.processes, its.system, internet});
         w.give_password("secret");
         w.click(w.window().mm55);
-        form = w.program->loaded<Update>();
-        w.screen.act([&] { form->cmd1.click(); });
+        w.click(w.form<Update>().cmd1);
+        return w.form<Update>();
     };
-    ask_for_the_version();
-    EXPECT_EQ(form->lbl4.text(), "1.0.0\r\n1.0.1");
+    Update& form = ask_for_the_version();
+    EXPECT_EQ(form.lbl4.text(), "1.0.0\r\n1.0.1");
+    EXPECT_FALSE(w.click(form.cmd2));
+    EXPECT_EQ(w.content("C:\\Program Files\\Brightlock Suite\\brlckup.exe"), std::string(33333, 'z'));
 
-    host.pages["/update/brlckup.exe"] = {std::string(3333, 'z'), "200 OK", 0, 150};
-    EXPECT_FALSE(w.screen.act([&] { form->cmd2.click(); }));
-    EXPECT_EQ(w.content("C:\\Program Files\\Brightlock Suite\\brlckup.exe"), std::string(3333, 'z'));
-
-    ask_for_the_version();
+    Update& again = ask_for_the_version();
     host.close();
-    w.screen.expect_box("Brightlock Suite");
-    EXPECT_FALSE(w.screen.act([&] { form->cmd2.click(); }));
+    EXPECT_FALSE(w.expecting("Brightlock Suite").click(again.cmd2));
     EXPECT_EQ(w.told(), "Error 6");
-    EXPECT_EQ(form->lbl7.text(), "0 Byts wurden Downgeloadet     -  Fertig!");
+    EXPECT_EQ(again.lbl7.text(), "0 Byts wurden Downgeloadet     -  Fertig!");
+    qunsetenv("http_proxy");
 }
 
 }  // namespace

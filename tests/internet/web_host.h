@@ -4,22 +4,20 @@
 #include <QTcpSocket>
 #include <QTimer>
 #include <map>
-#include <memory>
 #include <string>
 #include <vector>
 
-/// A web host on this machine, in the event loop of the test. What it does with a page is told beforehand.
+/// A web host on this machine, in the event loop of the test, or a proxy for any host. What it does with a
+/// page is told beforehand.
 class WebHost : public QTcpServer {
   public:
     WebHost() {
         listen(QHostAddress::LocalHost);
         connect(this, &QTcpServer::newConnection, this, [this] {
             QTcpSocket* client = nextPendingConnection();
-            auto request = std::make_shared<std::string>();
-            connect(client, &QTcpSocket::readyRead, client, [this, client, request] {
-                *request += client->readAll().toStdString();
-                if (request->ends_with("\r\n\r\n")) answer(*client, std::exchange(*request, ""));
-            });
+            // The head of a request comes in one piece.
+            connect(client, &QTcpSocket::readyRead, client,
+                    [this, client] { answer(*client, client->readAll().toStdString()); });
             connect(client, &QTcpSocket::disconnected, client, &QObject::deleteLater);
         });
     }
@@ -27,15 +25,13 @@ class WebHost : public QTcpServer {
     struct Page {
         std::string body = {};
         std::string status = "200 OK";
-        size_t promised = 0;         ///< a length that the head claims; 0: the true one
-        size_t bytes_per_piece = 0;  ///< pieces of this size, a moment apart; 0: all at once
-        bool silent = false;         ///< takes the request and never answers
+        size_t promised = 0;  ///< a length that the head claims; 0: the true one
+        bool silent = false;  ///< takes the request and never answers
     };
     std::map<std::string, Page> pages;  ///< others are not found
     std::vector<std::string> requests;  ///< heads
 
-    /// "127.0.0.1:port".
-    std::string name() const { return "127.0.0.1:" + std::to_string(serverPort()); }
+    std::string address() const { return "http://127.0.0.1:" + std::to_string(serverPort()); }
 
   private:
     void answer(QTcpSocket& client, const std::string& request) {
@@ -47,16 +43,13 @@ class WebHost : public QTcpServer {
         const size_t length = page.promised > 0 ? page.promised : page.body.size();
         client.write(QByteArray::fromStdString("HTTP/1.1 " + page.status + "\r\nContent-Length: " +
                                                std::to_string(length) + "\r\nConnection: close\r\n\r\n"));
+        // The body comes in pieces, a moment apart.
         auto* const clock = new QTimer(&client);
-        auto rest = std::make_shared<std::string>(page.body);
-        connect(clock, &QTimer::timeout, &client, [&client, clock, rest, page] {
-            const size_t piece = page.bytes_per_piece > 0 ? page.bytes_per_piece : rest->size();
-            client.write(QByteArray::fromStdString(rest->substr(0, piece)));
+        connect(clock, &QTimer::timeout, &client, [&client, body = page.body]() mutable {
+            client.write(QByteArray::fromStdString(body.substr(0, 3000)));
             client.flush();
-            rest->erase(0, piece);
-            if (!rest->empty()) return;
-            clock->stop();
-            client.disconnectFromHost();
+            body.erase(0, 3000);
+            if (body.empty()) client.disconnectFromHost();
         });
         clock->start(2);
     }
