@@ -5,6 +5,7 @@
 
 #include "base/text.h"
 #include "e2e/installed.h"
+#include "hostfile/file_lock.h"
 #include "program/world.h"
 #include "regf/image.h"
 
@@ -12,6 +13,7 @@ namespace britlock {
 namespace {
 
 namespace fs = std::filesystem;
+using hostfile::FileLock;
 
 /// A hive as text, what its keys and values are by their names.
 using Dump = std::map<std::string, std::string>;
@@ -128,46 +130,39 @@ TEST_P(Road, NeedsNoMoreRoomForTheNextApplies) {
     EXPECT_THAT(used, testing::Each(used.back()));
 }
 
-/// With the small hives of the sample.
-struct RoadOfTheSample : Installed, testing::Test {};
-
-TEST_F(RoadOfTheSample, ASecondInstanceFindsTheHiveInUse) {
-    enter();
-    auto second = machine::OfflineMachine::open(windows.options);
-    ASSERT_TRUE(second);
-    Person other;
-    other.start((*second)->machine());
-    other.give_password("secret");
-    const std::string before = bytes_of(hive());
-    ASSERT_EQ(windows.load("Anna"), 0u);
-    EXPECT_NE(REGISTRY_MOD(windows.machine(), english).reg_create_key(HKEY_USERS, "Anna\\Software"), 0);
-    other.expecting("File in use...").choose("Anna");
-    EXPECT_EQ(windows.unload("Anna"), 0u);
-    other.choose("Anna");
-    EXPECT_EQ(bytes_of(hive()), before);
-    other.program.reset();
+TEST(RealHives, ARunTimeErrorAmidTheWritesLeavesThoseBeforeItOnTheDisk) {
+    Installed w;
+    w.enter();
+    w.choose("Anna");
+    w.click(w.window().c11);
+    w.type(w.window().t81, "5000000000 AG");
+    EXPECT_FALSE(w.expecting("Brightlock Suite").apply()) << "the process has ended";
+    w.windows.offline().write_pending();
+    EXPECT_TRUE(regf::validate(regf::read_file(w.hive())).empty());
+    EXPECT_THAT(w.dump(), testing::HasSubstr("NoClose 4 01000000"));
+    EXPECT_TRUE(w.windows.offline().mounts().mounts()->empty());
+    EXPECT_EQ(w.windows.troubles(), "");
 }
 
-TEST_F(RoadOfTheSample, TheUninstallLeavesHivesMountedAndNothingLost) {
-    enter();
-    choose("Anna");
-    click(window().c11);
-    apply();
-    const std::string restricted = bytes_of(hive());
-    EXPECT_FALSE(
-        expecting("Uninstall ?", toolkit::Answer::yes).expecting("Uninstall not found").click(window().mm132))
-        << "the process ends";
-    EXPECT_EQ(bytes_of(hive()), restricted);
-    EXPECT_TRUE(windows.offline().mounts().find("Anna"));
-    windows.offline().write_pending();
+/// Two instances that look at the hive tool or at a hive at the same moment, or that run the tool, must not
+/// take each other for somebody who writes it.
+TEST(RealHives, OnlyAFileThatSomebodyHoldsIsInUse) {
+    Installed w;
+    w.enter();
+    const auto status = [&](const std::string& file) { return w.program->hiver.hive_file_status(file); };
+    const auto look = FileLock::acquire(*hostfile::place_of(w.hive()), FileLock::Purpose::look);
+    const auto other = FileLock::acquire(*hostfile::place_of(w.hive("Ben")));
+    ASSERT_TRUE(look && other);
+    EXPECT_EQ(status(w.windows.windows_hive_of("Anna")), HIVER_MOD::usable);
+    EXPECT_EQ(status(w.windows.windows_hive_of("Ben")), HIVER_MOD::in_use);
 
-    enter_again("Anna");
-    EXPECT_EQ(ticked(), " c11");
-    EXPECT_FALSE(windows.offline().mounts().find("Anna")) << "the next load cleans up";
-    click(window().c11);
-    apply();
-    choose("Anna");
-    EXPECT_EQ(ticked(), "");
+    int looks = 0;
+    w.screen.meanwhile = [&] {  // the tool runs
+        ++looks;
+        EXPECT_EQ(status("C:\\Program Files\\Brightlock Suite\\regg.exe"), HIVER_MOD::usable);
+    };
+    w.expecting("File in use...").choose("Ben");
+    EXPECT_GT(looks, 0);
 }
 
 }  // namespace

@@ -65,11 +65,17 @@ struct Person {
         return screen.act([&] { combo.choose(static_cast<int>(at)); });
     }
 
-    /// Turns to the page of a control and clicks it.
-    template <class Clickable>
-    bool click(Clickable& control) {
+    /// Turns to the page of a control and acts on it.
+    template <class Act>
+    bool act_on(toolkit::Control& control, const Act& act) {
         return screen.act([&] {
             turn_to(control);
+            act();
+        });
+    }
+    template <class Clickable>
+    bool click(Clickable& control) {
+        return act_on(control, [&] {
             EXPECT_TRUE(control.usable()) << control.name();
             control.click();
         });
@@ -80,23 +86,14 @@ struct Person {
     /// A line of a list, from 0.
     template <class List>
     bool click(List& list, int line) {
-        return screen.act([&] {
-            turn_to(list);
-            list.click_item(line);
-        });
+        return act_on(list, [&] { list.click_item(line); });
     }
     /// Marks or unmarks an applet, by its row from 1.
     void click_applet(size_t row) {
-        screen.act([&] {
-            turn_to(window().lv1);
-            window().lv1.click_row(row - 1);
-        });
+        act_on(window().lv1, [&] { window().lv1.click_row(row - 1); });
     }
     void type(toolkit::TextBox& box, std::string_view text) {
-        screen.act([&] {
-            turn_to(box);
-            box.type(text);
-        });
+        act_on(box, [&] { box.type(text); });
     }
     bool apply() { return click(window().cmd_set); }
     /// The text of the last box.

@@ -24,12 +24,10 @@ namespace {
 struct Pdf : testing::Test {
     static void SetUpTestSuite() { setenv("QT_QPA_PLATFORM", "offscreen", 1); }
 
-    static inline int count = 1;
-    static inline char name[] = "pdf_test";
-    static inline char* arguments[] = {name, nullptr};
+    static inline int count = 0;
     machine::MemoryMachine windows;
     FolderBrowser folders{windows.machine()};
-    toolkit::QtToolkit screen{count, arguments, folders, english, [](toolkit::Ending) { return 0; }};
+    toolkit::QtToolkit screen{count, nullptr, folders, english, [](toolkit::Ending) { return 0; }};
     TemporaryFolder folder;
     RestrictionSet set;
 
