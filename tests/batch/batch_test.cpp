@@ -73,8 +73,7 @@ TEST(Batch, LeavesOneUserOutOfTheTroubleOfAnother) {
 
     Batch batch = school.batch();
     EXPECT_THAT(batch.users(), ElementsAre("Administrator", "Anna", "Ben", "Carla", "Gone", "Held"));
-    for (const auto& [name, outcome] : {std::pair{"..\\Anna", "there is no such user here"},
-                                        {"", "there is no such user here"},
+    for (const auto& [name, outcome] : {std::pair{"", "there is no such user here"},
                                         {"administrator", "the user who is logged on cannot be restricted"},
                                         {"Ben", "run-time error 6: Overflow"},
                                         {"Held", "the file NTUSER.DAT is in use or locked"},

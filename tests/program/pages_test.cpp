@@ -19,7 +19,14 @@ struct Pages : testing::Test, WithAnna {
 };
 
 TEST_F(Pages, AreReachedByListBarMenuAndTab) {
-    MainForm& form = window();
+    windows.registry.at(HKEY_LOCAL_MACHINE, "Software\\Microsoft\\Windows\\CurrentVersion\\Run")
+        .set("Brightlock Classic", "old.exe");
+    MainForm& form = expecting("Old Brightlock Classic found!").enter();
+    screen.act([&] { form.Timer1.tick(); });
+    EXPECT_EQ(form.StatusBar.panel_text(3) + form.StatusBar.panel_text(4) + form.StatusBar.panel_text(5),
+              "AdministratorWinXP12:34:56")
+        << "without the NUL that the name carries";
+    EXPECT_FALSE(form.mm4.visible()) << "the choice of the language";
     click(form.SSListBar1, 3);
     EXPECT_EQ(form.l01.text(), "Desktop");
     EXPECT_EQ(form.help_context, 12);
@@ -256,17 +263,6 @@ TEST_F(Pages, BulkMarkingLeavesOutTheListAndTheIcons) {
     click(form.c41);
     click(form.mm22);
     EXPECT_EQ(ticked(), " c39") << "unmarking reaches the list's switch, not the icons";
-}
-
-TEST_F(Pages, AnOlderVersionIsTold) {
-    windows.registry.at(HKEY_LOCAL_MACHINE, "Software\\Microsoft\\Windows\\CurrentVersion\\Run")
-        .set("Brightlock Classic", "old.exe");
-    MainForm& form = expecting("Old Brightlock Classic found!").enter();
-    screen.act([&] { form.Timer1.tick(); });
-    EXPECT_EQ(form.StatusBar.panel_text(3) + form.StatusBar.panel_text(4) + form.StatusBar.panel_text(5),
-              "AdministratorWinXP12:34:56")
-        << "without the NUL that the name carries";
-    EXPECT_FALSE(form.mm4.visible()) << "the choice of the language";
 }
 
 TEST_F(Pages, TheProfileFolderIsGuardedByTwoQuestions) {
