@@ -4,7 +4,6 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
 
 #include "app/linux/exit_code.h"
 #include "app/linux/options.h"
@@ -39,11 +38,9 @@ TEST(Options, TakeTheirValuesInEitherWayAndAnyOrder) {
     const char* const line[] = {"britlock", "/icon",    "--drive=d=/data", "--machine",
                                 "/mnt",     "--page=3", "--user=A=B",      "/home/a/Room 1.BRL"};
     const Options options = std::get<Options>(parse_options(std::size(line), line));
-    EXPECT_EQ(options.drives, (std::map<char, std::string>{{'C', "/mnt"}, {'D', "/data"}}));
-    EXPECT_EQ(options.command_line, "/icon");
-    EXPECT_EQ(options.page, 3);
-    EXPECT_EQ(options.restriction_file, "/home/a/Room 1.BRL");
-    EXPECT_EQ(options.user, "A=B");
+    EXPECT_THAT((std::vector{options.drives.at('C'), options.drives.at('D'), options.command_line,
+                             options.user, options.restriction_file, std::to_string(options.page)}),
+                testing::ElementsAre("/mnt", "/data", "/icon", "A=B", "/home/a/Room 1.BRL", "3"));
 }
 
 /// The program itself, as a shell starts it.

@@ -22,7 +22,6 @@ ARROWS = [
     ("users/target.cpp", "#include <QString>", "users/target.cpp:1: includes <QString>"),
     ("users/target.h", '#include "ui/main_form.h"', "a circle: engine -> users -> ui -> "),
     ("commands", views + "engine ", views + "engine " + views + "toolkit_qt ", "engine reaches toolkit/qt/qt_toolkit.h"),
-    ("commands", views + "base ", views + "base " + views + "machine_offline ", "base reaches machine/offline/drive_map.h"),
     ("commands", views + "ui ", "%sui -isystem %s " % (views, qt), "ui reaches QWidget"),
     ("commands", views + "files ", "", "files does not reach its own"),
     ("floors", "startup files report", "startup machine_offline files report", "an implementation, is linked into the program"),

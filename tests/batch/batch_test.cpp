@@ -19,7 +19,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace machine;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
 using Words = std::vector<std::string>;
@@ -81,7 +80,7 @@ TEST(Batch, LeavesOneUserOutOfTheTroubleOfAnother) {
     const std::string file = brl_text(set);
 
     Batch batch = school.batch();
-    EXPECT_THAT(batch.users(), ElementsAre("Administrator", "Anna", "Ben", "Carla", "Gone", "Held"));
+    EXPECT_THAT(batch.users(), testing::ElementsAre("Administrator", "Anna", "Ben", "Carla", "Gone", "Held"));
     for (const auto& [name, outcome] : {std::pair{"", "there is no such user here"},
                                         {"administrator", "the user who is logged on cannot be restricted"},
                                         {"Ben", "run-time error 6: Overflow"},

@@ -212,29 +212,25 @@ TEST_F(FileCommands, ThatFailLeaveTheMarksAsTheyWere) {
     windows.files.add_file("C:\\cut.brl", whole.substr(0, whole.size() / 2));
     windows.files.add_file("C:\\held.brl", whole);
     windows.files.fail("C:\\held.brl", permission_denied);
-    struct Case {
-        const char* path;
-        toolkit::MenuItem MainForm::*command;
-        const char* says;
-    };
     const auto open = &MainForm::mm11, save = &MainForm::mm13;
-    for (const Case& c : {Case{"C:\\other.brl", open, "This is not a Brightlock Suite-File."},
-                          {"C:\\cut.brl", open, "'62'"},
-                          {"C:\\missing.brl", open, "'53'"},
-                          {"C:\\held.brl", open, "'70'"},
-                          {"Q:\\gone.brl", open, "'76'"},
-                          {"Q:\\x.brl", save, "'76'"},
-                          {"C:\\nowhere\\x.brl", save, "'76'"},
-                          {"C:\\WINDOWS", save, "'75'"}}) {
-        SCOPED_TRACE(c.path);
+    for (const auto& [path, command, says] :
+         {std::tuple{"C:\\other.brl", open, "This is not a Brightlock Suite-File."},
+          {"C:\\cut.brl", open, "'62'"},
+          {"C:\\missing.brl", open, "'53'"},
+          {"C:\\held.brl", open, "'70'"},
+          {"Q:\\gone.brl", open, "'76'"},
+          {"Q:\\x.brl", save, "'76'"},
+          {"C:\\nowhere\\x.brl", save, "'76'"},
+          {"C:\\WINDOWS", save, "'75'"}}) {
+        SCOPED_TRACE(path);
         MainForm& form = enter();
         click(form.c11);
         const RestrictionSet before = form.marks();
-        choosing_file("").click(form.*c.command);
-        const bool runs_on = c.says[0] != '\'';  // a run-time error ends the program
-        expecting(runs_on ? "Error..." : "Brightlock Suite").choosing_file(c.path);
-        EXPECT_EQ(click(form.*c.command), runs_on);
-        EXPECT_THAT(told(), HasSubstr(c.says));
+        choosing_file("").click(form.*command);
+        const bool runs_on = says[0] != '\'';  // a run-time error ends the program
+        expecting(runs_on ? "Error..." : "Brightlock Suite").choosing_file(path);
+        EXPECT_EQ(click(form.*command), runs_on);
+        EXPECT_THAT(told(), HasSubstr(says));
         EXPECT_EQ(form.marks(), before) << "no part of a set is shown";
     }
 }

@@ -58,7 +58,7 @@ TEST_F(Web, FailuresAreCodes) {
     const std::string nobody = gone.address() + "/", here = host.address();
     gone.close();
     host.pages = {{"/cut", {std::string(500, 'x'), "200 OK", 900}},
-                  {"/silent", {.silent = true}},
+                  {"/silent", {"", ""}},
                   {"/huge", {std::string(1 << 20, 'x')}}};
     EXPECT_EQ(fetched(nobody), "error 12029");
     EXPECT_EQ(fetched("http://host.invalid/"), "error 12007");

@@ -24,9 +24,8 @@ class WebHost : public QTcpServer {
 
     struct Page {
         std::string body = {};
-        std::string status = "200 OK";
-        size_t promised = 0;  ///< a length that the head claims; 0: the true one
-        bool silent = false;  ///< takes the request and never answers
+        std::string status = "200 OK";  ///< empty: takes the request and never answers
+        size_t promised = 0;            ///< a length that the head claims; 0: the true one
     };
     std::map<std::string, Page> pages;  ///< others are not found
     std::vector<std::string> requests;  ///< heads
@@ -39,7 +38,7 @@ class WebHost : public QTcpServer {
         const size_t path = request.find(' ') + 1;
         const auto at = pages.find(request.substr(path, request.find(' ', path) - path));
         const Page page = at != pages.end() ? at->second : Page{"<h1>not here</h1>", "404 Not Found"};
-        if (page.silent) return;
+        if (page.status.empty()) return;
         const size_t length = page.promised > 0 ? page.promised : page.body.size();
         client.write(QByteArray::fromStdString("HTTP/1.1 " + page.status + "\r\nContent-Length: " +
                                                std::to_string(length) + "\r\nConnection: close\r\n\r\n"));

@@ -6,7 +6,6 @@
 #include "users/hiver_mod.h"
 
 namespace britlock {
-namespace {
 
 using namespace machine;
 
@@ -37,5 +36,4 @@ TEST(WithoutAWindow, EachUserIsRestrictedAloneAndAMissingOneIsAnOutcome) {
     EXPECT_TRUE(screen.boxes.empty());
 }
 
-}  // namespace
 }  // namespace britlock

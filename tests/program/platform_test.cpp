@@ -11,7 +11,6 @@
 #include "platform/registry_mod.h"
 
 namespace britlock {
-namespace {
 
 static_assert(HKEY_CURRENT_USER == machine::Root::current_user);
 static_assert(HKEY_LOCAL_MACHINE == machine::Root::local_machine);
@@ -44,5 +43,4 @@ TEST(WindowsFamily, IsToldByPlatformVersionAndBuild) {
     }
 }
 
-}  // namespace
 }  // namespace britlock

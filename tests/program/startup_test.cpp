@@ -81,22 +81,20 @@ TEST_F(Startup, WarnsWhoIsNoAdministratorOnTheNtFamilyOnly) {
     std::vector<std::string> many(20, user), within = many, beyond(21, user);
     within.push_back(admin);
     beyond.push_back(admin);
-    struct Case {
-        Version version;
-        std::optional<std::vector<std::string>> groups;
-        std::string box;
-    };
     const std::string warning = "Admin privileges required !", error = "Brightlock Suite";
-    for (const Case& c :
-         {Case{versions::winxp, std::nullopt, warning}, Case{versions::win2k, {{user}}, warning},
-          Case{versions::winnt, many, warning}, Case{versions::winxp, within, ""},
-          // Run-time error 9, beyond the table of the groups.
-          Case{versions::winxp, beyond, error}, Case{versions::win98, std::nullopt, ""}}) {
-        World w(c.version);
+    using Groups = std::optional<std::vector<std::string>>;
+    for (const auto& [version, groups, box] :
+         {std::tuple{versions::winxp, Groups(), warning},
+          {versions::win2k, {{user}}, warning},
+          {versions::winnt, many, warning},
+          {versions::winxp, within, ""},
+          {versions::winxp, beyond, error},  // 9, beyond the table of groups
+          {versions::win98, Groups(), ""}}) {
+        World w(version);
         w.have_password();
-        w.windows.system.groups = c.groups;
-        if (!c.box.empty()) w.expecting(c.box);
-        EXPECT_EQ(w.start(), c.box != error);
+        w.windows.system.groups = groups;
+        if (!box.empty()) w.expecting(box);
+        EXPECT_EQ(w.start(), box != error);
     }
 }
 

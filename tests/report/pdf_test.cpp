@@ -54,18 +54,15 @@ struct Pdf : testing::Test {
         EXPECT_THAT([&] { print(); },
                     testing::Throws<RuntimeError>(testing::Property(&RuntimeError::number, 482)));
     }
-    std::string bytes(const std::string& file) {
-        std::ifstream in(folder / file, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
 };
 
 TEST_F(Pdf, HoldsThreePagesAndMoreForALongList) {
     for (const char* pages : {"/Count 3\n", "/Count 7\n"}) {
         choose(folder / "report.pdf");
         print();
-        EXPECT_THAT(bytes("report.pdf"),
-                    testing::AllOf(testing::StartsWith("%PDF-"), testing::HasSubstr(pages)));
+        std::ifstream in(folder / "report.pdf", std::ios::binary);
+        const std::string bytes{std::istreambuf_iterator<char>(in), {}};
+        EXPECT_THAT(bytes, testing::AllOf(testing::StartsWith("%PDF-"), testing::HasSubstr(pages)));
         set.programs.resize(300, "PROGRAM.EXE");
     }
 }
