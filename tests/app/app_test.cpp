@@ -53,7 +53,7 @@ struct Start : testing::Test {
                                     edition + "/britlock' " + arguments + " >output 2>&1";
         const int status = std::system(command.c_str());
         std::ifstream in(folder / "output");
-        const std::string output{std::istreambuf_iterator<char>(in), {}};
+        std::string output{std::istreambuf_iterator<char>(in), {}};
         EXPECT_EQ(WEXITSTATUS(status), code) << arguments << ": " << output;
         EXPECT_THAT(output, HasSubstr(words)) << arguments;
         return output;

@@ -37,7 +37,7 @@ struct School : World {
         windows.registry.at(HKEY_LOCAL_MACHINE, "Software\\Microsoft\\Windows NT\\CurrentVersion")
             .set("RegisteredOrganization", "12 Schools");
     }
-    Batch batch(Language of = english, std::string trouble = "") {
+    Batch batch(Language of = english, const std::string& trouble = "") {
         return Batch(windows.machine(), of, [trouble] { return trouble; });
     }
     std::string dump() const {
