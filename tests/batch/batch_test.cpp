@@ -205,6 +205,7 @@ TEST_F(BatchCommand, RestrictsAllUsersButThoseItCannot) {
 
 TEST_F(BatchCommand, SavesWhatItAppliesToOthers) {
     const std::string copy = windows.scratch() / "copy.brl";
+    EXPECT_EQ(run({"show", "--user", "Ben"}).out, "Ben:\n  no restrictions\n");
     ASSERT_EQ(run({"apply", file, "--user", "Anna"}).code, 0);
     EXPECT_EQ(run({"save", copy, "--user", "Anna"}).out, "Anna: done\n");
     ASSERT_EQ(run({"apply", copy, "--user", "Ben", "--user", "pupil1"}).code, 0);

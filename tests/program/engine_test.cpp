@@ -123,7 +123,7 @@ TEST(Engine, EachFamilyStoresAppletsAndCommandLineInItsOwnForm) {
         EXPECT_THAT(w.dump(), HasSubstr(w.nt() ? "Policies\\Microsoft\\Windows\\System : DisableCMD = dword 1"
                                                : "Policies\\WinOldApp : Disabled = dword 1"));
         EXPECT_THAT(w.dump(key::explorer),
-                    HasSubstr(xp ? "ForceClassicControlPanel = dword 1" : "Panel = dword 0"));
+                    HasSubstr(xp ? "ForceClassicControlPanel = dword 1" : "ClassicControlPanel = dword 0"));
         EXPECT_EQ(
             w.dump(key::disallow_cpl),
             xp ? " :  1 = \"APPWIZ.CPL\"\n :  2 = \"Drucker und Faxger\xE4te\"\n" : " : own = \"kept\"\n");
