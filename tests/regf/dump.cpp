@@ -1,9 +1,9 @@
 #include "regf/dump.h"
 
 #include <gtest/gtest.h>
+#include <hivex.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -85,14 +85,54 @@ void write_file(const std::string& path, const Bytes& bytes) {
         .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
 }
 
+namespace {
+
+template <class Pointer>
+auto owned(Pointer* pointer) {
+    return std::unique_ptr<Pointer, decltype(&std::free)>(pointer, &std::free);
+}
+
+/// The other reader tells names in UTF-8.
+std::string escaped_utf8(char* name, size_t length) {
+    std::u16string out;
+    for (const char *next = name, *end = name + length; next != end;) {
+        uint32_t letter = static_cast<uint8_t>(*next++);
+        const int more = letter < 0x80 ? 0 : letter < 0xE0 ? 1 : letter < 0xF0 ? 2 : 3;
+        if (more > 0) letter &= 0x3Fu >> more;
+        for (int i = 0; i < more && next != end; ++i)
+            letter = letter << 6 | (static_cast<uint8_t>(*next++) & 0x3Fu);
+        if (letter > 0xFFFF) out += static_cast<char16_t>(0xD7C0 + (letter >> 10));
+        out += static_cast<char16_t>(letter > 0xFFFF ? 0xDC00 + (letter & 0x3FF) : letter);
+    }
+    std::free(name);
+    return escaped(out);
+}
+
+void dump_node(hive_h* hive, hive_node_h node, const std::string& path, std::string& out) {
+    out += "K " + path + "\n";
+    const auto values = owned(hivex_node_values(hive, node));
+    for (const auto* value = values.get(); value && *value != 0; ++value) {
+        uint32_t type = 0;  // drivers make up their own
+        size_t size = 0;
+        const auto data = owned(hivex_value_value(hive, *value, reinterpret_cast<hive_type*>(&type), &size));
+        const auto* bytes = reinterpret_cast<const uint8_t*>(data.get());
+        out += "V " + path + " " +
+               escaped_utf8(hivex_value_key(hive, *value), hivex_value_key_len(hive, *value)) + " " +
+               std::to_string(type) + " " + (data ? hex({bytes, size}) : "unreadable") + "\n";
+    }
+    const auto children = owned(hivex_node_children(hive, node));
+    for (const auto* child = children.get(); child && *child != 0; ++child)
+        dump_node(hive, *child,
+                  path + "/" + escaped_utf8(hivex_node_name(hive, *child), hivex_node_name_len(hive, *child)),
+                  out);
+}
+
+}  // namespace
+
 std::string foreign_dump(const std::string& file) {
-    const std::string command =
-        std::string("/usr/bin/python3 " TEST_SOURCES "/foreign_dump.py '") + file + "' 2>/dev/null";
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+    const std::unique_ptr<hive_h, decltype(&hivex_close)> hive(hivex_open(file.c_str(), 0), &hivex_close);
     std::string out;
-    std::array<char, 65536> buffer{};
-    while (const size_t got = fread(buffer.data(), 1, buffer.size(), pipe.get()))
-        out.append(buffer.data(), got);
+    if (hive) dump_node(hive.get(), hivex_root(hive.get()), "", out);
     return out;
 }
 

@@ -6,7 +6,6 @@
 set -euo pipefail
 executables=$1
 pictures=${2:-}
-here=$(cd "$(dirname "$0")" && pwd)
 work=$(mktemp -d)
 started=()
 trap 'kill "${started[@]}" 2>/dev/null || true; rm -rf "$work"' EXIT
@@ -80,14 +79,15 @@ sleep 1.5
 picture applied
 
 # Which user the key press chose is seen by whose hive has changed.
+value_of() { hivexget "$work/xp/Documents and Settings/$1/NTUSER.DAT" "$explorer" "$2" 2>/dev/null || true; }
+explorer='Software\Microsoft\Windows\CurrentVersion\Policies\Explorer'
 found=
 for user in Administrator Anna Ben; do
-    /usr/bin/python3 "$here/../regf/foreign_dump.py" "$work/xp/Documents and Settings/$user/NTUSER.DAT" >"$work/$user.txt"
-    if grep -q 'Policies/Explorer NoClose 4 01000000' "$work/$user.txt"; then found=$user; fi
+    [ "$(value_of "$user" NoClose)" != 1 ] || found=$user
 done
 [ -n "$found" ] || fail "no user's hive holds the tick"
-grep -q 'Policies/Explorer NoLogOff 4 01000000' "$work/$found.txt" || fail "the box ticked by key is not in the hive"
-grep -q 'Policies/Explorer NoRun 4 00000000' "$work/$found.txt" || fail "a box that nobody ticked is not at 0"
+[ "$(value_of "$found" NoLogOff)" = 1 ] || fail "the box ticked by key is not in the hive"
+[ "$(value_of "$found" NoRun)" = 0 ] || fail "a box that nobody ticked is not at 0"
 
 [ ! -s "$work/errors" ] || fail "on standard error: $(cat "$work/errors")"
 keys alt+c                  # Cancel ends the process
