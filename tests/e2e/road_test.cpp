@@ -83,7 +83,7 @@ INSTANTIATE_TEST_SUITE_P(, Road,
 TEST_P(Road, FromTheFirstStartToTheChangedHive) {
     const std::string applets = "V /Control\\u0020Panel/don't\\u0020load ";  // which are written anew
     Dump before = foreign_dump();
-    ASSERT_FALSE(before.empty()) << "the other reader (python3-hivex) is needed";
+    ASSERT_FALSE(before.empty()) << "the other reader finds nothing";
     const fs::path software = windows.disk() / "WINDOWS/system32/config/software";
     const std::string software_before = bytes_of(software);
     enter();
