@@ -103,6 +103,16 @@ TEST_F(HiveFiles, AreOldOrNewWhicheverCallFails) {
     }
 }
 
+TEST_F(HiveFiles, AreOnTheDiskBeforeTheyTakeTheNameAndTheFolderAfterwards) {
+    std::string order;
+    fail_system_call = [&](const std::string& call) {
+        if (call == "fsync" || call == "rename") order += call + " ";
+        return 0;
+    };
+    ASSERT_TRUE(change_file());
+    EXPECT_EQ(order, "fsync rename fsync ");
+}
+
 TEST_F(HiveFiles, ChangedMeanwhileAreLeftAlone) {
     auto lock = FileLock::acquire(place);
     ASSERT_TRUE(lock);
