@@ -13,6 +13,7 @@
 #include <functional>
 #include <numeric>
 #include <set>
+#include <tuple>
 
 #include "regf/dump.h"
 #include "regf_file/hive_file.h"
@@ -208,9 +209,8 @@ TEST_F(HiveFiles, KeepModeOwnerAndAttributes) {
     struct stat after {};
     ASSERT_EQ(stat(place.path().c_str(), &after), 0);
     EXPECT_NE(after.st_ino, before.st_ino);
-    EXPECT_EQ(after.st_mode, before.st_mode);
-    EXPECT_EQ(after.st_uid, before.st_uid);
-    EXPECT_EQ(after.st_gid, before.st_gid);
+    EXPECT_EQ(std::tie(after.st_mode, after.st_uid, after.st_gid),
+              std::tie(before.st_mode, before.st_uid, before.st_gid));
     EXPECT_EQ(files(), "user.dat ");
     if (!attributes) GTEST_SKIP() << "no extended attributes on this file system";
     char value[8] = {};

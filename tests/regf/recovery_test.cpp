@@ -15,16 +15,11 @@ TEST(Figures, AreThoseOfWindows) {
         const StoredName stored = store_name(name);
         return number(NameView{stored.bytes, stored.compressed});
     };
-    const auto hash = [&](std::u16string_view name) { return of_stored(name_hash, name); };
-    const auto hint = [&](std::u16string_view name) { return of_stored(name_hint, name); };
-    EXPECT_EQ(hash(u"A"), 0x41u);
-    EXPECT_EQ(hash(u"Software"), 0xE9FE1463u);
-    EXPECT_EQ(hash(u"Control Panel"), 0xBD9CD7B9u);
-    EXPECT_EQ(hash(u"\u00EBigenaardig"), 0x4B098ECEu);
-    EXPECT_EQ(hash(u"\u041F\u0440\u0438\u0432\u0435\u0442"), 0x81C3D610u);
-    EXPECT_EQ(hint(u"123"), 0x00333231u);
-    EXPECT_EQ(hint(u"\u00EBigenaardig"), 0x656769EBu);
-    EXPECT_EQ(hint(u"key\xD81D"), 0u);
+    EXPECT_EQ(of_stored(name_hash, u"Control Panel"), 0xBD9CD7B9u);
+    EXPECT_EQ(of_stored(name_hash, u"\u00EBigenaardig"), 0x4B098ECEu);
+    EXPECT_EQ(of_stored(name_hash, u"\u041F\u0440\u0438\u0432\u0435\u0442"), 0x81C3D610u);
+    EXPECT_EQ(of_stored(name_hint, u"\u00EBigenaardig"), 0x656769EBu);
+    EXPECT_EQ(of_stored(name_hint, u"key\xD81D"), 0u);
     const std::u16string ascending[] = {u"2",      u"3",       u"ss1",    u"SS3",
                                         u"\u009F", u"\u00DF2", u"\u0178", u"\u0430"};
     for (size_t i = 1; i < std::size(ascending); ++i)
