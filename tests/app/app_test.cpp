@@ -1,14 +1,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-
-#include <cstdlib>
-#include <fstream>
 
 #include "app/linux/exit_code.h"
 #include "app/linux/options.h"
 #include "app/linux/strip.h"
-#include "temporary_folder.h"
+#include "host.h"
 
 using machine::ToolReport;
 using testing::HasSubstr;
@@ -49,12 +45,10 @@ struct Start : testing::Test {
     /// does first, e.g. with the environment.
     std::string expect(int code, const std::string& words, const std::string& arguments,
                        const std::string& before = "unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM") {
-        const std::string command = before + "; cd '" + folder.path().string() + "'; '" PROGRAM_FOLDER +
-                                    edition + "/britlock' " + arguments + " >output 2>&1";
-        const int status = std::system(command.c_str());
-        std::ifstream in(folder / "output");
-        std::string output{std::istreambuf_iterator<char>(in), {}};
-        EXPECT_EQ(WEXITSTATUS(status), code) << arguments << ": " << output;
+        const auto [ended, output] =
+            run_in_shell(before + "; cd '" + folder.path().string() + "'; '" PROGRAM_FOLDER + edition +
+                         "/britlock' " + arguments);
+        EXPECT_EQ(ended, code) << arguments << ": " << output;
         EXPECT_THAT(output, HasSubstr(words)) << arguments;
         return output;
     }

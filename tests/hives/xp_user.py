@@ -42,23 +42,6 @@ def noise(seed, length):
 
 PLACES = ["AppData", "Cache", "Cookies", "Desktop", "Favorites", "History", "NetHood", "Personal", "PrintHood", "Programs", "Recent",
           "SendTo", "Start Menu", "Startup", "Templates"]
-
-# key: values; a value without a type is text, a number a DWORD.
-PLAIN = {
-    "Control Panel\\Desktop": {"ForegroundLockTimeout": 200000, "Pattern": "(None)", "ScreenSaveActive": "1",
-                               "SCRNSAVE.EXE": "C:\\WINDOWS\\System32\\logon.scr", "TileWallpaper": "0",
-                               "UserPreferencesMask": (BINARY, b"\x9e\x3e\x07\x80"), "OriginalWallpaper": "",
-                               "Wallpaper": "C:\\WINDOWS\\web\\wallpaper\\Bliss.bmp", "WallpaperStyle": "2"},
-    "Control Panel\\don't load": {"ncpa.cpl": "No", "odbccp32.cpl": "No"},
-    "Control Panel\\Sound": {"Beep": "yes", "ExtendedSounds": "yes"},
-    CURRENT + "Policies\\Explorer": {"NoDriveTypeAutoRun": 0x91},
-    CURRENT + "Run": {"ctfmon.exe": "C:\\WINDOWS\\system32\\ctfmon.exe"},
-    EXPLORER + "Shell Folders": {name: "C:\\Documents and Settings\\Anna\\" + name for name in PLACES},
-    EXPLORER + "User Shell Folders": {name: path("%USERPROFILE%\\" + name) for name in PLACES},
-    EXPLORER + "StartPage": {"ProgramsCache": noise(4, 19242), "FavoritesResolve": noise(5, 1600)},
-    EXPLORER + "TrayNotify": {"IconStreams": noise(6, 5440), "PastIconsStream": noise(7, 6692)},
-    EXPLORER + "RecentDocs": {str(i): noise(20 + i, 90 + 4 * i) for i in range(60)},
-}
 # Keys with a bit of everything in them, or with nothing.
 OTHERS = """Console|Control Panel\\Accessibility\\HighContrast|Control Panel\\Accessibility\\MouseKeys|Control Panel\\Appearance|
 Control Panel\\Colors|Control Panel\\Cursors|Control Panel\\International|Control Panel\\Mouse|Environment|
@@ -68,65 +51,49 @@ Software\\Microsoft\\Windows NT\\CurrentVersion\\Devices|Software\\Microsoft\\Wi
 UNICODE Program Groups|Windows 3.1 Migration Status\\Groups""".replace("\n", "").split("|")
 CLASSES = {EXPLORER + "FileExts\\.txt\\OpenWithList": "Shell", EXPLORER + "RunMRU": "Shell",
            "Software\\Intel": "Application User Data", "Software\\Intel\\Indeo": "Application User Data",
-           "AppEvents\\Schemes\\Apps\\Explorer": "Shell"}
+           "AppEvents\\Schemes\\Apps\\Explorer": "Shell", EXPLORER + "MenuOrder\\Start Menu": "Menu order"}
 
 
-def typed(value):
-    if isinstance(value, tuple):
-        return value
-    return number(value) if isinstance(value, int) else text(value)
-
-
-def fill(hive, table):
-    for where, values in table.items():
-        hive.key(where)
-        for name, value in values.items():
-            hive.set(where, name, *typed(value))
-
-
-def others(hive):
+def values():
+    """Keys, with the names and contents of their values: text, a number, or its type and data."""
+    for name, value in {"ForegroundLockTimeout": 200000, "Pattern": "(None)", "SCRNSAVE.EXE": "C:\\WINDOWS\\System32\\logon.scr",
+                        "UserPreferencesMask": (BINARY, b"\x9e\x3e\x07\x80"), "OriginalWallpaper": "",
+                        "Wallpaper": "C:\\WINDOWS\\web\\wallpaper\\Bliss.bmp", "WallpaperStyle": "2"}.items():
+        yield "Control Panel\\Desktop", name, value
+    yield from (("Control Panel\\don't load", name, "No") for name in ("ncpa.cpl", "odbccp32.cpl"))
+    yield "Control Panel\\Sound", "Beep", "yes"
+    yield CURRENT + "Policies\\Explorer", "NoDriveTypeAutoRun", 0x91
+    yield CURRENT + "Run", "ctfmon.exe", "C:\\WINDOWS\\system32\\ctfmon.exe"
+    for name in PLACES:
+        yield EXPLORER + "Shell Folders", name, "C:\\Documents and Settings\\Anna\\" + name
+        yield EXPLORER + "User Shell Folders", name, path("%USERPROFILE%\\" + name)
+    for number_, (where, name, length) in enumerate((("StartPage", "ProgramsCache", 19242), ("StartPage", "FavoritesResolve", 1600),
+                                                     ("TrayNotify", "IconStreams", 5440), ("MenuOrder\\Start Menu", "Order", 1200))):
+        yield EXPLORER + where, name, noise(number_, length)
     for number_, where in enumerate(OTHERS):
-        hive.key(where)
+        yield where, "", ""
         for i in range(number_ * 7 % 24):
-            kinds = number(i * i), text("Text %d" % i), path("%%SystemRoot%%\\part%d" % i), noise(i, 40 * i)
-            hive.set(where, "Value %d" % i, *kinds[i % 4])
-
-
-def sounds(hive):
+            yield where, "Value %d" % i, (i * i, "Text %d" % i, path("%%SystemRoot%%\\part%d" % i), noise(i, 40 * i))[i % 4]
     for i in range(30):
-        hive.set("AppEvents\\EventLabels\\Sound%d" % i, "DispFileName", *text("@mmsys.cpl,-%d" % (5824 + i)))
+        yield "AppEvents\\EventLabels\\Sound%d" % i, "DispFileName", "@mmsys.cpl,-%d" % (5824 + i)
         for scheme in (".Current", ".Default"):
-            hive.set("AppEvents\\Schemes\\Apps\\.Default\\Sound%d\\%s" % (i, scheme), "", *path("%%SystemRoot%%\\media\\%d.wav" % i))
-
-
-def zones(hive):
+            yield "AppEvents\\Schemes\\Apps\\.Default\\Sound%d\\%s" % (i, scheme), "", path("%%SystemRoot%%\\media\\%d.wav" % i)
     for zone in range(5):
-        where = CURRENT + "Internet Settings\\Zones\\%d" % zone
-        fill(hive, {where: {"": "", "DisplayName": "Zone %d" % zone, "Flags": 0x21 << zone}})
+        yield CURRENT + "Internet Settings\\Zones\\%d" % zone, "DisplayName", "Zone %d" % zone
         for action in range(0x1400, 0x1436):
-            hive.set(where, "%X" % action, *number(action % 4))
-
-
-def shell(hive):
-    for ending in range(45):
-        where = EXPLORER + "FileExts\\.%d" % ending
-        hive.set(where + "\\OpenWithProgids", "file", NONE, b"")
-        fill(hive, {where + "\\OpenWithList": {"a": "notepad.exe", "MRUList": "a"}})
-    for group in ("Favorites", "Start Menu", "Start Menu2\\Programs", "Start Menu2\\Programs\\Accessories"):
-        key = hive.key(EXPLORER + "MenuOrder\\" + group, class_name="Menu order")
-        hive.set(key, "Order", *noise(len(group), 300 + 90 * len(group)))
-    for bag in range(1, 45):
-        hive.set(MS + "Windows\\ShellNoRoam\\Bags\\%d\\Shell" % bag, "WinPos1024x768(1).left", *number(bag * 16))
-        hive.set(MS + "Windows\\ShellNoRoam\\Bags\\%d\\Shell" % bag, "ItemPos1024x768(1)", *noise(bag, 40 + bag * 9))
-        hive.set(MS + "Windows\\ShellNoRoam\\BagMRU\\0\\%d" % (bag % 9), str(bag), *noise(bag, 61))
-    for entry in range(130):
-        hive.set(MS + "Windows\\ShellNoRoam\\MUICache", "@C:\\WINDOWS\\system32\\shell%02d.dll,-%d" % (entry % 7, 4000 + entry),
-                 *text("Text %d" % entry))
-    for entry in range(230):
-        hive.set(MS + "Advanced INF Setup\\Zone Info\\RegBackup\\0", "%08x" % (entry * 0x9E3779B1 & 0xFFFFFFFF),
-                 *noise(entry, 4 + entry % 90))
-        hive.set(MS + "Advanced INF Setup\\Zone Info\\RegBackup\\0.map", "%08x" % (entry * 0x9E3779B1 & 0xFFFFFFFF),
-                 *text(",1,HKCU,Software\\Microsoft\\Zone%d," % entry))
+            yield CURRENT + "Internet Settings\\Zones\\%d" % zone, "%X" % action, action % 4
+    for number_ in range(45):
+        yield EXPLORER + "FileExts\\.%d\\OpenWithProgids" % number_, "file", (NONE, b"")
+        yield EXPLORER + "FileExts\\.%d\\OpenWithList" % number_, "a", "notepad.exe"
+        yield MS + "Windows\\ShellNoRoam\\Bags\\%d\\Shell" % number_, "WinPos1024x768(1).left", number_ * 16
+        yield MS + "Windows\\ShellNoRoam\\Bags\\%d\\Shell" % number_, "ItemPos1024x768(1)", noise(number_, 40 + number_ * 9)
+        yield MS + "Windows\\ShellNoRoam\\BagMRU\\0\\%d" % (number_ % 9), str(number_), noise(number_, 61)
+    for i in range(130):
+        yield MS + "Windows\\ShellNoRoam\\MUICache", "@C:\\WINDOWS\\system32\\shell%02d.dll,-%d" % (i % 7, 4000 + i), "Text %d" % i
+    for i in range(230):
+        name = "%08x" % (i * 0x9E3779B1 & 0xFFFFFFFF)
+        yield MS + "Advanced INF Setup\\Zone Info\\RegBackup\\0", name, noise(i, 4 + i % 90)
+        yield MS + "Advanced INF Setup\\Zone Info\\RegBackup\\0.map", name, ",1,HKCU,Software\\Microsoft\\Zone%d," % i
 
 
 def every_type(hive):
@@ -148,8 +115,7 @@ def months_of_use(hive):
         for entry in range(60):
             hive.set(EXPLORER + "RecentDocs", str(entry), *noise(round_ * 60 + entry, 40 + (entry * 37 + round_ * 11) % 160))
         for program in range(40):
-            hive.set("Software\\Uninstalled %d\\Settings\\Window %d" % (round_, program % 5), "place %d" % program,
-                     *noise(program, 12 + program * 5))
+            hive.set("Software\\Uninstalled %d\\Window %d" % (round_, program % 5), "place %d" % program, *noise(program, 12 + program * 5))
         hive.delete_key(hive.key("Software\\Uninstalled %d" % round_))
     for entry in range(0, 60, 3):
         hive.delete_value(hive.key(EXPLORER + "RecentDocs"), str(entry))
@@ -166,11 +132,8 @@ def xp_user():
         for part in ("Certificates", "CRLs", "CTLs"):
             for place in ("Software\\Policies\\Microsoft\\SystemCertificates\\", MS + "SystemCertificates\\"):
                 hive.key(place + store + "\\" + part)
-    fill(hive, PLAIN)
-    others(hive)
-    sounds(hive)
-    zones(hive)
-    shell(hive)
+    for where, name, value in values():
+        hive.set(where, name, *(value if isinstance(value, tuple) else number(value) if isinstance(value, int) else text(value)))
     every_type(hive)
     months_of_use(hive)
     hive.sequence = 75

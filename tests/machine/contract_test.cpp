@@ -25,10 +25,7 @@ class Contract : public testing::TestWithParam<Implementation> {
     uint32_t load_anna() { return tool("load \"C:\\Documents and Settings\\Anna\\NTUSER.DAT\" HKU\\Anna"); }
 
     std::string ask(Root root, std::string_view key, std::string_view name) {
-        RawValue value;
-        const Outcome outcome = registry_.query(root, key, name, value);
-        if (outcome.open != success) return "open " + std::to_string(outcome.open);
-        return outcome.action != success ? "action " + std::to_string(outcome.action) : describe(value);
+        return ::ask(registry_, root, key, name);
     }
     std::string subkeys(Root root, std::string_view key) {
         std::string names;
@@ -44,12 +41,8 @@ class Contract : public testing::TestWithParam<Implementation> {
         std::string out;
         for (const FoundFile& found : files_.find(folder + "\\*").value_or(std::vector<FoundFile>())) {
             const std::string path = folder + "\\" + found.name;
-            std::string bytes;
-            if (found.attributes & attribute_directory) {
-                out += path + "\\\n" + tree(path);
-            } else if (files_.read(path, bytes) == no_error) {
-                out.append(path).append("=").append(bytes).append("\n");
-            }
+            const bool is_folder = found.attributes & attribute_directory;
+            out += path + (is_folder ? "\\\n" + tree(path) : "=" + content(files_, path) + "\n");
         }
         return out;
     }
@@ -119,8 +112,7 @@ TEST_P(Contract, UsersRootHoldsMountedHivesOnly) {
     ASSERT_EQ(load_anna(), 0u);
     const std::string hive = "C:\\Documents and Settings\\Anna\\NTUSER.DAT";
     EXPECT_EQ(files_.open_binary(hive).error, permission_denied);
-    std::string bytes;
-    EXPECT_EQ(files_.read(hive, bytes), permission_denied) << "not even to look at";
+    EXPECT_EQ(content(files_, hive), "error 70") << "not even to look at";
     EXPECT_EQ(registry_.create_key(Root::users, "anna\\software"), Registry::Disposition::opened);
     EXPECT_EQ(registry_.create_key(Root::users, "Ben\\Software"), Registry::Disposition::failed);
     EXPECT_EQ(registry_.delete_key(Root::users, "Anna"), access_denied);
@@ -168,8 +160,7 @@ TEST_P(Contract, FilesAnswerWithWindowsErrors) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.path);
         const auto opened = files_.open_binary(row.path);
-        EXPECT_EQ(opened.error, row.open);
-        EXPECT_EQ(opened.length, row.length);
+        EXPECT_EQ(std::pair(opened.error, opened.length), std::pair(row.open, row.length));
         std::string bytes;
         EXPECT_EQ(files_.read(row.path, bytes), row.read);
         EXPECT_EQ(files_.write(row.path, "abcd"), row.write);
@@ -188,17 +179,13 @@ TEST_P(Contract, FilesAnswerWithWindowsErrors) {
 }
 
 TEST_P(Contract, FilesGrowPieceByPiece) {
-    const auto content = [&](std::string_view path) {
-        std::string bytes;
-        return files_.read(path, bytes) == no_error ? bytes : "(none)";
-    };
-    EXPECT_EQ(files_.write_at("C:\\grow.bin", 0, ""), no_error);
-    EXPECT_EQ(content("C:\\grow.bin"), "");
-    EXPECT_EQ(files_.write_at("C:\\GROW.BIN", 0, "abcdef"), no_error);
-    EXPECT_EQ(files_.write_at("C:\\grow.bin", 2, "XY"), no_error);
-    EXPECT_EQ(content("C:\\grow.bin"), "abXYef");
-    EXPECT_EQ(files_.write_at("C:\\grow.bin", 8, "Z"), no_error);
-    EXPECT_EQ(content("C:\\grow.bin"), std::string("abXYef\0\0Z", 9));
+    for (const auto& [at, piece, whole] : {std::tuple{0, "", std::string()},
+                                           {0, "abcdef", "abcdef"},
+                                           {2, "XY", "abXYef"},
+                                           {8, "Z", std::string("abXYef\0\0Z", 9)}}) {
+        EXPECT_EQ(files_.write_at("C:\\GROW.bin", static_cast<uint32_t>(at), piece), no_error);
+        EXPECT_EQ(content(files_, "C:\\grow.bin"), whole);
+    }
     EXPECT_EQ(files_.write_at("C:\\nowhere\\x", 0, "a"), no_such_path);
     EXPECT_EQ(files_.write_at("C:\\WINDOWS", 0, "a"), path_access);
     ASSERT_EQ(files_.set_attributes("C:\\grow.bin", attribute_read_only), no_error);
@@ -209,20 +196,14 @@ TEST_P(Contract, SearchIsSortedAndFitsAsOnNT) {
     const std::string folder = "C:\\Documents and Settings\\Anna\\";
     for (const char* name : {"b.lnk", U"Ärger.LNK"_ansi, "A.Lnk", "Docs", "docs.txt"})
         ASSERT_EQ(files_.write(folder + name, "x"), no_error);
-    const auto names = [&](const std::string& pattern) {
-        std::string out;
-        const auto found = files_.find(pattern);
-        if (!found) return std::string("none");
-        for (const FoundFile& file : *found)
-            out += file.name + " ";
-        return out;
-    };
-    EXPECT_EQ(names(folder + "*.lnk"), std::string("A.Lnk b.lnk ") + U"Ärger.LNK "_ansi);
-    EXPECT_EQ(names(folder + "Docs*.*"), "Docs docs.txt ");
-    EXPECT_EQ(names(folder + "DOCS"), "Docs ");
-    EXPECT_EQ(names(folder + "*.exe"), "none");
-    EXPECT_EQ(names(folder + "none\\*"), "none");
-    EXPECT_EQ(names(folder), "none");
+    for (const auto& [pattern, found] :
+         {std::pair<const char*, std::string>{"*.lnk", std::string("A.Lnk b.lnk ") + U"Ärger.LNK "_ansi},
+          {"Docs*.*", "Docs docs.txt "},
+          {"DOCS", "Docs "},
+          {"*.exe", "none"},
+          {"none\\*", "none"},
+          {"", "none"}})
+        EXPECT_EQ(names(files_, folder + pattern), found) << pattern;
     const auto profiles = files_.find("C:\\Documents and Settings\\A*");
     ASSERT_TRUE(profiles);
     EXPECT_EQ(profiles->back().name, "Anna");
@@ -234,11 +215,9 @@ TEST_P(Contract, AnEmptyDriveIsThereAndALetterWithoutADriveIsNot) {
     const Machine machine = subject_->machine();
     EXPECT_EQ(machine.system.logical_drives() >> 3 & 1, 1u);
     EXPECT_EQ(machine.files.attributes("D:\\") & attribute_directory, attribute_directory);
-    const auto found = machine.files.find("D:\\*");
-    ASSERT_TRUE(found);
-    EXPECT_TRUE(found->empty());
-    EXPECT_FALSE(machine.files.find("D:\\*.lnk"));
-    EXPECT_FALSE(machine.files.find("Q:\\*"));
+    EXPECT_EQ(names(machine.files, "D:\\*"), "");
+    EXPECT_EQ(names(machine.files, "D:\\*.lnk"), "none");
+    EXPECT_EQ(names(machine.files, "Q:\\*"), "none");
     EXPECT_EQ(machine.files.attributes("Q:\\"), no_attributes);
 }
 

@@ -1,13 +1,10 @@
 #pragma once
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <optional>
-#include <string>
 
+#include "host.h"
 #include "regf_file/hive_file.h"
 
 /// Looks into hive files and changes them, past every machine.
@@ -50,10 +47,7 @@ inline void set_text(const std::filesystem::path& path, std::u16string_view key,
 /// What is wrong with a hive file: nothing, for a healthy one.
 inline std::string findings(const std::filesystem::path& path) {
     std::string out;
-    std::ifstream in(path, std::ios::binary);
-    const std::string bytes{std::istreambuf_iterator<char>(in), {}};
-    for (const regf::Finding& finding :
-         regf::validate({reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()}))
+    for (const regf::Finding& finding : regf::validate(bytes_of<regf::Bytes>(path)))
         out += std::to_string(finding.file_offset) + ": " + finding.text + "\n";
     return out;
 }

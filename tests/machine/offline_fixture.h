@@ -2,25 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <memory>
-#include <string>
 #include <vector>
 
+#include "host.h"
 #include "machine/offline/offline_machine.h"
 #include "machine/offline/sample_installation.h"
 #include "machine/subject.h"
-#include "temporary_folder.h"
-
-inline std::string bytes_of(const std::filesystem::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
-inline void write_bytes(const std::filesystem::path& file, std::string_view bytes) {
-    std::ofstream(file, std::ios::binary) << bytes;
-}
 
 /// A sample installation in a folder of its own, with a machine on it. The real hive tool serves it.
 class OfflineFixture {

@@ -45,13 +45,6 @@ std::string snapshot(const fs::path& folder) {
     return out;
 }
 
-std::string names(Files& files, const std::string& pattern) {
-    std::string out;
-    for (const FoundFile& found : files.find(pattern).value_or(std::vector<FoundFile>()))
-        out += found.name + " ";
-    return out;
-}
-
 /// An installation on a disk.
 class Disk : public testing::Test, public OfflineFixture {
   protected:
@@ -100,9 +93,8 @@ TEST_F(Disk, NoLinkLeadsOut) {
           std::string("C:\\Documents and Settings\\Anna\\secret.txt"),
           std::string("C:\\Documents and Settings\\Anna\\dangling.txt"), windows_hive_of("Ben")}) {
         SCOPED_TRACE(path);
-        std::string bytes;
         EXPECT_EQ(files().open_binary(path).error, path_access) << "in nobody's use";
-        EXPECT_EQ(files().read(path, bytes), permission_denied);
+        EXPECT_EQ(content(files(), path), "error 70");
         EXPECT_EQ(files().write(path, "mine"), permission_denied);
         EXPECT_EQ(files().remove(path), permission_denied);
         EXPECT_NE(files().set_attributes(path, attribute_read_only), no_error);
@@ -141,9 +133,8 @@ TEST_F(Disk, NoOtherNameOfAProtectedFolderDeletesIt) {
 
 TEST_F(Disk, NothingButFilesAndFoldersIsOpened) {
     ASSERT_EQ(mkfifo((disk() / "pipe").c_str(), 0666), 0);
-    std::string bytes;
     EXPECT_EQ(files().open_binary("C:\\pipe").error, path_access) << "and that without waiting for a writer";
-    EXPECT_EQ(files().read("C:\\pipe", bytes), permission_denied);
+    EXPECT_EQ(content(files(), "C:\\pipe"), "error 70");
     EXPECT_EQ(files().remove("C:\\pipe"), permission_denied);
     EXPECT_EQ(files().attributes("C:\\pipe"), no_attributes);
     EXPECT_EQ(names(files(), "C:\\p*"), "Program Files ");
@@ -161,11 +152,8 @@ TEST_F(Disk, NamesThatWindowsCannotSpellAreLeftAlone) {
 
     write_bytes(folder / "SAME.lnk", "upper");
     write_bytes(folder / "same.lnk", "lower");
-    std::string bytes;
-    EXPECT_EQ(files().read("C:\\School\\Icons\\same.lnk", bytes), no_error);
-    EXPECT_EQ(bytes, "lower") << "the exact spelling comes first";
-    EXPECT_EQ(files().read("C:\\School\\Icons\\SaMe.lnk", bytes), no_error);
-    EXPECT_EQ(bytes, "upper") << "else always the same one";
+    EXPECT_EQ(content(files(), "C:\\School\\Icons\\same.lnk"), "lower") << "the exact spelling comes first";
+    EXPECT_EQ(content(files(), "C:\\School\\Icons\\SaMe.lnk"), "upper") << "else always the same one";
 }
 
 TEST_F(Disk, WhatAnotherProgramLocksIsInUse) {
@@ -245,22 +233,19 @@ TEST_F(Disk, KeepsThePersonsOwnSettingsAndReadsAgainWhatOthersChange) {
     EXPECT_EQ(registry().create_key(Root::current_user, "Software\\Lock"), Registry::Disposition::created);
     EXPECT_EQ(registry().set(Root::current_user, "Software\\Lock", "a", dword_value(3)).action, success);
     open();
-    RawValue value;
-    EXPECT_EQ(registry().query(Root::current_user, "Software\\Lock", "A", value).action, success);
+    EXPECT_EQ(ask(registry(), Root::current_user, "Software\\Lock", "A"), "dword 3");
     EXPECT_EQ(findings(scratch() / "state/user.hive"), "");
 
     const std::string key = "Software\\Microsoft\\Windows NT\\CurrentVersion";
-    EXPECT_EQ(registry().query(Root::local_machine, key, "Theirs", value).action, file_not_found);
+    EXPECT_EQ(ask(registry(), Root::local_machine, key, "Theirs"), "action 2");
     set_text(software, u"Microsoft\\Windows NT\\CurrentVersion", u"Theirs", u"49");
-    EXPECT_EQ(registry().query(Root::local_machine, key, "Theirs", value).action, success);
-    EXPECT_EQ(describe(value), "\"49\"");
+    EXPECT_EQ(ask(registry(), Root::local_machine, key, "Theirs"), "\"49\"");
 }
 
 TEST_F(Disk, WritesBehindAnInstanceThatCommitsThisMoment) {
     britlock::prepare_installation(registry());
     const std::string key = "Software\\Morvane\\BRLCK";
-    RawValue value;
-    EXPECT_EQ(registry().query(Root::local_machine, key, "mine", value).action, file_not_found);
+    EXPECT_EQ(ask(registry(), Root::local_machine, key, "mine"), "action 2");
     const auto place = *hostfile::place_of(software);
     auto theirs = hostfile::FileLock::acquire(place);
     ASSERT_TRUE(theirs);
@@ -274,14 +259,13 @@ TEST_F(Disk, WritesBehindAnInstanceThatCommitsThisMoment) {
     EXPECT_EQ(registry().set(Root::local_machine, key, "mine", dword_value(1)).action, success);
     other.join();
     for (const char* name : {"mine", "theirs"})
-        EXPECT_EQ(registry().query(Root::local_machine, key, name, value).action, success) << name;
+        EXPECT_EQ(ask(registry(), Root::local_machine, key, name), "dword 1") << name;
 }
 
 TEST_F(Disk, AReadOnlyHiveIsOpenForReadersOnly) {
     ASSERT_EQ(chmod(software.c_str(), 0444), 0);
     const std::string key = "Software\\Microsoft\\Windows NT\\CurrentVersion";
-    RawValue value;
-    EXPECT_EQ(registry().query(Root::local_machine, key, "CurrentVersion", value).action, success);
+    EXPECT_EQ(ask(registry(), Root::local_machine, key, "CurrentVersion"), "\"5.1\"");
     EXPECT_EQ(registry().set(Root::local_machine, key, "a", dword_value(1)).open, access_denied);
     EXPECT_EQ(registry().create_key(Root::local_machine, key), Registry::Disposition::failed);
     EXPECT_EQ(machine().system.token_groups(), std::vector<std::string>{"S-1-5-32-545"});
@@ -300,10 +284,9 @@ TEST_F(Disk, ATextBeyondTheCodePageSurvivesItsOwnRoundTrip) {
     const auto read = [&](const std::string& user) {
         std::vector<std::string> texts;
         EXPECT_EQ(load(user), 0u);
-        RawValue value;
         for (const char* name : {" 0", " 1", " 2", " 3"}) {
-            EXPECT_EQ(registry().query(Root::users, user + "\\Software\\List", name, value).action, success);
-            texts.emplace_back(text::up_to_nul(value.data));
+            const std::string quoted = ask(registry(), Root::users, user + "\\Software\\List", name);
+            texts.push_back(quoted.substr(1, quoted.size() - 2));
         }
         EXPECT_EQ(unload(user), 0u);
         return texts;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "machine/machine.h"
+#include "machine/memory/journal.h"
 
 /// A machine with Windows XP and the profile of Anna.
 struct Subject {
@@ -33,6 +34,32 @@ std::unique_ptr<Subject> make_subject() {
 
 /// Those that this build has.
 std::vector<Implementation> implementations();
+
+/// What a search finds, a blank after each name; "none" where it fails.
+inline std::string names(machine::Files& files, const std::string& pattern) {
+    const auto found = files.find(pattern);
+    std::string out = found ? "" : "none";
+    for (const machine::FoundFile& file : found.value_or(std::vector<machine::FoundFile>()))
+        out += file.name + " ";
+    return out;
+}
+
+/// A value of the registry, as "dword 1"; "open 2" where its key and "action 2" where itself cannot be read.
+inline std::string ask(machine::Registry& registry, machine::Root root, std::string_view key,
+                       std::string_view name) {
+    machine::RawValue value;
+    const machine::Outcome outcome = registry.query(root, key, name, value);
+    if (outcome.open != machine::success) return "open " + std::to_string(outcome.open);
+    return outcome.action != machine::success ? "action " + std::to_string(outcome.action)
+                                              : machine::describe(value);
+}
+
+/// The bytes of a file; "error 70" where it cannot be read.
+inline std::string content(machine::Files& files, const std::string& path) {
+    std::string bytes;
+    const machine::FileError error = files.read(path, bytes);
+    return error == machine::no_error ? bytes : "error " + std::to_string(error);
+}
 
 /// Starts a command line and waits for its end, as the program does it; the start's error counts as a code
 /// beyond all others.

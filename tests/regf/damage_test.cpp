@@ -10,17 +10,13 @@
 namespace regf {
 namespace {
 
-void repair_checksum(Bytes& image) {
-    if (image.size() >= base_block_size) put32(image, base_block::checksum, base_block_checksum(image));
-}
+void repair_checksum(Bytes& image) { put32(image, base_block::checksum, base_block_checksum(image)); }
 
 /// Whatever the bytes are: an answer or a clean refusal; what may be edited can be sealed afterwards.
 void exercise(const Bytes& image) {
     auto opened = Hive::open(image);
-    if (!opened) {
-        EXPECT_FALSE(opened.error().message.empty());
-        return;
-    }
+    EXPECT_TRUE(opened || !opened.error().message.empty());
+    if (!opened) return;
     Hive& hive = *opened;
     (void)full_dump(hive);
     const bool writable = hive.read_only_reason().empty();
@@ -38,9 +34,7 @@ void exercise(const Bytes& image) {
     }
     const auto sealed = sealed_image(hive, 7);
     ASSERT_TRUE(sealed) << sealed.error().message;
-    const auto again = Hive::open(*sealed);
-    ASSERT_TRUE(again) << again.error().message;
-    EXPECT_EQ(full_dump(*again), full_dump(hive));
+    EXPECT_EQ(full_dump(*Hive::open(*sealed)), full_dump(hive));
 }
 
 Hive small_hive(uint32_t minor) {
@@ -96,9 +90,7 @@ TEST(DamagedHives, WithAWrongCountOfSharedDescriptorsAreEditedSafely) {
         for (const Key key : hive->subkeys(hive->root()))
             ASSERT_TRUE(hive->delete_key(key, 5));
         ASSERT_TRUE(hive->create(u"a\\b", 5));
-        const auto sealed = sealed_image(*hive, 6);
-        ASSERT_TRUE(sealed) << sealed.error().message;
-        EXPECT_TRUE(validate(*sealed).empty());
+        EXPECT_TRUE(validate(*sealed_image(*hive, 6)).empty());
     }
 }
 

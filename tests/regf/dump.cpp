@@ -6,38 +6,38 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <memory>
 
+#include "base/text.h"
 #include "regf/whole_check.h"
 
 namespace regf {
 
 std::string escaped(std::u16string_view name) {
     std::string out;
-    for (char16_t u : name) {
-        if (u > 0x20 && u < 0x7F && u != '\\') {
-            out += static_cast<char>(u);
-        } else {
-            char unit[8];
-            (void)std::snprintf(unit, sizeof unit, "\\u%04x", static_cast<unsigned>(u));
-            out += unit;
-        }
+    for (const char16_t unit : name) {
+        char text[8];
+        const bool plain = unit > 0x20 && unit < 0x7F && unit != '\\';
+        (void)std::snprintf(text, sizeof text, plain ? "%c" : "\\u%04x", static_cast<unsigned>(unit));
+        out += text;
     }
     return out;
 }
 
 std::string hex(ByteView bytes) {
     std::string out;
-    for (uint8_t b : bytes) {
-        out += "0123456789abcdef"[b >> 4];
-        out += "0123456789abcdef"[b & 15];
-    }
+    for (uint8_t b : bytes)
+        out.append({"0123456789abcdef"[b >> 4], "0123456789abcdef"[b & 15]});
     return out;
 }
 
 namespace {
+
+std::string value_line(const std::string& path, std::u16string_view name, uint32_t type, bool readable,
+                       ByteView data) {
+    return "V " + path + " " + escaped(name) + " " + std::to_string(type) + " " +
+           (readable ? hex(data) : "unreadable") + "\n";
+}
 
 void dump_key(const Hive& hive, Key key, const std::string& path, bool everything, std::string& out) {
     out += "K " + path;
@@ -46,12 +46,36 @@ void dump_key(const Hive& hive, Key key, const std::string& path, bool everythin
                escaped(hive.class_name(key)) + " s" + hex(hive.security(key));
     }
     out += "\n";
-    for (const auto& value : hive.values(key)) {
-        out += "V " + path + " " + escaped(value.name) + " " + std::to_string(value.type) + " " +
-               (value.readable ? hex(value.data) : "unreadable") + "\n";
-    }
+    for (const auto& value : hive.values(key))
+        out += value_line(path, value.name, value.type, value.readable, value.data);
     for (Key child : hive.subkeys(key))
         dump_key(hive, child, path + "/" + escaped(hive.name(child)), everything, out);
+}
+
+template <class Pointer>
+auto owned(Pointer* pointer) {
+    return std::unique_ptr<Pointer, decltype(&std::free)>(pointer, &std::free);
+}
+
+std::u16string name_of(char* utf8, size_t length) {
+    return text::utf16_from_utf8({owned(utf8).get(), length}).value_or(u"no UTF-8");
+}
+
+void dump_node(hive_h* hive, hive_node_h node, const std::string& path, std::string& out) {
+    out += "K " + path + "\n";
+    const auto values = owned(hivex_node_values(hive, node));
+    for (const auto* value = values.get(); value && *value != 0; ++value) {
+        uint32_t type = 0;  // drivers make up their own
+        size_t size = 0;
+        const auto data = owned(hivex_value_value(hive, *value, reinterpret_cast<hive_type*>(&type), &size));
+        out += value_line(path, name_of(hivex_value_key(hive, *value), hivex_value_key_len(hive, *value)),
+                          type, data != nullptr, {reinterpret_cast<const uint8_t*>(data.get()), size});
+    }
+    const auto children = owned(hivex_node_children(hive, node));
+    for (const auto* child = children.get(); child && *child != 0; ++child) {
+        const auto name = name_of(hivex_node_name(hive, *child), hivex_node_name_len(hive, *child));
+        dump_node(hive, *child, path + "/" + escaped(name), out);
+    }
 }
 
 }  // namespace
@@ -75,61 +99,7 @@ Result<Bytes> sealed_image(Hive& hive, FileTime now) {
     return Bytes(sealed->image.begin(), sealed->image.end());
 }
 
-Bytes read_file(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
-
-void write_file(const std::string& path, const Bytes& bytes) {
-    std::ofstream(path, std::ios::binary)
-        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-}
-
-namespace {
-
-template <class Pointer>
-auto owned(Pointer* pointer) {
-    return std::unique_ptr<Pointer, decltype(&std::free)>(pointer, &std::free);
-}
-
-/// The other reader tells names in UTF-8.
-std::string escaped_utf8(char* name, size_t length) {
-    std::u16string out;
-    for (const char *next = name, *end = name + length; next != end;) {
-        uint32_t letter = static_cast<uint8_t>(*next++);
-        const int more = letter < 0x80 ? 0 : letter < 0xE0 ? 1 : letter < 0xF0 ? 2 : 3;
-        if (more > 0) letter &= 0x3Fu >> more;
-        for (int i = 0; i < more && next != end; ++i)
-            letter = letter << 6 | (static_cast<uint8_t>(*next++) & 0x3Fu);
-        if (letter > 0xFFFF) out += static_cast<char16_t>(0xD7C0 + (letter >> 10));
-        out += static_cast<char16_t>(letter > 0xFFFF ? 0xDC00 + (letter & 0x3FF) : letter);
-    }
-    std::free(name);
-    return escaped(out);
-}
-
-void dump_node(hive_h* hive, hive_node_h node, const std::string& path, std::string& out) {
-    out += "K " + path + "\n";
-    const auto values = owned(hivex_node_values(hive, node));
-    for (const auto* value = values.get(); value && *value != 0; ++value) {
-        uint32_t type = 0;  // drivers make up their own
-        size_t size = 0;
-        const auto data = owned(hivex_value_value(hive, *value, reinterpret_cast<hive_type*>(&type), &size));
-        const auto* bytes = reinterpret_cast<const uint8_t*>(data.get());
-        out += "V " + path + " " +
-               escaped_utf8(hivex_value_key(hive, *value), hivex_value_key_len(hive, *value)) + " " +
-               std::to_string(type) + " " + (data ? hex({bytes, size}) : "unreadable") + "\n";
-    }
-    const auto children = owned(hivex_node_children(hive, node));
-    for (const auto* child = children.get(); child && *child != 0; ++child)
-        dump_node(hive, *child,
-                  path + "/" + escaped_utf8(hivex_node_name(hive, *child), hivex_node_name_len(hive, *child)),
-                  out);
-}
-
-}  // namespace
-
-std::string foreign_dump(const std::string& file) {
+std::string foreign_dump(const std::filesystem::path& file) {
     const std::unique_ptr<hive_h, decltype(&hivex_close)> hive(hivex_open(file.c_str(), 0), &hivex_close);
     std::string out;
     if (hive) dump_node(hive.get(), hivex_root(hive.get()), "", out);
@@ -137,13 +107,11 @@ std::string foreign_dump(const std::string& file) {
 }
 
 void expect_same(const std::string& ours, const std::string& theirs, const std::string& what) {
-    if (ours == theirs) return;
-    const auto [a, b] = std::mismatch(ours.begin(), ours.end(), theirs.begin(), theirs.end());
-    auto around = [](const std::string& s, std::string::const_iterator at) {
-        const auto start = std::max<std::ptrdiff_t>(0, at - s.begin() - 60);
-        return s.substr(static_cast<size_t>(start), 160);
-    };
-    ADD_FAILURE() << what << "\n ours:   ..." << around(ours, a) << "\n theirs: ..." << around(theirs, b);
+    const auto differ = std::mismatch(ours.begin(), ours.end(), theirs.begin(), theirs.end());
+    if (differ.first == ours.end() && differ.second == theirs.end()) return;
+    const size_t start = static_cast<size_t>(std::max<std::ptrdiff_t>(60, differ.first - ours.begin())) - 60;
+    ADD_FAILURE() << what << "\n ours:   ..." << ours.substr(start, 160) << "\n theirs: ..."
+                  << theirs.substr(start, 160);
 }
 
 }  // namespace regf

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <string>
-
+#include "host.h"
 #include "regf/hive.h"
-#include "temporary_folder.h"
 
 namespace regf {
 
@@ -21,11 +19,13 @@ std::string full_dump(const Hive& hive);
 /// does not.
 Result<Bytes> sealed_image(Hive& hive, FileTime now);
 
-Bytes read_file(const std::string& path);
-void write_file(const std::string& path, const Bytes& bytes);
+inline Bytes read_file(const std::filesystem::path& file) { return ::bytes_of<Bytes>(file); }
+inline void write_file(const std::filesystem::path& file, const Bytes& bytes) {
+    write_bytes(file, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+}
 
 /// What another reader says of a hive file; empty where it cannot read it.
-std::string foreign_dump(const std::string& file);
+std::string foreign_dump(const std::filesystem::path& file);
 /// Fails the test with the surroundings of the first difference.
 void expect_same(const std::string& ours, const std::string& theirs, const std::string& what);
 

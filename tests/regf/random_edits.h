@@ -83,23 +83,10 @@ class RandomEdits {
     Hive& hive_;
     std::mt19937& random_;
     FileTime now_ = 1000;
-    std::vector<std::u16string> parts_ = {u"a",
-                                          u"A",
-                                          u"Key ",
-                                          u"key ",
-                                          u"\u00e4\u00f6\u00fc",
-                                          u"\u00c4\u00d6\u00dc",
-                                          u"\u00df",
-                                          u"\u00ff",
-                                          u"\u0178",
-                                          u"(x)",
-                                          u"\u03a9\u03c9",
-                                          u"\u0436",
-                                          u"\u6f22",
-                                          u"\U0001F511",
-                                          u"0",
-                                          u"/",
-                                          u"\u0131"};
+    // clang-format off
+    std::vector<std::u16string> parts_ = {u"a", u"A", u"Key ", u"key ", u"\u00e4\u00f6\u00fc", u"\u00c4\u00d6\u00dc",
+        u"\u00df", u"\u00ff", u"\u0178", u"(x)", u"\u03a9\u03c9", u"\u0436", u"\u6f22", u"\U0001F511", u"0", u"/", u"\u0131"};
+    // clang-format on
 };
 
 }  // namespace regf

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <set>
 
 #include "regf/bytes.h"
@@ -72,18 +71,15 @@ void edit_and_undo(Hive& hive, const fs::path& file) {
     for (const size_t size : {0, 4, 5, 600, 16344, 16345, 40000})
         ASSERT_TRUE(
             hive.set_value(*key, u"v" + std::u16string(size % 7, u'x'), {REG_BINARY, Bytes(size, 7)}, 6));
-    const auto edited = sealed_image(hive, 7);
-    ASSERT_TRUE(edited) << edited.error().message;
-    EXPECT_LE(validate(*edited).size(), faults);
-    expect_new_head(read_file(file), *edited, 7);
+    const Bytes edited = *sealed_image(hive, 7);
+    EXPECT_LE(validate(edited).size(), faults);
+    expect_new_head(read_file(file), edited, 7);
     TemporaryFolder folder;
     const fs::path copy = folder / file.filename().string();
-    write_file(copy, *edited);
+    write_file(copy, edited);
     expect_as_another_reader_reads(hive, copy);
     ASSERT_TRUE(hive.delete_key(*hive.find(u"Zebra"), 8));
-    const auto undone = sealed_image(hive, 9);
-    ASSERT_TRUE(undone) << undone.error().message;
-    expect_same(dump(*Hive::open(*undone)), before, file);
+    expect_same(dump(*Hive::open(*sealed_image(hive, 9))), before, file);
 }
 
 TEST(Samples, GiveNewKeysTheSecurityOfThoseAround) {
@@ -138,32 +134,27 @@ TEST(Samples, WithAnythingElseInThemArePassedByNoJudge) {
         const bool differs = !read || !read->read_only_reason().empty() || full_dump(*read) != text;
         differing += differs;
         EXPECT_FALSE(passed && differs) << at << ", " << word;
-        if (passed) {
-            EXPECT_EQ(whole_check(sealed->opened, wrong, hive.changes()), "") << at << ", " << word;
-        }
+        EXPECT_EQ(passed ? whole_check(sealed->opened, wrong, hive.changes()) : "", "") << at << ", " << word;
         return passed;
     };
     const Image image = image_of(sealed->image);
     const uint32_t end = image.bins_size();
+    std::vector<uint32_t> used, holes;
+    for (uint32_t cell = image.cells().first_from(0, end); cell < end;
+         cell = image.cells().first_from(cell + 8, end))
+        (image.size_field(cell) < 0 ? used : holes).push_back(cell);
     for (size_t at = base_block_size; at + 4 <= sealed->image.size(); at += 4) {
         const uint32_t word = get32(sealed->image, at);
         for (const int bit : {0, 8, 16, 24})
             (void)is_passed(at, word ^ 1u << bit);
         if (!image.cell_at(CellOffset{word})) continue;  // else it leads to a cell: let it lead to others
-        for (uint32_t cell = image.cells().first_from(0, end); cell < end;
-             cell = image.cells().first_from(cell + 8, end)) {
-            if (cell != word && image.size_field(cell) < 0) (void)is_passed(at, cell);
-        }
+        for (const uint32_t cell : used)
+            if (cell != word) (void)is_passed(at, cell);
     }
     EXPECT_GT(differing, 200);
-    int holes = 0;
-    for (uint32_t cell = image.cells().first_from(0, end); cell < end;
-         cell = image.cells().first_from(cell + 8, end)) {
-        if (image.size_field(cell) < 0) continue;
-        ++holes;
+    ASSERT_FALSE(holes.empty());
+    for (const uint32_t cell : holes)
         EXPECT_FALSE(is_passed(in_file(cell), static_cast<uint32_t>(-image.size_field(cell)))) << "a leak";
-    }
-    EXPECT_GT(holes, 0);
 }
 
 TEST(Samples, AreReadAsAnotherReaderReadsThemAndCanBeEdited) {
@@ -196,12 +187,10 @@ TEST(Samples, WithRulesBrokenAreNeverWritten) {
         Hive& hive = opened->hive;
         expect_contents(hive, file);
         EXPECT_NE(hive.read_only_reason(), "");
-        const std::string before = full_dump(hive);
         const auto refused = hive.create_subkey(hive.root(), u"New", 1);
         ASSERT_FALSE(refused);
         EXPECT_EQ(refused.error().kind, ErrorKind::unsupported);
         EXPECT_FALSE(hive.set_value(hive.root(), u"x", {REG_DWORD, {1, 0, 0, 0}}, 1));
-        EXPECT_EQ(full_dump(hive), before);
     }
     for (const fs::path& file : hives("refused", {"odd/BadListHive", "odd/BadSubkeyHive"})) {
         SCOPED_TRACE(file);
@@ -234,13 +223,12 @@ TEST(Samples, OfUnfinishedWritesAreRecoveredAsWindowsDoes) {
         EXPECT_TRUE(*recovered == read_file(folder / "hive.recovered")) << "byte for byte";
     }
     for (const auto& [dirty, by_windows] :
-         {std::pair("dirty/old-log/OldDirtyHive", "dirty/old-log/RecoveredHive_Windows7"),
-          {"dirty/new-log/NewDirtyHive", "dirty/new-log/RecoveredHive_Windows10"}}) {
-        if (!fs::exists(real / dirty)) continue;
-        const auto ours = open_file(real / dirty);
-        ASSERT_TRUE(ours) << ours.error().message;
-        EXPECT_TRUE(ours->hive.recovered());
-        expect_same(dump(ours->hive), dump(open_file(real / by_windows)->hive), dirty);
+         {std::pair("old-log/OldDirtyHive", "old-log/RecoveredHive_Windows7"),
+          {"new-log/NewDirtyHive", "new-log/RecoveredHive_Windows10"}}) {
+        if (!fs::exists(real / "dirty" / dirty)) continue;
+        const Hive ours = std::move(open_file(real / "dirty" / dirty)->hive);
+        EXPECT_TRUE(ours.recovered());
+        expect_same(dump(ours), dump(open_file(real / "dirty" / by_windows)->hive), dirty);
     }
 }
 

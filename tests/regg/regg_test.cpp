@@ -29,34 +29,15 @@ namespace {
 
 constexpr auto key = "Anna\\Software\\Lock";
 
-struct Ran {
-    int code;
-    std::string line;
-};
-
 /// Runs the tool by hand, as an administrator would in a shell; `environment` stands before the command.
 Ran run_tool(const std::string& arguments, const std::string& environment) {
-    const std::string line = environment + " '" + PROGRAM_FOLDER + "/regg.exe' " + arguments + " 2>&1";
-    FILE* pipe = popen(line.c_str(), "r");
-    std::string output;
-    for (int c = 0; (c = std::fgetc(pipe)) != EOF;)
-        output += static_cast<char>(c);
-    return {WEXITSTATUS(pclose(pipe)), output};
+    return run_in_shell(environment + " '" + PROGRAM_FOLDER + "/regg.exe' " + arguments);
 }
 
 /// Writes the record of a mount, as private as it must be.
 void write_record(const fs::path& file, std::string_view bytes) {
     write_bytes(file, bytes);
     fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);
-}
-
-/// How a process ends that does this, as waitpid tells it.
-int end_of_process(const std::function<int()>& work) {
-    const pid_t child = fork();
-    if (child == 0) _exit(work());
-    int status = -1;
-    EXPECT_EQ(waitpid(child, &status, 0), child);
-    return status;
 }
 
 /// A file system of its own on a folder, of a size that fills soon. Not ready where this process may not
@@ -201,15 +182,15 @@ TEST_F(HiveTool, SaysInOneLineWhyItRefuses) {
     for (const auto& row : rows) {
         const Ran ran = run_tool(row.arguments, mounts + (row.with_drives ? drives : ""));
         EXPECT_EQ(ran.code, 1) << row.arguments;
-        EXPECT_TRUE(ran.line.starts_with("regg: ")) << row.arguments << "\n" << ran.line;
-        EXPECT_EQ(ran.line.find('\n'), ran.line.size() - 1) << row.arguments << "\n" << ran.line;
-        EXPECT_THAT(ran.line, HasSubstr(row.message)) << row.arguments;
+        EXPECT_TRUE(ran.output.starts_with("regg: ")) << row.arguments << "\n" << ran.output;
+        EXPECT_EQ(ran.output.find('\n'), ran.output.size() - 1) << row.arguments << "\n" << ran.output;
+        EXPECT_THAT(ran.output, HasSubstr(row.message)) << row.arguments;
     }
     EXPECT_EQ(std::distance(fs::directory_iterator(scratch() / "by-hand"), {}), 1)
         << "nothing is half mounted";
     write_bytes(disk() / "hiberfil.sys", "hibr");
     EXPECT_THAT(
-        run_tool("load 'C:\\Documents and Settings\\Ben\\NTUSER.DAT' 'HKU\\Ben'", mounts + drives).line,
+        run_tool("load 'C:\\Documents and Settings\\Ben\\NTUSER.DAT' 'HKU\\Ben'", mounts + drives).output,
         HasSubstr("this Windows hibernates"));
     EXPECT_EQ(run_tool("unload 'HKU\\ANNA'", mounts).code, 0);
 }

@@ -11,10 +11,10 @@
 #include <fstream>
 
 #include "base/runtime_error.h"
+#include "host.h"
 #include "machine/memory/memory_machine.h"
 #include "platform/folder_browser.h"
 #include "report/report.h"
-#include "temporary_folder.h"
 #include "toolkit/qt/printer.h"
 #include "toolkit/qt/qt_toolkit.h"
 
@@ -60,9 +60,8 @@ TEST_F(Pdf, HoldsThreePagesAndMoreForALongList) {
     for (const char* pages : {"/Count 3\n", "/Count 7\n"}) {
         choose(folder / "report.pdf");
         print();
-        std::ifstream in(folder / "report.pdf", std::ios::binary);
-        const std::string bytes{std::istreambuf_iterator<char>(in), {}};
-        EXPECT_THAT(bytes, testing::AllOf(testing::StartsWith("%PDF-"), testing::HasSubstr(pages)));
+        EXPECT_THAT(bytes_of(folder / "report.pdf"),
+                    testing::AllOf(testing::StartsWith("%PDF-"), testing::HasSubstr(pages)));
         set.programs.resize(300, "PROGRAM.EXE");
     }
 }

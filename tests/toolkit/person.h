@@ -1,15 +1,12 @@
 #pragma once
 
-#include <functional>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "toolkit/gallery.h"
 #include "toolkit/toolkit.h"
-
-enum class Key { tab, back_tab, enter, escape, space, up, down, left, right, home, del, f1, f4, f10 };
-using Keys = std::vector<Key>;
 
 /// Somebody in front of a renderer's windows: what a hand can do there and an eye can see. Each renderer
 /// brings one, and is held to the same promises by it.
@@ -17,26 +14,26 @@ class Person {
   public:
     virtual ~Person() = default;
     virtual toolkit::Toolkit& screen() = 0;
-    virtual toolkit::FolderSource& folders() = 0;
+    PaperFolders folders;
 
-    // --- the hand. Keys go to whatever has the keyboard.
-    virtual void press(Key key) = 0;
-    /// With Alt.
-    virtual void press_access(char letter) = 0;
-    virtual void paste(std::string_view ansi) = 0;
+    // --- the hand
+    /// One key after the other, as "Down Alt+N Return". They go to whatever has the keyboard.
+    void press(std::string_view keys) {
+        std::istringstream words{std::string(keys)};
+        for (std::string key; words >> key;)
+            hit(key);
+    }
     /// Letter by letter, those that no keyboard has included.
     virtual void type(std::u16string_view text) = 0;
-    /// On its mark, or near its left upper corner.
-    virtual void click(const toolkit::Control& control) = 0;
-    /// On a line of a list, a tab, or an item of a list bar, from 0; beyond the last: on the empty place
-    /// below.
-    virtual void click_line(const toolkit::Control& control, int line) = 0;
-    virtual void double_click_line(const toolkit::Control& control, int line) = 0;
+    /// On its mark, or near its left upper corner. With a line: on that of a list, a tab, or an item of a
+    /// list bar, from 0; beyond the last: on the empty place below.
+    virtual void click(const toolkit::Control& control, int line = 0) = 0;
+    virtual void double_click(const toolkit::Control& control, int line) = 0;
     /// Down where positive.
     virtual void turn_wheel(const toolkit::Control& control, int notches) = 0;
     virtual void close_window(const toolkit::Form& form) = 0;
     /// Presses these keys at the box or dialog that the next event opens.
-    virtual void at_next_box(Keys keys) = 0;
+    virtual void at_next_box(const std::string& keys) = 0;
     /// Lets the screen finish what it has begun.
     virtual void wait() = 0;
 
@@ -44,7 +41,6 @@ class Person {
     /// The text; of a check box "[x] caption", of a list its lines, the selected one with a star, each with
     /// its mark and a bar after it.
     virtual std::string sees(const toolkit::Control& control) = 0;
-    virtual bool sees_window(const toolkit::Form& form) = 0;
     virtual bool is_on_screen(const toolkit::Control& control) = 0;
     virtual bool is_grey(const toolkit::Control& control) = 0;
     /// Entries of the menu that is open, as "&Open|-|(&Grey)|"; hidden ones are not there.
@@ -53,12 +49,15 @@ class Person {
     virtual const toolkit::Control* keyboard(const toolkit::Form& form) = 0;
     /// 0xRRGGBB in the middle.
     virtual unsigned colour(const toolkit::Control& control) = 0;
+    /// The last box as it was when the keys of at_next_box() were pressed.
     struct Seen {
         std::string title, text;
         std::vector<std::string> buttons;
-    };
-    /// As it was when the keys of at_next_box() were pressed.
-    virtual Seen last_box() = 0;
+    } box;
+
+  protected:
+    /// A key by the name that stands on it in English; "Alt+N" with a letter, "Backtab" for Shift and Tab.
+    virtual void hit(const std::string& key) = 0;
 };
 
 /// Made by the renderer's own part of the test program. `argc` and `argv` are those of main().

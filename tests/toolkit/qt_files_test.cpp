@@ -142,9 +142,9 @@ TEST_F(QtFileDialog, SaysSoWhenADriveDoesNotAnswer) {
         EXPECT_TRUE(before.starts_with("C:\\/"));
         auto& drives = *box.findChildren<QComboBox*>()[1];
         EXPECT_EQ(drives.currentText(), "C:");
-        the_person->at_next_box({Key::enter});
+        the_person->at_next_box("Return");
         key(drives, Qt::Key_Down);
-        EXPECT_TRUE(the_person->last_box().text.starts_with("D: ist nicht zu erreichen"));
+        EXPECT_TRUE(the_person->box.text.starts_with("D: ist nicht zu erreichen"));
         EXPECT_EQ(drives.currentText(), "C:");
         EXPECT_EQ(lines(box, folders), before);
     });

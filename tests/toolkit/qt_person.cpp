@@ -4,7 +4,6 @@
 
 #include <QApplication>
 #include <QCheckBox>
-#include <QClipboard>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QListView>
@@ -17,7 +16,6 @@
 #include <QTimer>
 #include <QWheelEvent>
 #include <cstdio>
-#include <map>
 
 #include "toolkit/person.h"
 #include "toolkit/qt/conversion.h"
@@ -49,13 +47,15 @@ QWidget& surface(const Control& control) {
     return widget;
 }
 
-QPoint line_at(const Control& control, int line) {
-    QWidget& widget = widget_of(control);
-    if (auto* tabs = qobject_cast<QTabBar*>(&surface(control))) return tabs->tabRect(line).center();
-    auto& list = dynamic_cast<QListView&>(widget);
-    if (line >= list.model()->rowCount()) return list.viewport()->rect().bottomLeft() - QPoint(-20, 2);
-    const QRect row = list.visualRect(list.model()->index(line, 0));
-    return {row.left() + 8, row.center().y()};  // on the mark, if it has one
+/// On the mark, if there is one.
+QPoint place_in(const Control& control, int line) {
+    QWidget& widget = surface(control);
+    if (auto* tabs = qobject_cast<QTabBar*>(&widget)) return tabs->tabRect(line).center();
+    const auto* list = qobject_cast<QListView*>(&widget_of(control));
+    if (!list) return {5, widget.height() / 2};
+    if (line >= list->model()->rowCount()) return widget.rect().bottomLeft() + QPoint(20, -2);
+    const QRect row = list->visualRect(list->model()->index(line, 0));
+    return {row.left() + 8, row.center().y()};
 }
 
 std::string ansi_text(const QString& text) { return qt::ansi(text).value_or("?"); }
@@ -86,46 +86,24 @@ std::string lines_of(const Control& control, QListView& list) {
 class QtPerson : public Person {
   public:
     QtPerson(int& argc, char** argv)
-        : screen_(argc, argv, folders_, german, [](Ending ending) {
+        : screen_(argc, argv, folders, german, [](Ending ending) {
               std::fputs("before the end\n", stderr);
               return ending == Ending::done ? 0 : 1;
           }) {}
     ~QtPerson() override { qDeleteAll(QApplication::topLevelWidgets()); }
-
     Toolkit& screen() override { return screen_; }
-    FolderSource& folders() override { return folders_; }
 
-    void press(Key key) override {
-        static const std::map<Key, Qt::Key> keys = {
-            {Key::tab, Qt::Key_Tab},       {Key::back_tab, Qt::Key_Backtab}, {Key::enter, Qt::Key_Return},
-            {Key::escape, Qt::Key_Escape}, {Key::space, Qt::Key_Space},      {Key::up, Qt::Key_Up},
-            {Key::down, Qt::Key_Down},     {Key::left, Qt::Key_Left},        {Key::right, Qt::Key_Right},
-            {Key::home, Qt::Key_Home},     {Key::del, Qt::Key_Delete},       {Key::f1, Qt::Key_F1},
-            {Key::f4, Qt::Key_F4},         {Key::f10, Qt::Key_F10}};
-        QTest::keyClick(&target(), keys.at(key));
-    }
-    void press_access(char letter) override {
-        QTest::keyClick(&target(), static_cast<Qt::Key>(letter), Qt::AltModifier);
-    }
-    void paste(std::string_view ansi) override {
-        QApplication::clipboard()->setText(qt::shown(ansi));
-        QTest::keyClick(&target(), Qt::Key_V, Qt::ControlModifier);
-    }
     void type(std::u16string_view text) override {
         for (const char16_t letter : text) {
             const auto key = letter < 0x80 ? static_cast<Qt::Key>(letter) : Qt::Key_unknown;
             QTest::sendKeyEvent(QTest::Click, &target(), key, QChar(letter), Qt::NoModifier);
         }
     }
-    void click(const Control& control) override {
-        QWidget& at = widget_of(control);
-        QTest::mouseClick(&at, Qt::LeftButton, {}, QPoint(5, at.height() / 2));
+    void click(const Control& control, int line) override {
+        QTest::mouseClick(&surface(control), Qt::LeftButton, {}, place_in(control, line));
     }
-    void click_line(const Control& control, int line) override {
-        QTest::mouseClick(&surface(control), Qt::LeftButton, {}, line_at(control, line));
-    }
-    void double_click_line(const Control& control, int line) override {
-        QTest::mouseDClick(&surface(control), Qt::LeftButton, {}, line_at(control, line));
+    void double_click(const Control& control, int line) override {
+        QTest::mouseDClick(&surface(control), Qt::LeftButton, {}, place_in(control, line));
     }
     /// As one that comes from outside: Qt decides first whether it moves the focus.
     void turn_wheel(const Control& control, int notches) override {
@@ -137,20 +115,17 @@ class QtPerson : public Person {
         qApp->notify(&over, &event);
     }
     void close_window(const Form& form) override { window_of(form).close(); }
-    void at_next_box(Keys keys) override {
-        at_next_dialog([this, keys](QDialog& box) {
-            box_ = {ansi_text(box.windowTitle()), {}, {}};
-            if (const auto* message = qobject_cast<QMessageBox*>(&box)) {
+    void at_next_box(const std::string& keys) override {
+        at_next_dialog([this, keys](QDialog& dialog) {
+            box = {ansi_text(dialog.windowTitle()), {}, {}};
+            if (const auto* message = qobject_cast<QMessageBox*>(&dialog)) {
                 EXPECT_EQ(message->textFormat(), Qt::PlainText);
-                box_.text = ansi_text(message->text());
-                std::fprintf(stderr, "%s\n", box_.text.c_str());
+                box.text = ansi_text(message->text());
+                std::fprintf(stderr, "%s\n", box.text.c_str());
                 for (const QAbstractButton* button : message->buttons())
-                    box_.buttons.push_back(ansi_text(button->text()));
+                    box.buttons.push_back(ansi_text(button->text()));
             }
-            for (const Key key : keys) {
-                EXPECT_TRUE(box.isVisible());
-                press(key);
-            }
+            press(keys);
         });
     }
     void wait() override {
@@ -164,14 +139,13 @@ class QtPerson : public Person {
     std::string sees(const Control& control) override {
         QWidget& shows = widget_of(control);
         if (auto* list = qobject_cast<QListView*>(&shows)) return lines_of(control, *list);
-        if (const auto* box = qobject_cast<QCheckBox*>(&shows))
-            return mark_of(box->checkState()) + ansi_text(box->text());
+        if (const auto* mark = qobject_cast<QCheckBox*>(&shows))
+            return mark_of(mark->checkState()) + ansi_text(mark->text());
         if (const auto* line = qobject_cast<QLineEdit*>(&shows)) return ansi_text(line->displayText());
         // A combo box is painted from the control; the list behind it must not name another entry.
         const auto* combo = qobject_cast<QComboBox*>(&shows);
         return combo && combo->currentIndex() >= 0 ? ansi_text(combo->currentText()) : control.text();
     }
-    bool sees_window(const Form& form) override { return window_of(form).isVisible(); }
     bool is_on_screen(const Control& control) override { return widget_of(control).isVisible(); }
     bool is_grey(const Control& control) override { return !widget_of(control).isEnabled(); }
     std::string sees_menu() override {
@@ -196,12 +170,15 @@ class QtPerson : public Person {
         const QImage shot = over.window()->grab().toImage();
         return shot.pixel(over.mapTo(over.window(), over.rect().center())) & 0xffffffU;
     }
-    Seen last_box() override { return box_; }
+
+  protected:
+    void hit(const std::string& key) override {
+        const QKeyCombination keys = QKeySequence::fromString(QString::fromStdString(key))[0];
+        QTest::keyClick(&target(), keys.key(), keys.keyboardModifiers());
+    }
 
   private:
-    PaperFolders folders_;
     QtToolkit screen_;
-    Seen box_;
 };
 
 }  // namespace

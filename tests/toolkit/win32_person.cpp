@@ -1,13 +1,12 @@
-#include "toolkit/win32_person.h"
-
 #include <cstdio>
 #include <map>
-#include <optional>
 #include <utility>
 
 #include "base/text.h"
+#include "toolkit/person.h"
 #include "toolkit/win32/units.h"
 #include "toolkit/win32/widget.h"
+#include "toolkit/win32/win32_toolkit.h"
 #include "toolkit/win32/window.h"
 
 using namespace toolkit;
@@ -15,10 +14,7 @@ using win32::Widget;
 
 namespace {
 
-Win32Person* somebody = nullptr;  // the system's clock calls a plain function
-
 HWND window_of(const Control& control) { return static_cast<const Widget*>(control.peer)->handle(); }
-HWND window_of(const Form& form) { return static_cast<const win32::Window*>(form.peer)->handle(); }
 
 LRESULT ask(const Control& control, UINT id, WPARAM w = 0, LPARAM l = 0) {
     return SendMessageA(window_of(control), id, w, l);
@@ -26,36 +22,25 @@ LRESULT ask(const Control& control, UINT id, WPARAM w = 0, LPARAM l = 0) {
 
 // --- keyboard and mouse
 
-BYTE code(Key key) {
-    static const std::map<Key, BYTE> codes = {
-        {Key::tab, VK_TAB},     {Key::back_tab, VK_TAB}, {Key::enter, VK_RETURN}, {Key::escape, VK_ESCAPE},
-        {Key::space, VK_SPACE}, {Key::up, VK_UP},        {Key::down, VK_DOWN},    {Key::left, VK_LEFT},
-        {Key::right, VK_RIGHT}, {Key::home, VK_HOME},    {Key::del, VK_DELETE},   {Key::f1, VK_F1},
-        {Key::f4, VK_F4},       {Key::f10, VK_F10}};
-    return codes.at(key);
+const std::map<std::string, BYTE> codes = {{"Tab", VK_TAB},     {"Return", VK_RETURN}, {"Esc", VK_ESCAPE},
+                                           {"Space", VK_SPACE}, {"Up", VK_UP},         {"Down", VK_DOWN},
+                                           {"Right", VK_RIGHT}, {"Del", VK_DELETE},    {"F1", VK_F1},
+                                           {"F4", VK_F4},       {"F10", VK_F10}};
+
+void move_key(BYTE code, DWORD flags) {
+    keybd_event(code, static_cast<BYTE>(MapVirtualKeyA(code, 0)), flags, 0);
 }
 
-void hit(BYTE code) {
-    keybd_event(code, static_cast<BYTE>(MapVirtualKeyA(code, 0)), 0, 0);
-    keybd_event(code, static_cast<BYTE>(MapVirtualKeyA(code, 0)), KEYEVENTF_KEYUP, 0);
+void hit_key(BYTE code, BYTE held = 0) {
+    if (held) move_key(held, 0);
+    move_key(code, 0);
+    move_key(code, KEYEVENTF_KEYUP);
+    if (held) move_key(held, KEYEVENTF_KEYUP);
 }
-
-void hit_with(BYTE held, BYTE code) {
-    keybd_event(held, static_cast<BYTE>(MapVirtualKeyA(held, 0)), 0, 0);
-    hit(code);
-    keybd_event(held, static_cast<BYTE>(MapVirtualKeyA(held, 0)), KEYEVENTF_KEYUP, 0);
-}
-
-void hit(Key key) { key == Key::back_tab ? hit_with(VK_SHIFT, VK_TAB) : hit(code(key)); }
 
 void point_at(const Control& control, POINT at) {
     ClientToScreen(window_of(control), &at);
     SetCursorPos(at.x, at.y);
-}
-
-void press_mouse() {
-    mouse_event(MOUSEEVENTF_LEFTDOWN, 0, 0, 0, 0);
-    mouse_event(MOUSEEVENTF_LEFTUP, 0, 0, 0, 0);
 }
 
 // --- places
@@ -97,10 +82,13 @@ RECT line_place(const Control& control, int line) {
     }
 }
 
-/// On the mark, if the line has one.
-POINT line_at(const Control& control, int line) {
-    const RECT place = line_place(control, line);
-    return {place.left + 8, (place.top + place.bottom) / 2};
+/// On the mark, if there is one.
+POINT place_in(const Control& control, int line) {
+    const bool has_lines = control.kind() == Kind::tab || control.kind() == Kind::list_bar ||
+                           control.kind() == Kind::list_view || control.kind() == Kind::list_box ||
+                           control.kind() == Kind::dir_list;
+    const RECT place = has_lines ? line_place(control, line) : area_of(control);
+    return {place.left + (has_lines ? 8 : 5), (place.top + place.bottom) / 2};
 }
 
 unsigned colour_at(const Control& control, POINT at) {
@@ -174,170 +162,149 @@ BOOL CALLBACK note_child(HWND child, LPARAM seen) {
     return TRUE;
 }
 
-/// The desktop's window manager takes its time to bring a box up: it is the same one at two ticks.
-void CALLBACK on_tick(HWND, UINT, UINT_PTR id, DWORD) {
-    static HWND seen = nullptr;
-    HWND const active = GetForegroundWindow() == GetActiveWindow() ? GetActiveWindow() : nullptr;
-    char kind[20] = "";
-    GetClassNameA(active, kind, sizeof kind);
-    if (std::exchange(seen, active) != active || std::string_view(kind) != "#32770") return;
-    KillTimer(nullptr, id);
-    seen = nullptr;
-    somebody->meet_box(active);
-}
+/// Somebody at the Win32 renderer, with a keyboard and a mouse as the system knows them.
+class Win32Person : public Person {
+  public:
+    Win32Person()
+        : screen_(german, [](Ending ending) {
+              std::fputs("before the end\n", stderr);
+              return ending == Ending::done ? 0 : 1;
+          }) {}
+    Toolkit& screen() override { return screen_; }
+
+    void type(std::u16string_view text) override {
+        if (std::exchange(menu_is_due_, false)) {
+            hit_key(VK_F10);
+            hit_key(VK_DOWN);
+        }
+        for (const char16_t letter : text) {
+            const SHORT key = letter < 0x80 ? VkKeyScanA(static_cast<char>(letter)) : static_cast<SHORT>(-1);
+            if (key == -1) {
+                PostMessageW(GetFocus(), WM_CHAR, letter, 1);
+            } else {
+                hit_key(LOBYTE(key), HIBYTE(key) & 1 ? VK_SHIFT : 0);
+            }
+            screen_.process_events();
+        }
+    }
+    void click(const Control& control, int line) override {
+        Sleep(GetDoubleClickTime());  // it is no second half of a double click
+        press_mouse(control, line, 1);
+    }
+    void double_click(const Control& control, int line) override { press_mouse(control, line, 2); }
+    void turn_wheel(const Control& control, int notches) override {
+        const RECT area = area_of(control);
+        point_at(control, {area.right / 2, area.bottom / 2});
+        mouse_event(MOUSEEVENTF_WHEEL, 0, 0, static_cast<DWORD>(-WHEEL_DELTA * notches), 0);
+        screen_.process_events();
+    }
+    void close_window(const Form&) override {
+        hit_key(VK_F4, VK_MENU);
+        screen_.process_events();
+    }
+    void at_next_box(const std::string& keys) override {
+        for_box_ = keys;
+        SetTimer(nullptr, 0, 150, &on_tick);
+    }
+    void wait() override {
+        const DWORD start = GetTickCount();
+        while (GetTickCount() - start < 100)
+            screen_.process_events();
+    }
+
+    std::string sees(const Control& control) override {
+        switch (control.kind()) {
+            case Kind::check_box:
+                return mark_of(ask(control, BM_GETCHECK)) + win32::text_of(window_of(control));
+            case Kind::text_box: {
+                const std::string text = win32::text_of(window_of(control));
+                const auto mask = static_cast<char>(ask(control, EM_GETPASSWORDCHAR));
+                return mask ? std::string(text.size(), mask) : text;
+            }
+            case Kind::list_box:
+            case Kind::dir_list:
+            case Kind::file_list:
+                return list_box_lines(control);
+            case Kind::list_view:
+                return list_view_lines(control);
+            case Kind::list_bar:
+                return bar_lines(static_cast<const ListBar&>(control));
+            default:
+                return win32::text_of(window_of(control));
+        }
+    }
+    bool is_on_screen(const Control& control) override {
+        return control.peer && IsWindowVisible(window_of(control));
+    }
+    bool is_grey(const Control& control) override { return !IsWindowEnabled(window_of(control)); }
+    std::string sees_menu() override {
+        return menu_is_due_ ? entries_of(GetSubMenu(GetMenu(GetActiveWindow()), 0)) : "";
+    }
+    const Control* keyboard(const Form& form) override {
+        const Widget* widget = Widget::of(GetFocus());
+        return widget && &widget->control().form() == &form ? &widget->control() : nullptr;
+    }
+    unsigned colour(const Control& control) override {
+        UpdateWindow(window_of(control));
+        const RECT area = area_of(control);
+        return colour_at(control, {area.right / 2, area.bottom / 2});
+    }
+
+  protected:
+    void hit(const std::string& key) override {
+        if (at_box_) {  // its keyboard is that of the moment: Tab moves it
+            PostMessageA(GetFocus(), WM_KEYDOWN, codes.at(key), 1);
+            PostMessageA(GetFocus(), WM_KEYUP, codes.at(key), static_cast<LPARAM>(0xc0000001));
+            return;
+        }
+        menu_is_due_ = key == "F10";
+        if (menu_is_due_) return;
+        if (key.starts_with("Alt+")) {
+            hit_key(static_cast<BYTE>(key.back()), VK_MENU);
+        } else if (key == "Backtab") {
+            hit_key(VK_TAB, VK_SHIFT);
+        } else {
+            hit_key(codes.at(key));
+        }
+        screen_.process_events();
+    }
+
+  private:
+    void press_mouse(const Control& control, int line, int times) {
+        point_at(control, place_in(control, line));
+        for (; times > 0; --times) {
+            mouse_event(MOUSEEVENTF_LEFTDOWN, 0, 0, 0, 0);
+            mouse_event(MOUSEEVENTF_LEFTUP, 0, 0, 0, 0);
+        }
+        screen_.process_events();
+    }
+    /// The desktop's window manager takes its time to bring a box up: it is the same one at two ticks.
+    static void CALLBACK on_tick(HWND, UINT, UINT_PTR id, DWORD) {
+        static HWND seen = nullptr;
+        HWND const active = GetForegroundWindow() == GetActiveWindow() ? GetActiveWindow() : nullptr;
+        char kind[20] = "";
+        GetClassNameA(active, kind, sizeof kind);
+        if (std::exchange(seen, active) != active || std::string_view(kind) != "#32770") return;
+        KillTimer(nullptr, id);
+        seen = nullptr;
+        static_cast<Win32Person&>(*the_person).meet_box(active);
+    }
+    void meet_box(HWND window) {
+        box = {win32::text_of(window), "", {}};
+        EnumChildWindows(window, &note_child, reinterpret_cast<LPARAM>(&box));
+        std::fputs((box.text + "\n").c_str(), stderr);
+        at_box_ = true;
+        press(for_box_);
+        at_box_ = false;
+    }
+
+    Win32Toolkit screen_;
+    std::string for_box_;
+    bool at_box_ = false;
+    /// The menu bar's own loop would not let the test go on: the key that opens it waits for the next one.
+    bool menu_is_due_ = false;
+};
 
 }  // namespace
 
 std::unique_ptr<Person> make_person(int&, char**) { return std::make_unique<Win32Person>(); }
-
-Win32Person::Win32Person()
-    : screen_(german, [](Ending ending) {
-          std::fputs("before the end\n", stderr);
-          return ending == Ending::done ? 0 : 1;
-      }) {
-    somebody = this;
-}
-
-// --- the hand
-
-void Win32Person::wait() {
-    const DWORD start = GetTickCount();
-    while (GetTickCount() - start < 100)
-        screen_.process_events();
-}
-
-void Win32Person::press(Key key) {
-    menu_is_due_ = key == Key::f10;
-    if (menu_is_due_) return;
-    hit(key);
-    screen_.process_events();
-}
-
-void Win32Person::press_access(char letter) {
-    hit_with(VK_MENU, static_cast<BYTE>(letter));
-    screen_.process_events();
-}
-
-void Win32Person::paste(std::string_view ansi) {
-    HGLOBAL const copy = GlobalAlloc(GMEM_MOVEABLE, ansi.size() + 1);
-    ansi.copy(static_cast<char*>(GlobalLock(copy)), ansi.size());
-    static_cast<char*>(GlobalLock(copy))[ansi.size()] = '\0';
-    GlobalUnlock(copy);
-    OpenClipboard(GetActiveWindow());
-    EmptyClipboard();
-    SetClipboardData(CF_TEXT, copy);
-    CloseClipboard();
-    hit_with(VK_CONTROL, 'V');
-    screen_.process_events();
-}
-
-void Win32Person::type(std::u16string_view text) {
-    if (std::exchange(menu_is_due_, false)) {
-        hit(Key::f10);
-        hit(Key::down);
-    }
-    for (const char16_t letter : text) {
-        const SHORT key = letter < 0x80 ? VkKeyScanA(static_cast<char>(letter)) : static_cast<SHORT>(-1);
-        if (key == -1) {
-            PostMessageW(GetFocus(), WM_CHAR, letter, 1);
-        } else if (HIBYTE(key) & 1) {
-            hit_with(VK_SHIFT, LOBYTE(key));
-        } else {
-            hit(LOBYTE(key));
-        }
-        screen_.process_events();
-    }
-}
-
-void Win32Person::click(const Control& control) {
-    point_at(control, {5, area_of(control).bottom / 2});
-    press_mouse();
-    screen_.process_events();
-}
-
-void Win32Person::click_line(const Control& control, int line) {
-    Sleep(GetDoubleClickTime());  // it is no second half of a double click
-    point_at(control, line_at(control, line));
-    press_mouse();
-    screen_.process_events();
-}
-
-void Win32Person::double_click_line(const Control& control, int line) {
-    point_at(control, line_at(control, line));
-    press_mouse();
-    press_mouse();
-    screen_.process_events();
-}
-
-void Win32Person::turn_wheel(const Control& control, int notches) {
-    const RECT area = area_of(control);
-    point_at(control, {area.right / 2, area.bottom / 2});
-    mouse_event(MOUSEEVENTF_WHEEL, 0, 0, static_cast<DWORD>(-WHEEL_DELTA * notches), 0);
-    screen_.process_events();
-}
-
-void Win32Person::close_window(const Form&) {
-    hit_with(VK_MENU, VK_F4);
-    screen_.process_events();
-}
-
-void Win32Person::at_next_box(Keys keys) {
-    for_box_ = std::move(keys);
-    SetTimer(nullptr, 0, 150, &on_tick);
-}
-
-void Win32Person::meet_box(HWND box) {
-    box_ = {win32::text_of(box), "", {}};
-    EnumChildWindows(box, &note_child, reinterpret_cast<LPARAM>(&box_));
-    std::fputs((box_.text + "\n").c_str(), stderr);
-    // The keyboard of a box is that of the moment: Tab moves it.
-    for (const Key key : std::exchange(for_box_, {})) {
-        PostMessageA(GetFocus(), WM_KEYDOWN, code(key), 1);
-        PostMessageA(GetFocus(), WM_KEYUP, code(key), static_cast<LPARAM>(0xc0000001));
-    }
-}
-
-// --- the eye
-
-std::string Win32Person::sees(const Control& control) {
-    switch (control.kind()) {
-        case Kind::check_box:
-            return mark_of(ask(control, BM_GETCHECK)) + win32::text_of(window_of(control));
-        case Kind::text_box: {
-            const std::string text = win32::text_of(window_of(control));
-            const auto mask = static_cast<char>(ask(control, EM_GETPASSWORDCHAR));
-            return mask ? std::string(text.size(), mask) : text;
-        }
-        case Kind::list_box:
-        case Kind::dir_list:
-        case Kind::file_list:
-            return list_box_lines(control);
-        case Kind::list_view:
-            return list_view_lines(control);
-        case Kind::list_bar:
-            return bar_lines(static_cast<const ListBar&>(control));
-        default:
-            return win32::text_of(window_of(control));
-    }
-}
-
-bool Win32Person::sees_window(const Form& form) { return form.peer && IsWindowVisible(window_of(form)); }
-
-bool Win32Person::is_on_screen(const Control& control) { return IsWindowVisible(window_of(control)); }
-
-bool Win32Person::is_grey(const Control& control) { return !IsWindowEnabled(window_of(control)); }
-
-std::string Win32Person::sees_menu() {
-    return menu_is_due_ ? entries_of(GetSubMenu(GetMenu(GetActiveWindow()), 0)) : "";
-}
-
-const Control* Win32Person::keyboard(const Form& form) {
-    const Widget* widget = Widget::of(GetFocus());
-    return widget && &widget->control().form() == &form ? &widget->control() : nullptr;
-}
-
-unsigned Win32Person::colour(const Control& control) {
-    UpdateWindow(window_of(control));
-    const RECT area = area_of(control);
-    return colour_at(control, {area.right / 2, area.bottom / 2});
-}

@@ -10,6 +10,7 @@
 
 #include "base/product.h"
 #include "engine/keys.h"
+#include "machine/subject.h"
 #include "machine/windows/windows_machine.h"
 #include "platform/product_setup.h"
 #include "program/person.h"
@@ -198,10 +199,7 @@ TEST_F(OnWindows, TheRunAtLogonBringsTheIconsThatItMayNotDelete) {
         const HeldFile held("C:\\Fixed\\Games\\two.lnk", HeldFile::Against::deleting);
         refresh_desktop(reg, files);
     }
-    std::string bytes;
-    EXPECT_EQ(files.read("C:\\Desk\\Games\\two.lnk", bytes), machine::no_error);
-    EXPECT_EQ(bytes, "two");
-    EXPECT_EQ(files.read("C:\\Desk\\kept.lnk", bytes), machine::no_error);
+    EXPECT_EQ(content(files, "C:\\Desk\\Games\\two.lnk") + content(files, "C:\\Desk\\kept.lnk"), "twokept");
 
     refresh_desktop(reg, files);
     EXPECT_EQ(files.attributes("C:\\Fixed"), machine::no_attributes)

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "machine/subject.h"
 #include "machine/windows/windows_machine.h"
 #include "windows/scene.h"
 
@@ -14,12 +15,6 @@ struct FilesOfWindows : testing::Test {
         remove_folder("C:\\Tried");
         make_folder("C:\\Tried");
     }
-    std::string names(const std::string& pattern) {
-        std::string out;
-        for (const FoundFile& file : files.find(pattern).value_or(std::vector<FoundFile>()))
-            out += file.name + " ";
-        return out;
-    }
     WindowsMachine windows;
     Files& files = windows.machine().files;
 };
@@ -29,18 +24,15 @@ TEST_F(FilesOfWindows, AFileInUseIsTold) {
     ASSERT_EQ(files.write(file, "old"), no_error);
     {
         const HeldFile held(file, HeldFile::Against::everything);
-        std::string bytes;
         EXPECT_EQ(files.open_binary(file).error, permission_denied);
-        EXPECT_EQ(files.read(file, bytes), permission_denied);
+        EXPECT_EQ(content(files, file), "error 70");
         EXPECT_EQ(files.write(file, "new"), permission_denied);
         EXPECT_EQ(files.write_at(file, 0, "new"), permission_denied);
         EXPECT_EQ(files.remove(file), permission_denied);
-        EXPECT_EQ(names("C:\\Tried\\*"), "NTUSER.DAT ") << "what was begun is cleared away";
+        EXPECT_EQ(names(files, "C:\\Tried\\*"), "NTUSER.DAT ") << "what was begun is cleared away";
         EXPECT_NE(files.delete_folder("C:\\Tried"), no_error);
     }
-    std::string bytes;
-    EXPECT_EQ(files.read(file, bytes), no_error);
-    EXPECT_EQ(bytes, "old");
+    EXPECT_EQ(content(files, file), "old");
 }
 
 TEST_F(FilesOfWindows, MarksStayWithAFileAndProtectNoneFromTheFolder) {
@@ -66,14 +58,13 @@ TEST_F(FilesOfWindows, ProtectedFoldersAreKnownByTheirShortNamesToo) {
 }
 
 TEST_F(FilesOfWindows, NetworkFoldersAreAskedForAndDevicesAreNot) {
-    std::string bytes;
-    EXPECT_EQ(files.read("\\\\127.0.0.1\\none\\x.txt", bytes), no_such_path);
-    EXPECT_EQ(files.read("\\\\127.0.0.1", bytes), no_such_path);
+    for (const char* path : {"\\\\127.0.0.1\\none\\x.txt", "\\\\127.0.0.1"})
+        EXPECT_EQ(content(files, path), "error 76") << path;
     EXPECT_EQ(files.delete_folder("\\\\127.0.0.1\\none\\Icons"), no_such_path);
     for (const char* path :
          {"\\\\.\\C:", "\\\\?\\C:\\Tried\\x", "\\\\127.0.0.1\\none\\nul", "C:\\Tried\\x:stream"})
         EXPECT_NE(files.write(path, "x"), no_error) << path;
-    EXPECT_EQ(names("C:\\Tried\\*"), "");
+    EXPECT_EQ(names(files, "C:\\Tried\\*"), "");
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "machine/subject.h"
 #include "machine/windows/windows_machine.h"
 #include "windows/scene.h"
 
@@ -11,14 +12,7 @@ namespace {
 struct HiveTool : testing::Test {
     HiveTool() { make_anna("C:\\Profiles"); }
 
-    uint32_t call(const std::string& arguments) {
-        const auto started = processes.start("regg.exe " + arguments, WindowStyle::hidden);
-        EXPECT_EQ(started.error, no_error);
-        uint32_t code = still_active;
-        while (code == still_active)
-            code = processes.exit_code(started.id);
-        return code;
-    }
+    uint32_t call(const std::string& arguments) { return run_command(processes, "regg.exe " + arguments); }
     bool mounted() { return stored(Root::users, "Tried\\Software", "") != "no key"; }
 
     WindowsProcesses processes;

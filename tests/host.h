@@ -1,0 +1,66 @@
+#pragma once
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <string>
+
+/// A folder of its own for each test, gone afterwards.
+class TemporaryFolder {
+  public:
+    TemporaryFolder() {
+        std::string name = (std::filesystem::temp_directory_path() / "brightlock-XXXXXX").string();
+        if (!mkdtemp(name.data())) std::abort();
+        path_ = name;
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    ~TemporaryFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    const std::filesystem::path& path() const { return path_; }
+    std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
+
+  private:
+    std::filesystem::path path_;
+};
+
+/// Empty where there is no such file.
+template <class Bytes = std::string>
+Bytes bytes_of(const std::filesystem::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+inline void write_bytes(const std::filesystem::path& file, std::string_view bytes) {
+    std::ofstream(file, std::ios::binary) << bytes;
+}
+
+/// How a process ends that does this, as waitpid() tells it.
+inline int end_of_process(const std::function<int()>& work) {
+    const pid_t child = fork();
+    if (child == 0) _exit(work());
+    int status = -1;
+    (void)waitpid(child, &status, 0);
+    return status;
+}
+
+struct Ran {
+    int code;
+    std::string output;
+};
+/// What a shell does with a command: its exit code, and all that it says.
+inline Ran run_in_shell(const std::string& command) {
+    FILE* const pipe = popen(("{ " + command + "; } 2>&1").c_str(), "r");
+    std::string output;
+    for (int c = 0; (c = std::fgetc(pipe)) != EOF;)
+        output += static_cast<char>(c);
+    return {WEXITSTATUS(pclose(pipe)), output};
+}
