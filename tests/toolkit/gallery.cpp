@@ -1,43 +1,15 @@
 #include "toolkit/gallery.h"
 
-#include <algorithm>
-
-#include "base/text.h"
-
 using namespace toolkit;
 
 namespace {
 
-constexpr float screen[] = {3, 5, 29, 23};
-constexpr float glass[] = {5, 7, 27, 21};
+constexpr float screen[] = {5, 7, 27, 21};
 constexpr float lock[] = {11, 10, 21, 19};
-constexpr float foot[] = {12, 23, 20, 23, 24, 29, 8, 29};
-constexpr Shape shapes[] = {{Shape::Kind::box, 0xd8d4c8, screen},
-                            {Shape::Kind::box, 0x204080, glass},
-                            {Shape::Kind::ellipse, 0xf0c030, lock},
-                            {Shape::Kind::polygon, 0xa0a0a0, foot}};
+constexpr Shape shapes[] = {{Shape::Kind::box, 0x204080, screen}, {Shape::Kind::ellipse, 0xf0c030, lock}};
 constexpr Drawing computer{shapes};
 
 }  // namespace
-
-// --- PaperFolders
-
-std::string PaperFolders::folder(std::string_view path) {
-    if (path.starts_with("D:")) throw RuntimeError(68);
-    for (const auto& [name, content] : content_) {
-        if (text::equal_ignoring_case(name, path)) return name;
-    }
-    throw RuntimeError(76);
-}
-
-std::vector<std::string> PaperFolders::folders(std::string_view path) {
-    return content_.at(folder(path)).folders;
-}
-std::vector<std::string> PaperFolders::files(std::string_view path) {
-    return content_.at(folder(path)).files;
-}
-
-// --- Gallery
 
 Gallery::Gallery(Toolkit& toolkit, FolderSource& source)
     : Form(toolkit, "gallery"),
@@ -69,10 +41,9 @@ void Gallery::fill() {
     for (const auto& [control, text] : texts)
         control.set_text(text);
     bar.set_group("group", "Restrictions");
-    for (const char* text : {"Start", "Control Panel", "Desktop", "Restrict EXEs", "Hide Drives",
-                             "Net/Printer", "IE Explorer", "Misc.", "Settings", "Help"}) {
+    for (const char* text : {"Start", "Control Panel", "Desktop", "Programs", "Drives", "Net", "IE Explorer",
+                             "Misc.", "Settings", "Help"})
         bar.add({text, text, &computer});
-    }
     tab.set_captions({"&1.)", "&2.)", "&3.)", "&4.)", "&5.)", "&6.)", "&7.)", "&8.)", "&9.)"});
     grey.set_value(2);
     name.set_max_length(12);
@@ -90,33 +61,29 @@ void Gallery::fill() {
         combo.add(text);
     cancel.is_cancel = true;
     ok.is_default = true;
-    for (const auto& [text, width] : {std::pair{"1 www.example.invalid", 1850},
-                                      {"2 Load Profile:...", 2900},
-                                      {"3 teacher", 1800},
-                                      {"4 NT", 800},
-                                      {"12:00:00", 1500}}) {
-        status.add({text, width, width == 1500});
-    }
+    for (const auto& [text, width] : {std::pair{"1 www.example.invalid", 1850}, {"3 teacher", 6500}})
+        status.add({text, width, false});
     status.set_font_size(7);
 }
 
 void Gallery::place_all() {
+    // clang-format off
     lay_out({
-        {bar, nullptr, {0, 0, 1872, 5835}},           {tab, nullptr, {1815, 120, 6930, 5715}},
-        {page1, &tab, {180, 480, 6600, 4400}},        {tick, &page1, {240, 360, 3975, 255}},
-        {second, &page1, {240, 660, 3975, 255}},      {grey, &page1, {240, 960, 3975, 255}},
-        {name_label, &page1, {240, 1320, 1500, 255}}, {name, &page1, {1800, 1290, 2295, 285}},
-        {secret, &page1, {1800, 1650, 2295, 285}},    {list, &page1, {240, 2040, 3855, 1230}},
-        {photo, &page1, {240, 3400, 1200, 900}},      {page2, &tab, {180, 480, 6600, 4400}},
-        {view, &page2, {240, 360, 3855, 3800}},       {page3, &tab, {180, 480, 6600, 4400}},
-        {drive, &page3, {240, 360, 1900, 315}},       {dir, &page3, {240, 780, 1900, 3000}},
-        {files, &page3, {2240, 780, 1900, 3000}},     {panel, nullptr, {6250, 600, 2345, 4400}},
-        {heading, &panel, {120, 240, 2100, 360}},     {hint, &panel, {120, 660, 2100, 900}},
-        {picture, &panel, {120, 2000, 2100, 1500}},   {combo, nullptr, {1995, 5250, 2295, 315}},
-        {apply, nullptr, {4395, 5220, 1215, 375}},    {cancel, nullptr, {5700, 5220, 1215, 375}},
-        {ok, nullptr, {7005, 5220, 1215, 375}},       {unbuilt, &panel, {120, 3700, 1215, 375}},
+        {bar, nullptr, {0, 0, 1872, 5835}}, {tab, nullptr, {1815, 120, 6930, 5715}}, {page1, &tab, {180, 480, 6600, 4400}},
+        {tick, &page1, {240, 360, 3975, 255}}, {second, &page1, {240, 660, 3975, 255}},
+        {grey, &page1, {240, 960, 3975, 255}}, {name_label, &page1, {240, 1320, 1500, 255}},
+        {name, &page1, {1800, 1290, 2295, 285}}, {secret, &page1, {1800, 1650, 2295, 285}},
+        {list, &page1, {240, 2040, 3855, 1230}}, {photo, &page1, {240, 3400, 1200, 900}},
+        {page2, &tab, {180, 480, 6600, 4400}}, {view, &page2, {240, 360, 3855, 3800}}, {page3, &tab, {180, 480, 6600, 4400}},
+        {drive, &page3, {240, 360, 1900, 315}}, {dir, &page3, {240, 780, 1900, 3000}},
+        {files, &page3, {2240, 780, 1900, 3000}}, {panel, nullptr, {6250, 600, 2345, 4400}},
+        {heading, &panel, {120, 240, 2100, 360}}, {hint, &panel, {120, 660, 2100, 900}},
+        {picture, &panel, {120, 2000, 2100, 1500}}, {combo, nullptr, {1995, 5250, 2295, 315}},
+        {apply, nullptr, {4395, 5220, 1215, 375}}, {cancel, nullptr, {5700, 5220, 1215, 375}},
+        {ok, nullptr, {7005, 5220, 1215, 375}}, {unbuilt, &panel, {120, 3700, 1215, 375}},
         {status, nullptr, {0, 5835, 8730, 285}},
     });
+    // clang-format on
     page2.set_parent(&tab, 1);
     page3.set_parent(&tab, 2);
 }

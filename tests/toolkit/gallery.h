@@ -1,33 +1,26 @@
 #pragma once
 
-#include <map>
 #include <string>
 #include <utility>
-#include <vector>
 
+#include "machine/memory/memory_machine.h"
+#include "platform/folder_browser.h"
 #include "toolkit/drawing.h"
 #include "toolkit/form.h"
 #include "toolkit/toolkit.h"
 
-/// Drives that exist in a test only. D: is there but does not answer.
-class PaperFolders : public toolkit::FolderSource {
+/// Drives of a machine in memory: C with some folders, and D, which is there but does not answer.
+class PaperFolders : public britlock::FolderBrowser {
   public:
-    std::vector<char> drives() override { return {'C', 'D'}; }
-    std::string folder(std::string_view path) override;
-    std::vector<std::string> folders(std::string_view path) override;
-    std::vector<std::string> files(std::string_view path) override;
+    PaperFolders() : FolderBrowser(windows_.machine()) {
+        windows_.system.drives = 0b1100;
+        for (const char* file : {"boot.ini", "School\\all.brl", "School\\notes.txt", "School\\Pupils.BRL",
+                                 "School\\Room 1\\pc1.brl"})
+            windows_.files.add_file(std::string("C:\\") + file, "");
+    }
 
   private:
-    struct Content {
-        std::vector<std::string> folders;
-        std::vector<std::string> files;
-    };
-    std::map<std::string, Content> content_ = {
-        {"C:\\", {{"School", "Windows"}, {"boot.ini"}}},
-        {"C:\\School", {{"Room 1"}, {"all.brl", "notes.txt", "Pupils.BRL"}}},
-        {"C:\\School\\Room 1", {{}, {"pc1.brl"}}},
-        {"C:\\Windows", {{}, {"win.ini"}}},
-    };
+    machine::MemoryMachine windows_;
 };
 
 /// A form with every kind of control, as no program would want it. What happens is written into `log`.

@@ -64,88 +64,90 @@ TEST(Picture, ShowsNoMemoryWhereTheFileEndsEarlyAndSurvivesHostileBytes) {
     }
 }
 
-class QtFileDialog : public testing::Test {
-  protected:
-    template <class Act>
-    std::string ask(FileDialog dialog, Act act) {
-        dialog.filter = "Restrictions|*.brl|All files|*.*";
-        std::string path;
-        at_next_dialog([act](QDialog& box) {
-            act(box);
-            if (box.isVisible()) box.reject();
-        });
-        screen.deliver([&] { path = screen.ask_file(dialog); });
-        return path;
-    }
-    static QListView& list(QDialog& box, int index) { return *box.findChildren<QListView*>()[index]; }
-    static std::string lines(QDialog& box, int index) {
+/// The dialog, as the hand and the eye find their way in it.
+struct Seen {
+    QDialog& box;
+    QListView& files = *box.findChildren<QListView*>()[0];
+    QListView& folders = *box.findChildren<QListView*>()[1];
+    QComboBox& filters = *box.findChildren<QComboBox*>()[0];
+    QComboBox& drives = *box.findChildren<QComboBox*>()[1];
+    QLineEdit& name = *box.findChild<QLineEdit*>();
+
+    static std::string lines(const QListView& list) {
         std::string out;
-        const auto* model = list(box, index).model();
-        for (int i = 0; i < model->rowCount(); ++i)
-            out += model->index(i, 0).data().toString().toStdString() + "/";
+        for (int i = 0; i < list.model()->rowCount(); ++i)
+            out += list.model()->index(i, 0).data().toString().toStdString() + "/";
         return out;
     }
-    static void enter(QDialog& box, const QString& name) {
-        auto& line = *box.findChild<QLineEdit*>();
-        line.clear();
-        QTest::keyClicks(&line, name);
-        key(line, Qt::Key_Return);
+    void enter(const QString& typed) {
+        name.clear();
+        QTest::keyClicks(&name, typed);
+        QTest::keyClick(&name, Qt::Key_Return);
     }
-    static void key(QWidget& target, Qt::Key key) { QTest::keyClick(&target, key); }
-
-    enum { files, folders };
-    Toolkit& screen = the_person->screen();
 };
 
-TEST_F(QtFileDialog, WalksByKeysAndFilters) {
-    const auto path = ask({.start_folder = "c:\\school"}, [](QDialog& box) {
-        EXPECT_EQ(lines(box, files), "all.brl/Pupils.BRL/");
-        EXPECT_EQ(lines(box, folders), "C:\\/School/Room 1/");
-        key(list(box, folders), Qt::Key_Down);
-        key(list(box, folders), Qt::Key_Return);
-        EXPECT_EQ(lines(box, files), "pc1.brl/");
-        key(list(box, folders), Qt::Key_Home);
-        key(list(box, folders), Qt::Key_Return);
-        EXPECT_EQ(lines(box, files), "");
-        auto& filter = *box.findChildren<QComboBox*>()[0];
-        key(filter, Qt::Key_Down);
-        EXPECT_EQ(lines(box, files), "boot.ini/");
-        key(list(box, files), Qt::Key_Down);
-        EXPECT_EQ(box.findChild<QLineEdit*>()->text(), "boot.ini");
-        key(box, Qt::Key_Return);
+std::string ask(FileDialog dialog, const std::function<void(Seen)>& act) {
+    dialog.filter = "Restrictions|*.brl|All files|*.*";
+    std::string path;
+    at_next_dialog([act](QDialog& box) {
+        act({box});
+        if (box.isVisible()) box.reject();
+    });
+    Toolkit& screen = the_person->screen();
+    screen.deliver([&] { path = screen.ask_file(dialog); });
+    return path;
+}
+
+TEST(QtFileDialog, WalksByKeysAndFilters) {
+    const auto path = ask({.start_folder = "c:\\school"}, [](Seen seen) {
+        EXPECT_EQ(Seen::lines(seen.files), "all.brl/Pupils.BRL/");
+        EXPECT_EQ(Seen::lines(seen.folders), "C:\\/School/Room 1/");
+        for (const auto& [key, files] : {std::pair{Qt::Key_Down, "pc1.brl/"}, {Qt::Key_Home, ""}}) {
+            QTest::keyClick(&seen.folders, key);
+            QTest::keyClick(&seen.folders, Qt::Key_Return);
+            EXPECT_EQ(Seen::lines(seen.files), files);
+        }
+        QTest::keyClick(&seen.filters, Qt::Key_Down);
+        EXPECT_EQ(Seen::lines(seen.files), "boot.ini/");
+        QTest::keyClick(&seen.files, Qt::Key_Down);
+        EXPECT_EQ(seen.name.text(), "boot.ini");
+        QTest::keyClick(&seen.box, Qt::Key_Return);
     });
     EXPECT_EQ(path, "C:\\boot.ini");
-    EXPECT_EQ(ask({}, [](QDialog& box) { EXPECT_EQ(lines(box, folders), "C:\\/School/Windows/"); }), "");
+    EXPECT_EQ(ask({},
+                  [](Seen seen) {
+                      EXPECT_EQ(Seen::lines(seen.folders),
+                                "C:\\/Documents and Settings/Program Files/School/WINDOWS/");
+                  }),
+              "");
 }
 
-TEST_F(QtFileDialog, TakesTypedNames) {
+TEST(QtFileDialog, TakesTypedNames) {
     const FileDialog open{.start_folder = "C:\\School"};
     const FileDialog save{.action = FileDialog::Action::save, .start_folder = "C:\\School"};
-    EXPECT_EQ(ask(open, [](QDialog& box) { enter(box, "new"); }), "C:\\School\\new");
-    EXPECT_EQ(ask(save, [](QDialog& box) { enter(box, "new"); }), "C:\\School\\new") << "no ending is added";
-    EXPECT_EQ(ask(save, [](QDialog& box) { enter(box, "\\new.txt"); }), "C:\\new.txt");
-    EXPECT_EQ(ask(save,
-                  [](QDialog& box) {
-                      enter(box, "");
-                      enter(box, "*.txt");
-                      EXPECT_EQ(lines(box, files), "notes.txt/");
-                      enter(box, "room 1");
-                      EXPECT_EQ(lines(box, folders), "C:\\/School/Room 1/");
-                      enter(box, "pc2");
-                  }),
-              "C:\\School\\Room 1\\pc2");
+    for (const auto& [dialog, typed, path] : {std::tuple{open, "new", "C:\\School\\new"},
+                                              {save, "new", "C:\\School\\new"},  // no ending is added
+                                              {save, "\\new.txt", "C:\\new.txt"}})
+        EXPECT_EQ(ask(dialog, [&](Seen seen) { seen.enter(typed); }), path);
+    const auto walked = ask(save, [](Seen seen) {
+        seen.enter("");
+        seen.enter("*.txt");
+        EXPECT_EQ(Seen::lines(seen.files), "notes.txt/");
+        seen.enter("room 1");
+        EXPECT_EQ(Seen::lines(seen.folders), "C:\\/School/Room 1/");
+        seen.enter("pc2");
+    });
+    EXPECT_EQ(walked, "C:\\School\\Room 1\\pc2");
 }
 
-TEST_F(QtFileDialog, SaysSoWhenADriveDoesNotAnswer) {
-    ask({.start_folder = "D:\\gone"}, [](QDialog& box) {
-        const std::string before = lines(box, folders);
+TEST(QtFileDialog, SaysSoWhenADriveDoesNotAnswer) {
+    ask({.start_folder = "D:\\gone"}, [](Seen seen) {
+        const std::string before = Seen::lines(seen.folders);
         EXPECT_TRUE(before.starts_with("C:\\/"));
-        auto& drives = *box.findChildren<QComboBox*>()[1];
-        EXPECT_EQ(drives.currentText(), "C:");
         the_person->at_next_box("Return");
-        key(drives, Qt::Key_Down);
+        QTest::keyClick(&seen.drives, Qt::Key_Down);
         EXPECT_TRUE(the_person->box.text.starts_with("D: ist nicht zu erreichen"));
-        EXPECT_EQ(drives.currentText(), "C:");
-        EXPECT_EQ(lines(box, folders), before);
+        EXPECT_EQ(seen.drives.currentText(), "C:");
+        EXPECT_EQ(Seen::lines(seen.folders), before);
     });
 }
