@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "app/linux/exit_code.h"
 #include "app/linux/options.h"

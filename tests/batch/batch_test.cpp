@@ -1,8 +1,6 @@
 #include "batch/batch.h"
 
 #include <fcntl.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include "app/linux/batch_command.h"
@@ -18,9 +16,6 @@ namespace britlock {
 namespace {
 
 namespace fs = std::filesystem;
-using namespace machine;
-using testing::HasSubstr;
-using testing::StartsWith;
 using Words = std::vector<std::string>;
 
 /// A machine with users that are restricted already, each in another way.
@@ -80,7 +75,7 @@ TEST(Batch, LeavesOneUserOutOfTheTroubleOfAnother) {
     const std::string file = brl_text(set);
 
     Batch batch = school.batch();
-    EXPECT_THAT(batch.users(), testing::ElementsAre("Administrator", "Anna", "Ben", "Carla", "Gone", "Held"));
+    EXPECT_THAT(batch.users(), ElementsAre("Administrator", "Anna", "Ben", "Carla", "Gone", "Held"));
     for (const auto& [name, outcome] : {std::pair{"", "there is no such user here"},
                                         {"administrator", "the user who is logged on cannot be restricted"},
                                         {"Ben", "run-time error 6: Overflow"},
@@ -104,7 +99,7 @@ TEST(Batch, LeavesOneUserOutOfTheTroubleOfAnother) {
 
 TEST(Batch, TellsAnythingInJson) {
     EXPECT_THAT(json_of("\\\"a\"\r", {}),
-                testing::StartsWith("{\"user\": \"\\\\\\\"a\\\"\\u000d\", \"ticked\": [], "));
+                StartsWith("{\"user\": \"\\\\\\\"a\\\"\\u000d\", \"ticked\": [], "));
 }
 
 struct Answer {
@@ -114,7 +109,7 @@ struct Answer {
 };
 
 /// A school's Windows: four more users, each with the hive of Anna.
-struct BatchCommand : testing::Test {
+struct BatchCommand : Test {
     OfflineFixture windows;
     Language language = english;
     const std::string file = windows.scratch() / "set.brl";
@@ -141,8 +136,8 @@ struct BatchCommand : testing::Test {
 
     void set_password(const std::string& one) {
         const std::string stored = encode_password(one, password_key);
-        (void)windows.machine().registry.set(machine::Root::local_machine, product::key, "UserPW",
-                                             {machine::reg_sz, stored + '\0'});
+        (void)windows.machine().registry.set(Root::local_machine, product::key, "UserPW",
+                                             {reg_sz, stored + '\0'});
     }
     Answer run(Words words) const {
         const std::string input = windows.scratch() / "input";
@@ -267,8 +262,7 @@ TEST_F(BatchCommand, TellsAWrongCall) {
     for (const auto& [words, text] : calls) {
         const Answer answer = run(words);
         EXPECT_EQ(answer.code, 2);
-        EXPECT_THAT(answer.err,
-                    testing::AllOf(StartsWith(std::string("britlock: ") + text), HasSubstr("Usage:")));
+        EXPECT_THAT(answer.err, AllOf(StartsWith(std::string("britlock: ") + text), HasSubstr("Usage:")));
     }
     EXPECT_THAT(run({"show", "--help"}).out, StartsWith("Usage:"));
 }

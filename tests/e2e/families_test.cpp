@@ -35,8 +35,7 @@ TEST(RoundTrip, OnEachFamilyInMemory) {
 TEST(RoundTrip, OnRealHives) {
     const char* wanted = std::getenv("BRITLOCK_CASES");
     uint32_t seed = 5000;
-    for (const auto family :
-         {machine::SampleFamily::winnt, machine::SampleFamily::win2k, machine::SampleFamily::winxp}) {
+    for (const auto family : {SampleFamily::winnt, SampleFamily::win2k, SampleFamily::winxp}) {
         Installed w(family);
         w.enter();
         w.choose("Anna");

@@ -10,7 +10,7 @@ namespace britlock {
 
 /// A sample installation with a drive D, a person in front of the program, and the real hive tool.
 struct Installed : Person {
-    explicit Installed(machine::SampleFamily family = machine::SampleFamily::winxp) : windows(family) {
+    explicit Installed(SampleFamily family = SampleFamily::winxp) : windows(family) {
         std::filesystem::create_directories(windows.scratch() / "D");
         windows.options.drives['D'] = (windows.scratch() / "D").string();
         windows.open();

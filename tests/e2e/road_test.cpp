@@ -1,9 +1,5 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <sstream>
 
-#include "base/text.h"
 #include "e2e/installed.h"
 #include "hostfile/file_lock.h"
 #include "program/world.h"
@@ -36,14 +32,14 @@ std::string text_of(const Dump& dump) {
 }
 
 /// The same of a key in memory.
-void add_dump(Dump& dump, const machine::MemoryKey& key, const std::string& path = "") {
+void add_dump(Dump& dump, const MemoryKey& key, const std::string& path = "") {
     const auto escaped = [](const std::string& name) { return regf::escaped(text::to_utf16(name)); };
     dump["K " + path];
     for (const auto& [name, value] : key.values) {
         std::string data;
         for (const char byte : value.data) {
             data += byte;
-            if (value.type == machine::reg_sz) data += '\0';  // UTF-16; no letter here is beyond Latin 1
+            if (value.type == reg_sz) data += '\0';  // UTF-16; no letter here is beyond Latin 1
         }
         dump["V " + path + " " + escaped(name)] =
             " " + std::to_string(value.type) + " " +
@@ -58,7 +54,7 @@ const fs::path real_hive = fs::path(REAL_HIVES) / "xp-user.NTUSER.DAT";
 
 /// A Windows XP with the hive of a user who has worked there for months: a made one, and that of a real user
 /// where one is found.
-struct Road : Installed, testing::TestWithParam<fs::path> {
+struct Road : Installed, TestWithParam<fs::path> {
     void SetUp() override {
         fs::copy_file(GetParam(), hive(), fs::copy_options::overwrite_existing);
         fs::permissions(hive(), fs::perms::owner_all);
@@ -74,8 +70,8 @@ struct Road : Installed, testing::TestWithParam<fs::path> {
 };
 
 INSTANTIATE_TEST_SUITE_P(, Road,
-                         testing::ValuesIn(fs::exists(real_hive) ? std::vector{made_hive, real_hive}
-                                                                 : std::vector{made_hive}),
+                         ValuesIn(fs::exists(real_hive) ? std::vector{made_hive, real_hive}
+                                                        : std::vector{made_hive}),
                          [](const auto& hive) { return hive.param == made_hive ? "made" : "real"; });
 
 /// What another reader finds in the user's hive must be what was there, and what the same marks leave in the
@@ -95,7 +91,7 @@ TEST_P(Road, FromTheFirstStartToTheChangedHive) {
     EXPECT_EQ(window().t31.text(), "C:\\WINDOWS\\web\\wallpaper\\Bliss.bmp");
     tick_the_set(*this);
     apply();
-    EXPECT_THAT(screen.boxes, testing::SizeIs(2)) << "no box but those of the password";
+    EXPECT_THAT(screen.boxes, SizeIs(2)) << "no box but those of the password";
 
     WithAnna memory;
     // These keys are in every real user's hive.
@@ -109,7 +105,7 @@ TEST_P(Road, FromTheFirstStartToTheChangedHive) {
     std::erase_if(before, [&](const auto& line) { return line.first.starts_with(applets); });
     wanted.merge(before);
     regf::expect_same(text_of(foreign_dump()), text_of(wanted), "the hive");
-    EXPECT_THAT(regf::validate(regf::read_file(hive())), testing::IsEmpty());
+    EXPECT_THAT(regf::validate(regf::read_file(hive())), IsEmpty());
 
     std::vector<size_t> used;  // no more room is needed for the next ones
     for (int run = 0; run < 10; ++run) {
@@ -119,7 +115,7 @@ TEST_P(Road, FromTheFirstStartToTheChangedHive) {
         used.push_back(
             regf::Image(std::make_shared<regf::Memory>(regf::Memory::holding(bytes))).used_cells());
     }
-    EXPECT_THAT(used, testing::Each(used.back()));
+    EXPECT_THAT(used, Each(used.back()));
     enter_again("Anna");
     EXPECT_EQ(ticked(), " c11 c16 c31 c90 D: APPWIZ.CPL ODBCCP32.CPL NCPA.CPL Drucker und Faxger\xE4te");
 }
@@ -133,7 +129,7 @@ TEST(RealHives, ARunTimeErrorAmidTheWritesLeavesThoseBeforeItOnTheDisk) {
     EXPECT_FALSE(w.expecting("Brightlock Suite").apply()) << "the process has ended";
     w.windows.offline().write_pending();
     EXPECT_TRUE(regf::validate(regf::read_file(w.hive())).empty());
-    EXPECT_THAT(w.dump(), testing::HasSubstr("NoClose 4 01000000"));
+    EXPECT_THAT(w.dump(), HasSubstr("NoClose 4 01000000"));
     EXPECT_TRUE(w.windows.offline().mounts().mounts()->empty());
     EXPECT_EQ(w.windows.troubles(), "");
 }

@@ -1,8 +1,5 @@
 #include "files/restriction_file.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <regex>
 
 #include "base/runtime_error.h"
@@ -12,10 +9,6 @@
 
 namespace britlock {
 namespace {
-
-using namespace machine;
-using testing::HasSubstr;
-using toolkit::Answer;
 
 /// The number of the run-time error that reading ends in; 0: none.
 int error_of_reading(std::string_view bytes, const RestrictionSet& shown = {}) {
@@ -144,7 +137,7 @@ TEST(RestrictionFile, ThatEndsEarlyIsNotRead) {
     }
 }
 
-struct FileCommands : testing::Test, WithAnna {
+struct FileCommands : Test, WithAnna {
     bool saved_to(const std::string& path) { return content(path) == brl_text(window().marks()); }
 };
 

@@ -1,8 +1,5 @@
 #include "machine/qt_internet/qt_internet.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <QCoreApplication>
 
 #include "internet/web_host.h"
@@ -12,10 +9,7 @@
 namespace britlock {
 namespace {
 
-using namespace machine;
-using testing::HasSubstr;
-
-struct Web : testing::Test {
+struct Web : Test {
     int count = 0;
     QCoreApplication application{count, nullptr};  // its loop is that of the web host too
     WebHost host;
@@ -49,8 +43,7 @@ TEST_F(Web, PagesComeAsTheyAre) {
     EXPECT_EQ(fetched(host.address() + "/brit.txt"), "5.3.5\r\n");
     EXPECT_EQ(fetched(host.address() + "/empty"), "");
     EXPECT_EQ(body(host.address() + "/file"), all_bytes + " 0");
-    EXPECT_THAT(host.requests.back(),
-                testing::AllOf(HasSubstr("User-Agent: BL OpenUrl\r\n"), HasSubstr("no-cache")));
+    EXPECT_THAT(host.requests.back(), AllOf(HasSubstr("User-Agent: BL OpenUrl\r\n"), HasSubstr("no-cache")));
 }
 
 TEST_F(Web, FailuresAreCodes) {

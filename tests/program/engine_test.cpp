@@ -1,16 +1,9 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <regex>
 
 #include "program/world.h"
 
 namespace britlock {
 namespace {
-
-using namespace machine;
-using testing::HasSubstr;
-using testing::Not;
 
 constexpr const char* registration_key = "Software\\Microsoft\\Windows NT\\CurrentVersion";
 

@@ -1,20 +1,10 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "program/world.h"
 #include "ui/verzeichnis.h"
 
 namespace britlock {
 namespace {
 
-using namespace machine;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::Not;
-using testing::SizeIs;
-using toolkit::Answer;
-
-struct Pages : testing::Test, WithAnna {
+struct Pages : Test, WithAnna {
     const std::vector<std::string>& list() { return window().List1.items(); }
 };
 
@@ -120,8 +110,7 @@ TEST_F(Pages, TheListKeepsItsPlacesAndGaps) {
     read();
     EXPECT_THAT(list(), ElementsAre("BRITLOCK.EXE", "A.EXE", "", "C.EXE"));
     apply();
-    EXPECT_THAT(dump(key::restrict_run),
-                testing::AllOf(HasSubstr(" :  2 = \"\"\n"), HasSubstr("Gesamt = dword 4\n")));
+    EXPECT_THAT(dump(key::restrict_run), AllOf(HasSubstr(" :  2 = \"\"\n"), HasSubstr("Gesamt = dword 4\n")));
     window().List1.clear();
     apply();
     EXPECT_EQ(dump(key::restrict_run), "(missing)") << "an empty list leaves no key";
@@ -256,8 +245,8 @@ TEST_F(Pages, BulkMarkingLeavesOutTheListAndTheIcons) {
     expecting("Brightlock Suite").click(form.mm21);
     const std::string all = ticked();
     EXPECT_EQ(std::count(all.begin(), all.end(), 'c'), 50);
-    EXPECT_THAT(all, testing::AllOf(Not(HasSubstr(" c39 ")), Not(HasSubstr(" c41 ")),
-                                    HasSubstr(" A: C: D: APPWIZ.CPL ")));
+    EXPECT_THAT(all,
+                AllOf(Not(HasSubstr(" c39 ")), Not(HasSubstr(" c41 ")), HasSubstr(" A: C: D: APPWIZ.CPL ")));
     EXPECT_TRUE(form.marks().hidden_applets.back());
     click(form.c39);
     click(form.c41);

@@ -1,12 +1,13 @@
 #pragma once
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
 #include <memory>
 #include <string>
 
 #include "base/product.h"
+#include "base/text.h"
 #include "startup/getpass.h"
 #include "startup/program.h"
 #include "startup/setpass.h"
@@ -16,13 +17,18 @@
 
 namespace britlock {
 
+using namespace machine;
+using namespace testing;
+using namespace text::literals;
+using toolkit::Answer;
+
 /// A person in front of the program, on whatever machine.
 struct Person {
     explicit Person(Language its_language = english) : language(its_language) {}
     ~Person() { EXPECT_EQ(screen.left_over(), 0u) << "a question that never came"; }
 
     /// The next act must bring a box of this title; it is answered so.
-    Person& expecting(std::string title, toolkit::Answer answer = toolkit::Answer::ok) {
+    Person& expecting(std::string title, Answer answer = toolkit::Answer::ok) {
         screen.expect_box(std::move(title), answer);
         return *this;
     }
@@ -33,7 +39,7 @@ struct Person {
     }
 
     /// Starts the process; a running one is forgotten, as by a kill.
-    bool start(const machine::Machine& machine) {
+    bool start(const Machine& machine) {
         screen.ended = false;
         program = std::make_unique<Program>(machine, screen, language);
         add_forms(*program);

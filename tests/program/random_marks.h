@@ -2,7 +2,6 @@
 
 #include <random>
 
-#include "base/text.h"
 #include "files/restriction_file.h"
 #include "program/person.h"
 

@@ -1,15 +1,9 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "program/world.h"
 
 namespace britlock {
 namespace {
 
-using namespace machine;
-using testing::HasSubstr;
-
-struct Startup : testing::Test, World {
+struct Startup : Test, World {
     MemoryKey& product = windows.registry.at(HKEY_LOCAL_MACHINE, product::key);
 };
 

@@ -1,19 +1,8 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include "base/text.h"
 #include "program/world.h"
 #include "ui/update_form.h"
 
 namespace britlock {
 namespace {
-
-using namespace machine;
-using namespace text::literals;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::Not;
-using toolkit::Answer;
 
 constexpr const char* run_key = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
 constexpr const char* setup = "C:\\WINDOWS\\uninstall\\brightlock suite\\setup.exe";
@@ -98,7 +87,7 @@ constexpr const char* version_page = "http://update.brightlock.invalid/update/br
 constexpr const char* installer_page = "http://update-de.brightlock.invalid/update/brlckup.exe";
 constexpr const char* installer = "C:\\Program Files\\Brightlock Suite\\brlckup.exe";
 
-struct OnlineUpdate : testing::Test, World {
+struct OnlineUpdate : Test, World {
     Update& update = open();
 
     Update& open() {

@@ -1,20 +1,13 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "program/world.h"
 
 namespace britlock {
 namespace {
 
-using namespace machine;
-using testing::ElementsAre;
-using testing::HasSubstr;
-
 const std::string profiles = "C:\\Documents and Settings\\";
 const std::string anna_hive = profiles + "Anna\\NTUSER.DAT";
 const std::string tool = "C:\\Program Files\\Brightlock Suite\\regg.exe";
 
-struct Users : testing::Test, WithAnna {
+struct Users : Test, WithAnna {
     std::string commands() {
         std::string out;
         for (const auto& process : windows.processes.started)
@@ -34,7 +27,7 @@ TEST_F(Users, AreTheFoldersWithoutThoseOfNobody) {
     windows.files.fail(anna_hive, permission_denied);  // logged on: counts as fine
     MainForm& form = expecting("Sorry, could not load every files..").enter();
     EXPECT_THAT(form.Combo_user.items(), ElementsAre("all users", "Anna", "Ben.DOMAIN", "Carl", "Dora"));
-    EXPECT_THAT(told(), testing::EndsWith("the files below...")) << "without the list";
+    EXPECT_THAT(told(), EndsWith("the files below...")) << "without the list";
     EXPECT_FALSE(windows.files.exists(profiles + "Dora\\NTUSER.DAT"));
     language = german;
     expecting("Kann (einige) Profile nicht laden").enter();
@@ -128,7 +121,7 @@ TEST_F(Users, EveryFaultOfAHiveHasItsBox) {
         const std::string before = hive->dump();
 
         x.expecting(title).choose("Anna");
-        EXPECT_THAT(x.told(), testing::EndsWith(end_of_text));
+        EXPECT_THAT(x.told(), EndsWith(end_of_text));
         EXPECT_EQ(x.screen.boxes.back().icon, toolkit::Icon::critical);
         EXPECT_EQ(x.ticked(), " c12") << "the form keeps the marks of the user before";
         EXPECT_EQ(form.StatusBar.panel_text(2), "Load Profile:Anna") << "and the panel its text";

@@ -9,8 +9,7 @@ namespace britlock {
 
 /// A Windows machine in memory with the product set up on it, and a person in front of the program.
 struct World : Person {
-    explicit World(const machine::Version& version = machine::versions::winxp,
-                   Language its_language = english)
+    explicit World(const Version& version = versions::winxp, Language its_language = english)
         : Person(its_language), windows(version) {
         windows.registry.at(HKEY_LOCAL_MACHINE, product::key);
         windows.files.add_file("C:\\MSDOS.SYS", "[Options]\r\nBootMulti=1\r\n");
@@ -20,7 +19,7 @@ struct World : Person {
 
     bool nt() const { return windows.system.windows.platform == 2; }
 
-    World& expecting(std::string title, toolkit::Answer answer = toolkit::Answer::ok) {
+    World& expecting(std::string title, Answer answer = Answer::ok) {
         screen.expect_box(std::move(title), answer);
         return *this;
     }
@@ -42,18 +41,18 @@ struct World : Person {
 
     std::string content(const std::string& path) {
         std::string bytes;
-        EXPECT_EQ(windows.files.read(path, bytes), machine::no_error) << path;
+        EXPECT_EQ(windows.files.read(path, bytes), no_error) << path;
         return bytes;
     }
     /// The command line of the last program that was started.
     const std::string& last_command() { return windows.processes.started.back().command_line; }
 
-    machine::MemoryMachine windows;
+    MemoryMachine windows;
 };
 
 /// With one user who can be restricted: Anna, on Windows 9X the running account.
 struct WithAnna : World {
-    explicit WithAnna(const machine::Version& version = machine::versions::winxp) : World(version) {
+    explicit WithAnna(const Version& version = versions::winxp) : World(version) {
         if (nt()) windows.add_profile("Anna");
         read();
     }
@@ -64,12 +63,12 @@ struct WithAnna : World {
         return window();
     }
     /// Her branch of the registry.
-    machine::MemoryKey& anna() {
+    MemoryKey& anna() {
         return nt() ? *windows.files.hive(*windows.system.profiles_folder + "\\Anna\\NTUSER.DAT")
                     : windows.registry.at(HKEY_CURRENT_USER);
     }
     std::string dump(const std::string& subkey = "") {
-        const machine::MemoryKey* key = anna().find(subkey);
+        const MemoryKey* key = anna().find(subkey);
         return key ? key->dump() : "(missing)";
     }
 };

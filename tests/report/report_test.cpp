@@ -1,14 +1,9 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <regex>
 
 #include "program/world.h"
 
 namespace britlock {
 namespace {
-
-using testing::HasSubstr;
 
 /// The lines of a document after one another, the marks of the printer shortened, a row that says no as a
 /// dash.
@@ -53,7 +48,7 @@ TEST(Report, PrintsWhatIsOnShow) {
 }
 
 TEST(Report, IsInTheLanguageOfTheWindowAndEndsTheProgramWithoutAPrinter) {
-    World w(machine::versions::winxp, german);
+    World w(versions::winxp, german);
     w.enter().c17.set_value(1);
     w.click(w.window().mm14);
     const std::string printed = in_one(w.screen.printed);

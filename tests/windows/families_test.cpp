@@ -1,8 +1,6 @@
 // The whole program on the running Windows, with the real hive tool; what it stored is read by other calls
 // than its own.
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -20,8 +18,6 @@
 
 namespace britlock {
 namespace {
-
-using machine::Root;
 
 constexpr const char* system_policies = "Software\\Policies\\Microsoft\\Windows\\System";
 constexpr const char* dos_policies = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Policies\\WinOldApp";
@@ -56,13 +52,13 @@ const Family& family_set_up() {
 }
 
 /// Looks at the user's registry at the last moment at which it is mounted.
-class WatchedProcesses : public machine::Processes {
+class WatchedProcesses : public Processes {
   public:
-    explicit WatchedProcesses(machine::Processes& target) : target_(target) {}
+    explicit WatchedProcesses(Processes& target) : target_(target) {}
     std::function<void()> before_unload;
     std::string commands;
 
-    Started start(std::string_view command_line, machine::WindowStyle style) override {
+    Started start(std::string_view command_line, WindowStyle style) override {
         commands += std::string(command_line) + "\n";
         if (before_unload && command_line.find(" unload ") != std::string_view::npos) before_unload();
         return target_.start(command_line, style);
@@ -71,17 +67,16 @@ class WatchedProcesses : public machine::Processes {
     void open_address(std::string_view address) override { target_.open_address(address); }
 
   private:
-    machine::Processes& target_;
+    Processes& target_;
 };
 
-struct OnWindows : testing::Test {
+struct OnWindows : Test {
     OnWindows() {
         make_anna("C:\\Profiles");
         for (const char* key : {key::explorer, key::dont_load, dos_policies})
             remove_key(Root::current_user, key);
         (void)windows.machine().files.remove(windows.machine().system.windows_directory() + "\\control.ini");
-        EXPECT_EQ(windows.machine().files.write("C:\\MSDOS.SYS", "[Options]\r\nBootMulti=1\r\n"),
-                  machine::no_error);
+        EXPECT_EQ(windows.machine().files.write("C:\\MSDOS.SYS", "[Options]\r\nBootMulti=1\r\n"), no_error);
         prepare_installation(windows.machine().registry);
         // Where Windows has them there may be people whose hives are none of ours.
         REGISTRY_MOD reg(windows.machine(), english);
@@ -89,8 +84,8 @@ struct OnWindows : testing::Test {
     }
     ~OnWindows() override { person.program.reset(); }
 
-    machine::Machine machine() {
-        const machine::Machine its = windows.machine();
+    Machine machine() {
+        const Machine its = windows.machine();
         return {its.registry, its.files, processes, its.system, its.internet};
     }
     /// The first start sets the password, the next ones ask for it.
@@ -110,7 +105,7 @@ struct OnWindows : testing::Test {
     }
 
     const Family& family = family_set_up();
-    machine::WindowsMachine windows;
+    WindowsMachine windows;
     WatchedProcesses processes{windows.machine().processes};
     Person person;
 };
@@ -183,7 +178,7 @@ TEST_F(OnWindows, TheLoggedOnUserIsRefusedOnNtAlone) {
 /// The folder is deleted before it is copied: what a user may not delete stays, and is brought to the
 /// desktop.
 TEST_F(OnWindows, TheRunAtLogonBringsTheIconsThatItMayNotDelete) {
-    machine::Files& files = windows.machine().files;
+    Files& files = windows.machine().files;
     REGISTRY_MOD reg(windows.machine(), english);
     const std::string shell_folders = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
     for (const std::string& key : {std::string(key::explorer), shell_folders})
@@ -193,8 +188,8 @@ TEST_F(OnWindows, TheRunAtLogonBringsTheIconsThatItMayNotDelete) {
     (void)reg.reg_write_string(Root::current_user, shell_folders, "Desktop", "C:\\Desk");
     for (const char* folder : {"C:\\Fixed", "C:\\Fixed\\Games", "C:\\Desk"})
         make_folder(folder);
-    ASSERT_EQ(files.write("C:\\Fixed\\Games\\two.lnk", "two"), machine::no_error);
-    ASSERT_EQ(files.write("C:\\Desk\\kept.lnk", "kept"), machine::no_error);
+    ASSERT_EQ(files.write("C:\\Fixed\\Games\\two.lnk", "two"), no_error);
+    ASSERT_EQ(files.write("C:\\Desk\\kept.lnk", "kept"), no_error);
     {
         const HeldFile held("C:\\Fixed\\Games\\two.lnk", HeldFile::Against::deleting);
         refresh_desktop(reg, files);
@@ -202,8 +197,7 @@ TEST_F(OnWindows, TheRunAtLogonBringsTheIconsThatItMayNotDelete) {
     EXPECT_EQ(content(files, "C:\\Desk\\Games\\two.lnk") + content(files, "C:\\Desk\\kept.lnk"), "twokept");
 
     refresh_desktop(reg, files);
-    EXPECT_EQ(files.attributes("C:\\Fixed"), machine::no_attributes)
-        << "who may delete the source has lost it";
+    EXPECT_EQ(files.attributes("C:\\Fixed"), no_attributes) << "who may delete the source has lost it";
     (void)reg.reg_write_dword(Root::current_user, key::explorer, "FixedLNK", "0");
 }
 
