@@ -11,11 +11,13 @@
 #include <iterator>
 #include <string>
 
+namespace fs = std::filesystem;
+
 /// A folder of its own for each test, gone afterwards.
 class TemporaryFolder {
   public:
     TemporaryFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "brightlock-XXXXXX").string();
+        std::string name = (fs::temp_directory_path() / "brightlock-XXXXXX").string();
         if (!mkdtemp(name.data())) std::abort();
         path_ = name;
     }
@@ -23,23 +25,23 @@ class TemporaryFolder {
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
     ~TemporaryFolder() {
         std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
+        fs::remove_all(path_, ignored);
     }
-    const std::filesystem::path& path() const { return path_; }
-    std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
+    const fs::path& path() const { return path_; }
+    fs::path operator/(const std::string& name) const { return path_ / name; }
 
   private:
-    std::filesystem::path path_;
+    fs::path path_;
 };
 
 /// Empty where there is no such file.
 template <class Bytes = std::string>
-Bytes bytes_of(const std::filesystem::path& file) {
+Bytes bytes_of(const fs::path& file) {
     std::ifstream in(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
-inline void write_bytes(const std::filesystem::path& file, std::string_view bytes) {
+inline void write_bytes(const fs::path& file, std::string_view bytes) {
     std::ofstream(file, std::ios::binary) << bytes;
 }
 

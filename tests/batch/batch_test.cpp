@@ -15,7 +15,6 @@
 namespace britlock {
 namespace {
 
-namespace fs = std::filesystem;
 using Words = std::vector<std::string>;
 
 /// A machine with users that are restricted already, each in another way.

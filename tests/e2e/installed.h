@@ -11,7 +11,7 @@ namespace britlock {
 /// A sample installation with a drive D, a person in front of the program, and the real hive tool.
 struct Installed : Person {
     explicit Installed(SampleFamily family = SampleFamily::winxp) : windows(family) {
-        std::filesystem::create_directories(windows.scratch() / "D");
+        fs::create_directories(windows.scratch() / "D");
         windows.options.drives['D'] = (windows.scratch() / "D").string();
         windows.open();
     }
@@ -34,7 +34,7 @@ struct Installed : Person {
         return window();
     }
 
-    std::filesystem::path hive(const std::string& user = "Anna") {
+    fs::path hive(const std::string& user = "Anna") {
         std::string folder = windows.offline().installation().profiles_directory.substr(2);  // without C:
         std::replace(folder.begin(), folder.end(), '\\', '/');
         return windows.disk().string() + folder + "/" + user + "/NTUSER.DAT";

@@ -8,7 +8,6 @@
 namespace britlock {
 namespace {
 
-namespace fs = std::filesystem;
 using hostfile::FileLock;
 
 /// A hive as text, what its keys and values are by their names.

@@ -1,18 +1,10 @@
 // What every machine promises, shown on each that this build has.
 
-#include <gtest/gtest.h>
-
-#include "base/text.h"
-#include "machine/memory/journal.h"
-#include "machine/memory/memory_registry.h"
 #include "machine/subject.h"
-
-using namespace machine;
-using namespace text::literals;
 
 namespace {
 
-class Contract : public testing::TestWithParam<Implementation> {
+class Contract : public TestWithParam<Implementation> {
   protected:
     std::unique_ptr<Subject> subject_ = GetParam().make();
     Registry& registry_ = subject_->machine().registry;
@@ -50,7 +42,7 @@ class Contract : public testing::TestWithParam<Implementation> {
 
 }  // namespace
 
-INSTANTIATE_TEST_SUITE_P(Machines, Contract, testing::ValuesIn(implementations()),
+INSTANTIATE_TEST_SUITE_P(Machines, Contract, ValuesIn(implementations()),
                          [](const auto& parameter) { return std::string(parameter.param.name); });
 
 TEST_P(Contract, RegistryWorksTheSameBelowEveryRoot) {

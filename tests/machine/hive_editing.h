@@ -1,15 +1,13 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <optional>
 
-#include "host.h"
+#include "machine/offline_fixture.h"
 #include "regf_file/hive_file.h"
 
 /// Looks into hive files and changes them, past every machine.
 
-inline regf::HiveFile read_hive_file(const std::filesystem::path& path) {
+inline regf::HiveFile read_hive_file(const fs::path& path) {
     const auto place = *hostfile::place_of(path);
     const auto lock = hostfile::FileLock::acquire(place);
     EXPECT_TRUE(lock) << lock.error().message;
@@ -18,7 +16,7 @@ inline regf::HiveFile read_hive_file(const std::filesystem::path& path) {
     return std::move(*file);
 }
 
-inline std::optional<regf::Value> read_value(const std::filesystem::path& path, std::u16string_view key,
+inline std::optional<regf::Value> read_value(const fs::path& path, std::u16string_view key,
                                              std::u16string_view name) {
     const regf::HiveFile file = read_hive_file(path);
     const auto found = file.hive.find(key);
@@ -31,7 +29,7 @@ inline std::u16string text_of(const regf::Value& value) {
     return text.substr(0, text.find(u'\0'));
 }
 
-inline void set_text(const std::filesystem::path& path, std::u16string_view key, std::u16string_view name,
+inline void set_text(const fs::path& path, std::u16string_view key, std::u16string_view name,
                      std::u16string_view text) {
     regf::HiveFile file = read_hive_file(path);
     const regf::Value value{regf::REG_SZ, regf::bytes_of(std::u16string(text) + u'\0')};
@@ -45,7 +43,7 @@ inline void set_text(const std::filesystem::path& path, std::u16string_view key,
 }
 
 /// What is wrong with a hive file: nothing, for a healthy one.
-inline std::string findings(const std::filesystem::path& path) {
+inline std::string findings(const fs::path& path) {
     std::string out;
     for (const regf::Finding& finding : regf::validate(bytes_of<regf::Bytes>(path)))
         out += std::to_string(finding.file_offset) + ": " + finding.text + "\n";

@@ -5,7 +5,7 @@
 
 struct MemorySubject : Subject {
     MemorySubject() { memory.add_profile("Anna"); }
-    machine::Machine machine() override { return memory.machine(); }
+    Machine machine() override { return memory.machine(); }
     void add_file(const std::string& path, const std::string& bytes) override {
         memory.files.add_file("C:\\" + path, bytes);
     }
@@ -13,5 +13,5 @@ struct MemorySubject : Subject {
         memory.system.drives |= 1u << 3;
         memory.files.add_folder("D:\\");
     }
-    machine::MemoryMachine memory;
+    MemoryMachine memory;
 };

@@ -1,10 +1,5 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <vector>
-
 #include "host.h"
 #include "machine/offline/offline_machine.h"
 #include "machine/offline/sample_installation.h"
@@ -13,32 +8,32 @@
 /// A sample installation in a folder of its own, with a machine on it. The real hive tool serves it.
 class OfflineFixture {
   public:
-    explicit OfflineFixture(machine::SampleFamily family = machine::SampleFamily::winxp) {
-        const auto made = machine::make_sample_installation(disk().string(), family);
+    explicit OfflineFixture(SampleFamily family = SampleFamily::winxp) {
+        const auto made = make_sample_installation(disk().string(), family);
         EXPECT_TRUE(made) << made.error().message;
         options.drives = {{'C', disk().string()}};
         options.executables = PROGRAM_FOLDER;
         options.state_folder = (folder_.path() / "state").string();
-        options.on_report = [this](const machine::ToolReport& report) { reports.push_back(report); };
+        options.on_report = [this](const ToolReport& report) { reports.push_back(report); };
         open();
     }
 
     /// Another run of the program on the same installation, in place of the one before.
     void open() {
         machine_.reset();
-        auto opened = machine::OfflineMachine::open(options);
+        auto opened = OfflineMachine::open(options);
         ASSERT_TRUE(opened) << opened.error().message;
         machine_ = std::move(*opened);
     }
 
-    std::filesystem::path disk() const { return folder_.path() / "disk"; }
-    std::filesystem::path scratch() const { return folder_.path(); }
-    std::filesystem::path hive_of(const std::string& user) const {
+    fs::path disk() const { return folder_.path() / "disk"; }
+    fs::path scratch() const { return folder_.path(); }
+    fs::path hive_of(const std::string& user) const {
         return disk() / "Documents and Settings" / user / "NTUSER.DAT";
     }
     const std::string& mounts_folder() const { return machine_->mounts().folder(); }
-    machine::Machine machine() { return machine_->machine(); }
-    machine::OfflineMachine& offline() { return *machine_; }
+    Machine machine() { return machine_->machine(); }
+    OfflineMachine& offline() { return *machine_; }
 
     uint32_t load(const std::string& user) {
         return tool("load \"" + windows_hive_of(user) + "\" HKU\\" + user);
@@ -55,17 +50,17 @@ class OfflineFixture {
     /// What the hive tool told of failures and losses, a line each.
     std::string troubles() const {
         std::string out;
-        for (const machine::ToolReport& report : reports) {
+        for (const ToolReport& report : reports) {
             if (report.succeeded && !report.changes_lost) continue;
             out += (report.changes_lost ? "lost: " : "failed: ") + report.detail + "\n";
         }
         return out;
     }
 
-    machine::OfflineOptions options;
-    std::vector<machine::ToolReport> reports;
+    OfflineOptions options;
+    std::vector<ToolReport> reports;
 
   private:
     TemporaryFolder folder_;
-    std::unique_ptr<machine::OfflineMachine> machine_;
+    std::unique_ptr<OfflineMachine> machine_;
 };

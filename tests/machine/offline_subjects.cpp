@@ -4,14 +4,14 @@
 namespace {
 
 struct OfflineSubject : Subject {
-    machine::Machine machine() override { return offline.machine(); }
+    Machine machine() override { return offline.machine(); }
     void add_file(const std::string& path, const std::string& bytes) override {
-        std::filesystem::create_directories((offline.disk() / path).parent_path());
+        fs::create_directories((offline.disk() / path).parent_path());
         write_bytes(offline.disk() / path, bytes);
     }
     void add_empty_drive() override {
         offline.options.drives['D'] = (offline.scratch() / "empty").string();
-        std::filesystem::create_directory(offline.scratch() / "empty");
+        fs::create_directory(offline.scratch() / "empty");
         offline.open();
     }
     OfflineFixture offline;

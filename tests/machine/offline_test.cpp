@@ -1,28 +1,16 @@
 // What only the machine on disk must withstand: a disk that its users have written to.
 
 #include <fcntl.h>
-#include <gmock/gmock.h>
 #include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <array>
 #include <csignal>
 #include <thread>
 
-#include "base/text.h"
 #include "machine/hive_editing.h"
-#include "machine/memory/journal.h"
-#include "machine/memory/memory_registry.h"
-#include "machine/offline_fixture.h"
 #include "platform/product_setup.h"
-
-using namespace machine;
-using namespace text::literals;
-namespace fs = std::filesystem;
-using testing::HasSubstr;
 
 namespace {
 
@@ -46,7 +34,7 @@ std::string snapshot(const fs::path& folder) {
 }
 
 /// An installation on a disk.
-class Disk : public testing::Test, public OfflineFixture {
+class Disk : public Test, public OfflineFixture {
   protected:
     Files& files() { return machine().files; }
     Registry& registry() { return machine().registry; }

@@ -1,4 +1,3 @@
-#include <gtest/gtest.h>
 #include <windows.h>
 
 #include "machine/memory_subject.h"
@@ -21,30 +20,30 @@ struct WindowsSubject : Subject {
             remove_folder(folder);
         for (const char* file :
              {"C:\\old.txt", "C:\\locked.txt", "C:\\new.txt", "C:\\grow.bin", "C:\\WINDOWS\\new.ini"}) {
-            (void)files.set_attributes(file, machine::attribute_normal);
+            (void)files.set_attributes(file, attribute_normal);
             (void)files.remove(file);
         }
-        remove_key(machine::Root::current_user, "Lock");
-        remove_key(machine::Root::local_machine, "Software\\Lock");
+        remove_key(Root::current_user, "Lock");
+        remove_key(Root::local_machine, "Software\\Lock");
         (void)run_command(windows.machine().processes,
                           "\"C:\\Program Files\\Brightlock Suite\\regg.exe\" unload HKU\\Anna");
         add_file("MSDOS.SYS", "[Options]\r\n");
         make_anna("C:\\Documents and Settings");
     }
 
-    machine::Machine machine() override { return windows.machine(); }
+    Machine machine() override { return windows.machine(); }
     void add_file(const std::string& path, const std::string& bytes) override {
         std::string place = "C:\\";
         for (const char c : path) {
             if (c == '/') CreateDirectoryA(place.c_str(), nullptr);
             place += c == '/' ? '\\' : c;
         }
-        EXPECT_EQ(windows.machine().files.write(place, bytes), machine::no_error) << place;
+        EXPECT_EQ(windows.machine().files.write(place, bytes), no_error) << place;
     }
     void add_empty_drive() override {}  // it has one
     bool mounts_are_real() const override { return is_windows_itself(); }
 
-    machine::WindowsMachine windows;
+    WindowsMachine windows;
 };
 
 }  // namespace

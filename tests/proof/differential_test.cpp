@@ -1,18 +1,12 @@
-#include <gtest/gtest.h>
-
 #include <array>
 #include <cstdlib>
-#include <filesystem>
 #include <random>
 
 #include "regf/dump.h"
 #include "regf/random_edits.h"
-#include "regf_file/hive_file.h"
 
 namespace regf {
 namespace {
-
-namespace fs = std::filesystem;
 
 /// A sequence of edits and its commit; then both readers read the file.
 void edit_and_compare(const fs::path& file, std::mt19937& random) {
@@ -43,7 +37,7 @@ TEST(Differential, EverySequenceOfEditsIsReadAlikeByAnotherReader) {
     const fs::path file = folder / "NTUSER.DAT";
     auto seed = static_cast<uint32_t>(number("BRITLOCK_SEED", 7000));
     std::mt19937 random;
-    for (int i = 0; i < cases && !testing::Test::HasFailure(); ++i) {
+    for (int i = 0; i < cases && !Test::HasFailure(); ++i) {
         if (i % sequences_of_one_hive == 0) {
             random.seed(++seed);
             fs::remove(file);

@@ -1,5 +1,4 @@
 #include <fcntl.h>
-#include <gmock/gmock.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
@@ -11,17 +10,13 @@
 #include <tuple>
 
 #include "regf/dump.h"
-#include "regf_file/hive_file.h"
 
 namespace regf {
 namespace {
 
 using hostfile::fail_system_call;
 
-namespace fs = std::filesystem;
-using testing::HasSubstr;
-
-struct HiveFiles : testing::Test {
+struct HiveFiles : Test {
     HiveFiles() {
         Hive hive = Hive::create({.file_name = u"user", .now = 1});
         EXPECT_TRUE(hive.create(u"Software\\Policies", 2));

@@ -1,11 +1,6 @@
-#include <gtest/gtest.h>
-
 #include <algorithm>
 
-#include "regf/bytes.h"
 #include "regf/dump.h"
-#include "regf/examine.h"
-#include "regf/layout.h"
 
 namespace regf {
 namespace {

@@ -1,6 +1,5 @@
 #include "regf/dump.h"
 
-#include <gtest/gtest.h>
 #include <hivex.h>
 
 #include <algorithm>
@@ -99,7 +98,7 @@ Result<Bytes> sealed_image(Hive& hive, FileTime now) {
     return Bytes(sealed->image.begin(), sealed->image.end());
 }
 
-std::string foreign_dump(const std::filesystem::path& file) {
+std::string foreign_dump(const fs::path& file) {
     const std::unique_ptr<hive_h, decltype(&hivex_close)> hive(hivex_open(file.c_str(), 0), &hivex_close);
     std::string out;
     if (hive) dump_node(hive.get(), hivex_root(hive.get()), "", out);

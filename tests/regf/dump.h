@@ -1,9 +1,17 @@
 #pragma once
 
+#include <gmock/gmock.h>
+
 #include "host.h"
+#include "regf/bytes.h"
+#include "regf/examine.h"
 #include "regf/hive.h"
+#include "regf/layout.h"
+#include "regf_file/hive_file.h"
 
 namespace regf {
+
+using namespace testing;
 
 /// A name and data as they stand in a dump.
 std::string escaped(std::u16string_view name);
@@ -19,13 +27,13 @@ std::string full_dump(const Hive& hive);
 /// does not.
 Result<Bytes> sealed_image(Hive& hive, FileTime now);
 
-inline Bytes read_file(const std::filesystem::path& file) { return ::bytes_of<Bytes>(file); }
-inline void write_file(const std::filesystem::path& file, const Bytes& bytes) {
+inline Bytes read_file(const fs::path& file) { return ::bytes_of<Bytes>(file); }
+inline void write_file(const fs::path& file, const Bytes& bytes) {
     write_bytes(file, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 
 /// What another reader says of a hive file; empty where it cannot read it.
-std::string foreign_dump(const std::filesystem::path& file);
+std::string foreign_dump(const fs::path& file);
 /// Fails the test with the surroundings of the first difference.
 void expect_same(const std::string& ours, const std::string& theirs, const std::string& what);
 

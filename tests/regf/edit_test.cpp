@@ -1,12 +1,8 @@
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <array>
 #include <random>
 
-#include "regf/bytes.h"
 #include "regf/dump.h"
-#include "regf/layout.h"
 #include "regf/random_edits.h"
 
 namespace regf {
@@ -32,10 +28,10 @@ std::u16string numbered(const char16_t* stem, size_t number) {
     return std::u16string(stem).append(digits.begin(), digits.end());
 }
 
-struct OfVersion : testing::TestWithParam<uint32_t> {
+struct OfVersion : TestWithParam<uint32_t> {
     Hive hive = Hive::create({.minor_version = GetParam(), .file_name = u"x", .now = 1000});
 };
-INSTANTIATE_TEST_SUITE_P(Hives, OfVersion, testing::Values(3u, 5u), testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P(Hives, OfVersion, Values(3u, 5u), PrintToStringParamName());
 
 TEST_P(OfVersion, TakesRandomEditsAndTakesThemAgain) {
     for (unsigned seed = 1; seed <= 4; ++seed) {

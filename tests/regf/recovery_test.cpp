@@ -1,11 +1,5 @@
-#include <gtest/gtest.h>
-
-#include "regf/bytes.h"
 #include "regf/dump.h"
-#include "regf/examine.h"
-#include "regf/layout.h"
 #include "regf/names.h"
-#include "regf_file/hive_file.h"
 
 namespace regf {
 namespace {

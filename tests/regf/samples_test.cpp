@@ -1,22 +1,13 @@
-#include <gmock/gmock.h>
-
 #include <algorithm>
 #include <set>
 
-#include "regf/bytes.h"
 #include "regf/commit_check.h"
 #include "regf/dump.h"
-#include "regf/layout.h"
 #include "regf/recovery.h"
 #include "regf/whole_check.h"
-#include "regf_file/hive_file.h"
 
 namespace regf {
 namespace {
-
-namespace fs = std::filesystem;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 const fs::path made = MADE_HIVES;
 const fs::path real = REAL_HIVES;
@@ -27,7 +18,7 @@ std::vector<fs::path> hives(const char* folder, std::initializer_list<const char
     for (const auto& entry : fs::directory_iterator(made / folder)) {
         if (entry.path().extension() != ".txt") out.push_back(entry.path());
     }
-    EXPECT_THAT(out, testing::Not(IsEmpty()));
+    EXPECT_THAT(out, Not(IsEmpty()));
     for (const char* name : real_ones) {
         if (fs::exists(real / name)) out.push_back(real / name);
     }

@@ -1,29 +1,18 @@
 // The hive tool as a program of its own: each of its messages, and what is left of a hive after each fault.
 
 #include <fcntl.h>
-#include <gmock/gmock.h>
 #include <grp.h>
 #include <linux/fs.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <array>
 #include <csignal>
-#include <cstdio>
 
-#include "base/text.h"
 #include "machine/hive_editing.h"
-#include "machine/memory/memory_registry.h"
-#include "machine/offline_fixture.h"
 #include "regg/hive_tool.h"
-
-using namespace machine;
-namespace fs = std::filesystem;
-using testing::HasSubstr;
 
 namespace {
 
@@ -68,7 +57,7 @@ class SmallDisk {
 };
 
 /// An installation, its hive tool and the hive of Anna.
-class HiveTool : public testing::Test, public OfflineFixture {
+class HiveTool : public Test, public OfflineFixture {
   protected:
     Registry& registry() { return machine().registry; }
     Registry::Disposition make_lock_key() { return registry().create_key(Root::users, key); }
