@@ -47,13 +47,10 @@ INSTANTIATE_TEST_SUITE_P(Machines, Contract, ValuesIn(implementations()),
 
 TEST_P(Contract, RegistryWorksTheSameBelowEveryRoot) {
     ASSERT_EQ(load_anna(), 0u);
-    const struct {
-        Root root;
-        std::string prefix;
-    } places[] = {{Root::current_user, ""}, {Root::local_machine, "Software\\"}, {Root::users, "Anna\\"}};
-    for (const auto& place : places) {
-        const Root root = place.root;
-        const std::string& prefix = place.prefix;
+    const std::pair<Root, std::string> places[] = {
+        {Root::current_user, ""}, {Root::local_machine, "Software\\"}, {Root::users, "Anna\\"}};
+    for (const auto& [root_of_all, prefix] : places) {
+        const Root root = root_of_all;
         SCOPED_TRACE(describe(root, prefix));
         const std::string key = prefix + U"Lock\\Übung\\C"_ansi;
         JournalRegistry journal(registry_);
@@ -132,37 +129,30 @@ TEST_P(Contract, FilesAnswerWithWindowsErrors) {
     ASSERT_EQ(files_.write("C:\\old.txt", "abc"), no_error);
     ASSERT_EQ(files_.write("C:\\locked.txt", "abc"), no_error);
     ASSERT_EQ(files_.set_attributes("C:\\LOCKED.TXT", attribute_read_only), no_error);
-    const struct {
-        const char* path;
-        FileError open, read, write, remove;
-        int64_t length;
-    } rows[] = {
-        {"C:\\new.txt", no_error, no_error, no_error, no_error, 0},
-        {"c:/OLD.txt", no_error, no_error, no_error, no_error, 3},
-        {"C:\\locked.txt", no_error, no_error, permission_denied, permission_denied, 3},
-        {"C:\\none\\x.txt", no_such_path, no_such_path, no_such_path, no_such_path, 0},
-        {"Z:\\x.txt", no_such_path, no_such_path, no_such_path, no_such_path, 0},
-        {"Anna\\NTUSER.DAT", no_such_path, no_such_path, no_such_path, no_such_path, 0},
-        {"C:\\Documents and Settings", path_access, path_access, path_access, path_access, 0},
-        {"C:\\", path_access, path_access, path_access, path_access, 0},
-        {"", path_access, path_access, path_access, path_access, 0},
-        {"C:\\nul", path_access, path_access, path_access, path_access, 0},
-        {"C:\\a?b", bad_file_name, bad_file_name, bad_file_name, bad_file_name, 0},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.path);
-        const auto opened = files_.open_binary(row.path);
-        EXPECT_EQ(std::pair(opened.error, opened.length), std::pair(row.open, row.length));
+    for (const auto& [path, look, change, length] :
+         {std::tuple{"C:\\new.txt", no_error, no_error, 0},
+          {"c:/OLD.txt", no_error, no_error, 3},
+          {"C:\\locked.txt", no_error, permission_denied, 3},
+          {"C:\\none\\x.txt", no_such_path, no_such_path, 0},
+          {"Z:\\x.txt", no_such_path, no_such_path, 0},
+          {"Anna\\NTUSER.DAT", no_such_path, no_such_path, 0},
+          {"C:\\Documents and Settings", path_access, path_access, 0},
+          {"C:\\", path_access, path_access, 0},
+          {"", path_access, path_access, 0},
+          {"C:\\nul", path_access, path_access, 0},
+          {"C:\\a?b", bad_file_name, bad_file_name, 0}}) {
+        SCOPED_TRACE(path);
+        const auto opened = files_.open_binary(path);
+        EXPECT_EQ(std::pair(opened.error, opened.length), std::pair(look, int64_t{length}));
         std::string bytes;
-        EXPECT_EQ(files_.read(row.path, bytes), row.read);
-        EXPECT_EQ(files_.write(row.path, "abcd"), row.write);
-        EXPECT_EQ(files_.open_binary(row.path).length, row.write == no_error ? 4 : row.length);
-        EXPECT_EQ(files_.remove(row.path), row.remove);
-        if (row.remove == no_error) {
-            EXPECT_EQ(files_.attributes(row.path), no_attributes);
-            EXPECT_EQ(files_.remove(row.path), no_such_file);
-            EXPECT_EQ(files_.set_attributes(row.path, attribute_normal), no_such_file);
-        }
+        EXPECT_EQ(files_.read(path, bytes), look);
+        EXPECT_EQ(files_.write(path, "abcd"), change);
+        EXPECT_EQ(files_.open_binary(path).length, change == no_error ? 4 : length);
+        EXPECT_EQ(files_.remove(path), change);
+        if (change != no_error) continue;
+        EXPECT_EQ(files_.attributes(path), no_attributes);
+        EXPECT_EQ(files_.remove(path), no_such_file);
+        EXPECT_EQ(files_.set_attributes(path, attribute_normal), no_such_file);
     }
     EXPECT_EQ(files_.attributes("C:\\locked.txt") & attribute_read_only, attribute_read_only);
     EXPECT_EQ(files_.attributes("C:\\") & attribute_directory, attribute_directory);

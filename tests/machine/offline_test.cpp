@@ -156,25 +156,17 @@ TEST_F(Disk, WhatAnotherProgramLocksIsInUse) {
 }
 
 TEST(Installation, TellsWhatItIs) {
-    const struct {
-        SampleFamily family;
-        const char* name;
-        uint32_t major, minor;
-        const char* windows;
-        const char* profiles;
-    } served[] = {
-        {SampleFamily::winnt, "Windows NT 4", 4, 0, "C:\\WINNT", "C:\\WINNT\\Profiles"},
-        {SampleFamily::win2k, "Windows 2000", 5, 0, "C:\\WINNT", "C:\\Documents and Settings"},
-        {SampleFamily::winxp, "Windows XP", 5, 1, "C:\\WINDOWS", "C:\\Documents and Settings"},
-    };
-    for (const auto& row : served) {
-        OfflineFixture fixture(row.family);
+    for (const auto& [family, name, major, minor, windows, profiles] :
+         {std::tuple{SampleFamily::winnt, "Windows NT 4", 4u, 0u, "C:\\WINNT", "C:\\WINNT\\Profiles"},
+          {SampleFamily::win2k, "Windows 2000", 5, 0, "C:\\WINNT", "C:\\Documents and Settings"},
+          {SampleFamily::winxp, "Windows XP", 5, 1, "C:\\WINDOWS", "C:\\Documents and Settings"}}) {
+        OfflineFixture fixture(family);
         const Installation& found = fixture.offline().installation();
         System& system = fixture.machine().system;
-        EXPECT_EQ(found.family, row.name);
-        EXPECT_EQ(std::pair(found.version.major, found.version.minor), std::pair(row.major, row.minor));
-        EXPECT_EQ(system.windows_directory(), row.windows);
-        EXPECT_EQ(system.profiles_directory(), row.profiles);
+        EXPECT_EQ(found.family, name);
+        EXPECT_EQ(std::pair(found.version.major, found.version.minor), std::pair(major, minor));
+        EXPECT_EQ(system.windows_directory(), windows);
+        EXPECT_EQ(system.profiles_directory(), profiles);
         EXPECT_EQ(system.logical_drives(), 1u << 2 | 1u << 4) << "C of the map, E of its disks";
         EXPECT_EQ(system.token_groups(), std::vector<std::string>{"S-1-5-32-544"});
     }

@@ -13,21 +13,16 @@ using namespace machine;
 namespace {
 
 std::string joined(const std::vector<std::string>& texts) {
-    std::string out;
-    for (const std::string& text : texts)
-        out += "<" + text + ">";
-    return out;
+    return std::accumulate(
+        texts.begin(), texts.end(), std::string(),
+        [](const std::string& all, const std::string& text) { return all + "<" + text + ">"; });
 }
 
 }  // namespace
 
 TEST(ProfileText, FindsAValueAsWindowsDoes) {
     const std::string long_value(300, 'x');
-    const struct {
-        const char* what;
-        std::string text;
-        std::string value;
-    } rows[] = {
+    const std::tuple<const char*, std::string, std::string> rows[] = {
         {"plain", "[Options]\r\nBootGUI=0\r\n", "0"},
         {"no case, blanks around", "  [ OPTIONS ] \r\n\tbootgui  =  1 \t\r\n", "1"},
         {"double quotes", "[options]\nBootGUI=\" a \"", " a "},
@@ -44,17 +39,12 @@ TEST(ProfileText, FindsAValueAsWindowsDoes) {
         {"cut to the buffer", "[options]\r\nBootGUI=" + long_value + "\r\n", long_value.substr(0, 254)},
         {"a line of a megabyte", "[options]\r\n;" + std::string(1 << 20, 'x') + "\r\nBootGUI=1", "1"},
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(profile_value(row.text, "Options", "BootGUI"), row.value) << row.what;
+    for (const auto& [what, text, value] : rows)
+        EXPECT_EQ(profile_value(text, "Options", "BootGUI"), value) << what;
 }
 
 TEST(ProfileText, ChangesOneEntryAndNothingElse) {
-    const struct {
-        const char* what;
-        const char* before;
-        std::optional<std::string_view> value;
-        const char* after;
-    } rows[] = {
+    const std::tuple<const char*, const char*, std::optional<std::string_view>, const char*> rows[] = {
         {"replace, spelling kept", "[OPTIONS]\n bootgui =1\nx=2\n", "0", "[OPTIONS]\n bootgui =0\nx=2\n"},
         {"replace on an open last line", "[Options]\r\nBootGUI=1", "0", "[Options]\r\nBootGUI=0"},
         {"add before closing blank lines", "[Options]\r\nx=2\r\n\r\n\r\n[Paths]\r\n", "0",
@@ -67,16 +57,12 @@ TEST(ProfileText, ChangesOneEntryAndNothingElse) {
         {"remove the last line", "[Options]\nBootGUI=1", std::nullopt, "[Options]\n"},
         {"remove what is not there", "[Options]\r\nx=1", std::nullopt, "[Options]\r\nx=1"},
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(with_profile_value(row.before, "Options", "BootGUI", row.value), row.after) << row.what;
+    for (const auto& [what, before, value, after] : rows)
+        EXPECT_EQ(with_profile_value(before, "Options", "BootGUI", value), after) << what;
 }
 
 TEST(WindowsPath, IsTakenApartAsWindowsDoesIt) {
-    const struct {
-        std::string_view path;
-        std::string_view text;
-        FileError error;
-    } rows[] = {
+    const std::tuple<std::string_view, std::string_view, FileError> rows[] = {
         {"c:\\", "C:\\", no_error},
         {"C:/Documents and Settings//Anna/.\\x", "C:\\Documents and Settings\\Anna\\x", no_error},
         {"C:\\a\\..\\..\\..\\b", "C:\\b", no_error},
@@ -92,27 +78,31 @@ TEST(WindowsPath, IsTakenApartAsWindowsDoesIt) {
         {"C:\\nul", "", path_access},
         {"C:\\x\\Com1.txt", "", path_access},
     };
-    for (const auto& row : rows) {
-        const auto path = parse_path(row.path);
-        EXPECT_EQ(path ? no_error : path.error(), row.error) << row.path;
-        EXPECT_EQ(path ? path->text() : "", row.text);
+    for (const auto& [written, text, error] : rows) {
+        const auto path = parse_path(written);
+        EXPECT_EQ(path ? no_error : path.error(), error) << written;
+        EXPECT_EQ(path ? path->text() : "", text);
     }
 }
 
 TEST(WindowsPath, SearchPatternsFitAsOnNT) {
-    const struct {
-        const char* pattern;
-        const char* fitting;
-        const char* other;
-    } rows[] = {
-        {"*.*", "Docs", nullptr},      {"*", "a.b", nullptr},          {"Docs*.*", "docs", "Doc"},
-        {"*.lnk", "A.LNK", "lnk"},     {"*.lnk", "a.b.lnk", "a.lnk2"}, {"*.", "name", "name.x"},
-        {"a?c", "abc", "ac"},          {"ab??", "ab", "abcde"},        {"a?.txt", "a.txt", "abc.txt"},
-        {"*a*b*c*", "xxaybzc", "acb"}, {"?.?", "a.b", "aa.b"},         {"NTUSER.DAT", "ntuser.dat", "ntuser"},
+    const std::tuple<const char*, const char*, const char*> rows[] = {
+        {"*.*", "Docs", ""},
+        {"*", "a.b", ""},
+        {"Docs*.*", "docs", "Doc"},
+        {"*.lnk", "A.LNK", "lnk"},
+        {"*.lnk", "a.b.lnk", "a.lnk2"},
+        {"*.", "name", "name.x"},
+        {"a?c", "abc", "ac"},
+        {"ab??", "ab", "abcde"},
+        {"a?.txt", "a.txt", "abc.txt"},
+        {"*a*b*c*", "xxaybzc", "acb"},
+        {"?.?", "a.b", "aa.b"},
+        {"NTUSER.DAT", "ntuser.dat", "ntuser"},
     };
-    for (const auto& row : rows) {
-        EXPECT_TRUE(fits(row.fitting, row.pattern)) << row.pattern << " " << row.fitting;
-        EXPECT_FALSE(row.other && fits(row.other, row.pattern)) << row.pattern << " " << row.other;
+    for (const auto& [pattern, fitting, other] : rows) {
+        EXPECT_TRUE(fits(fitting, pattern)) << pattern << " " << fitting;
+        EXPECT_FALSE(*other && fits(other, pattern)) << pattern << " " << other;
     }
     const std::string stars = "*a*a*a*a*a*a*a*a*a*a*a*a*a*a*a*a*a*a*a*a*b";
     EXPECT_FALSE(fits(std::string(250, 'a'), stars)) << "and that without trying every way";
@@ -133,10 +123,7 @@ TEST(CommandLine, IsTakenApartAsWindowsDoesIt) {
     EXPECT_EQ(rest_of_command_line(module, module), "");
     EXPECT_EQ(rest_of_command_line(module + "x /icon", module), "Files\\Lock\\britlock.exex /icon")
         << "another program";
-    const struct {
-        const char* rest;
-        const char* arguments;
-    } rows[] = {
+    const std::pair<const char*, const char*> rows[] = {
         {"load \"C:\\a b\\N.DAT\" HKU\\Anna", "<load><C:\\a b\\N.DAT><HKU\\Anna>"},
         {"unload HKU\\two words", "<unload><HKU\\two><words>"},
         {"a\"b c\"d  \"\"\t e", "<ab cd><><e>"},
@@ -144,6 +131,6 @@ TEST(CommandLine, IsTakenApartAsWindowsDoesIt) {
         {"\"open to the end", "<open to the end>"},
         {"", ""},
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(joined(split_arguments(row.rest)), row.arguments) << row.rest;
+    for (const auto& [rest, arguments] : rows)
+        EXPECT_EQ(joined(split_arguments(rest)), arguments) << rest;
 }

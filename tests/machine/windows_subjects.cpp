@@ -33,11 +33,8 @@ struct WindowsSubject : Subject {
 
     Machine machine() override { return windows.machine(); }
     void add_file(const std::string& path, const std::string& bytes) override {
-        std::string place = "C:\\";
-        for (const char c : path) {
-            if (c == '/') CreateDirectoryA(place.c_str(), nullptr);
-            place += c == '/' ? '\\' : c;
-        }
+        const std::string place = "C:\\" + path;
+        make_folder(place.substr(0, place.find_last_of("\\/")));
         EXPECT_EQ(windows.machine().files.write(place, bytes), no_error) << place;
     }
     void add_empty_drive() override {}  // it has one

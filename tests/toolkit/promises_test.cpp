@@ -278,7 +278,7 @@ TEST_F(Promise, BoxInsideAClickMovesNoFocus) {
                                      .buttons = Buttons::yes_no,
                                      .default_answer = Answer::no});
     };
-    person->at_next_box("Esc Tab Return");  // this box cannot be left by Esc
+    person->at_next_box("Esc Left Return");  // this box cannot be left by Esc
     person->click(gallery->apply);
     EXPECT_EQ(answer, Answer::yes);
     EXPECT_EQ(person->box.title, "Delete");

@@ -17,37 +17,29 @@ struct Moved {
 };
 
 // Between the comparison and the moves nothing touches the flags.
-#define CONDITIONAL_MOVES(cc)                                                                              \
-    [](uint32_t a, uint32_t b) {                                                                           \
-        Moved moved{old_value, old_value, old_value, 0};                                                   \
-        const uint32_t source = new_value;                                                                 \
-        asm("cmpl %[b], %[a]\n\t"                                                                          \
-            "cmov" cc                                                                                      \
-            " %[r], %[one]\n\t"                                                                            \
-            "cmov" cc                                                                                      \
-            " %[m], %[two]\n\t"                                                                            \
-            "cmov" cc                                                                                      \
-            " %w[r], %w[three]\n\t"                                                                        \
-            "set" cc " %[flag]"                                                                            \
-            : [one] "+&r"(moved.from_register), [two] "+&r"(moved.from_memory), [three] "+&r"(moved.half), \
-              [flag] "=m"(moved.condition)                                                                 \
-            : [a] "r"(a), [b] "m"(b), [r] "r"(source), [m] "m"(source)                                     \
-            : "cc");                                                                                       \
-        return moved;                                                                                      \
-    }
+// clang-format off
+#define CONDITION(cc)                                                                                                  \
+    {cc, [](uint32_t a, uint32_t b) {                                                                                  \
+        Moved moved{old_value, old_value, old_value, 0};                                                               \
+        const uint32_t source = new_value;                                                                             \
+        asm("cmpl %[b], %[a]\n\tcmov" cc " %[r], %[one]\n\tcmov" cc " %[m], %[two]\n\tcmov" cc " %w[r], %w[three]\n\t"   \
+            "set" cc " %[flag]"                                                                                        \
+            : [one] "+&r"(moved.from_register), [two] "+&r"(moved.from_memory), [three] "+&r"(moved.half),             \
+              [flag] "=m"(moved.condition)                                                                             \
+            : [a] "r"(a), [b] "m"(b), [r] "r"(source), [m] "m"(source)                                                 \
+            : "cc");                                                                                                   \
+        return moved;                                                                                                  \
+    }}
 
 struct Condition {
     const char* name;
     Moved (*run)(uint32_t, uint32_t);
 };
 const Condition conditions[] = {
-    {"o", CONDITIONAL_MOVES("o")},   {"no", CONDITIONAL_MOVES("no")}, {"b", CONDITIONAL_MOVES("b")},
-    {"ae", CONDITIONAL_MOVES("ae")}, {"e", CONDITIONAL_MOVES("e")},   {"ne", CONDITIONAL_MOVES("ne")},
-    {"be", CONDITIONAL_MOVES("be")}, {"a", CONDITIONAL_MOVES("a")},   {"s", CONDITIONAL_MOVES("s")},
-    {"ns", CONDITIONAL_MOVES("ns")}, {"p", CONDITIONAL_MOVES("p")},   {"np", CONDITIONAL_MOVES("np")},
-    {"l", CONDITIONAL_MOVES("l")},   {"ge", CONDITIONAL_MOVES("ge")}, {"le", CONDITIONAL_MOVES("le")},
-    {"g", CONDITIONAL_MOVES("g")},
-};
+    CONDITION("o"), CONDITION("no"), CONDITION("b"), CONDITION("ae"), CONDITION("e"), CONDITION("ne"), CONDITION("be"),
+    CONDITION("a"), CONDITION("s"), CONDITION("ns"), CONDITION("p"), CONDITION("np"), CONDITION("l"), CONDITION("ge"),
+    CONDITION("le"), CONDITION("g")};
+// clang-format on
 
 TEST(OlderProcessors, ConditionalMovesFollowTheFlags) {
     for (const Condition& condition : conditions) {
@@ -97,19 +89,20 @@ TEST(OlderProcessors, ComparisonsOfFractionsSetTheFlags) {
     }
 }
 
-#define FRACTION_MOVE(cc, set)                                                                        \
-    [](uint32_t a, uint32_t b) {                                                                      \
-        double result = 1.5;                                                                          \
-        const double source = 2.5;                                                                    \
-        uint8_t condition = 0;                                                                        \
-        asm volatile("fldl %[s]\n\tfldl %[d]\n\tcmpl %[b], %[a]\n\tfcmov" cc " %%st(1), %%st\n\t" set \
-                     " %[c]\n\t"                                                                      \
-                     "fstpl %[d]\n\tfstp %%st"                                                        \
-                     : [d] "+m"(result), [c] "=m"(condition)                                          \
-                     : [s] "m"(source), [a] "r"(a), [b] "m"(b)                                        \
-                     : "cc", "st", "st(1)");                                                          \
-        return result == (condition ? 2.5 : 1.5);                                                     \
+// clang-format off
+#define FRACTION_MOVE(cc, set)                                                                                         \
+    [](uint32_t a, uint32_t b) {                                                                                       \
+        double result = 1.5;                                                                                           \
+        const double source = 2.5;                                                                                     \
+        uint8_t condition = 0;                                                                                         \
+        asm volatile("fldl %[s]\n\tfldl %[d]\n\tcmpl %[b], %[a]\n\tfcmov" cc " %%st(1), %%st\n\t" set " %[c]\n\t"           \
+                     "fstpl %[d]\n\tfstp %%st"                                                                         \
+                     : [d] "+m"(result), [c] "=m"(condition)                                                           \
+                     : [s] "m"(source), [a] "r"(a), [b] "m"(b)                                                         \
+                     : "cc", "st", "st(1)");                                                                           \
+        return result == (condition ? 2.5 : 1.5);                                                                      \
     }
+// clang-format on
 
 TEST(OlderProcessors, FractionsMoveByTheFlags) {
     bool (*const kinds[])(uint32_t, uint32_t) = {FRACTION_MOVE("b", "setb"),   FRACTION_MOVE("e", "sete"),

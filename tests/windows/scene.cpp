@@ -3,7 +3,12 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <shlwapi.h>
+
 #include <cstring>
+#include <filesystem>
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -22,26 +27,15 @@ void enable_backup() {
     CloseHandle(token);
 }
 
-void remove_key_below(HKEY above, const char* name) {
-    HKEY key = nullptr;
-    if (RegOpenKeyExA(above, name, 0, KEY_READ, &key) != ERROR_SUCCESS) return;
-    char below[256] = {};
-    while (RegEnumKeyA(key, 0, below, sizeof below) == ERROR_SUCCESS)
-        remove_key_below(key, below);
-    RegCloseKey(key);
-    EXPECT_EQ(RegDeleteKeyA(above, name), ERROR_SUCCESS) << name;
-}
-
 }  // namespace
 
 void make_anna(const std::string& profiles) {
-    make_folder(profiles);
     make_folder(profiles + "\\Anna");
     HKEY key = nullptr;
     ASSERT_EQ(RegCreateKeyA(HKEY_CURRENT_USER, "Lock of the tests\\Software", &key), ERROR_SUCCESS);
     RegCloseKey(key);
     save_key(machine::Root::current_user, "Lock of the tests", profiles + "\\Anna\\NTUSER.DAT");
-    remove_key_below(HKEY_CURRENT_USER, "Lock of the tests");
+    remove_key(machine::Root::current_user, "Lock of the tests");
 }
 
 void save_key(machine::Root root, const std::string& key, const std::string& file) {
@@ -53,25 +47,13 @@ void save_key(machine::Root root, const std::string& key, const std::string& fil
     RegCloseKey(opened);
 }
 
-void make_folder(const std::string& path) { CreateDirectoryA(path.c_str(), nullptr); }
+void make_folder(const std::string& path) { fs::create_directories(path); }
 
 void remove_folder(const std::string& path) {
-    WIN32_FIND_DATAA data{};
-    const HANDLE search = FindFirstFileA((path + "\\*").c_str(), &data);
-    if (search == INVALID_HANDLE_VALUE) return;
-    do {
-        const std::string name = data.cFileName;
-        const std::string below = path + "\\" + name;
-        if (name == "." || name == "..") continue;
-        SetFileAttributesA(below.c_str(), FILE_ATTRIBUTE_NORMAL);
-        if (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
-            remove_folder(below);
-        } else {
-            DeleteFileA(below.c_str());
-        }
-    } while (FindNextFileA(search, &data));
-    FindClose(search);
-    RemoveDirectoryA(path.c_str());
+    if (!fs::exists(path)) return;
+    for (const auto& entry : fs::recursive_directory_iterator(path))
+        fs::permissions(entry, fs::perms::owner_write, fs::perm_options::add);
+    fs::remove_all(path);
 }
 
 std::string stored(machine::Root root, const std::string& key, const char* value) {
@@ -88,9 +70,7 @@ std::string stored(machine::Root root, const std::string& key, const char* value
     return type == REG_DWORD ? "dword " + std::to_string(number) : reinterpret_cast<const char*>(data);
 }
 
-void remove_key(machine::Root root, const std::string& key) {
-    remove_key_below(handle_of(root), key.c_str());
-}
+void remove_key(machine::Root root, const std::string& key) { SHDeleteKeyA(handle_of(root), key.c_str()); }
 
 std::string short_name(const std::string& path) {
     char buffer[MAX_PATH] = {};
