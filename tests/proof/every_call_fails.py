@@ -4,6 +4,7 @@ next Apply must heal what is left.
 
 usage: every_call_fails.py BIN_FOLDER [STRIDE]      one case in so many, otherwise BRITLOCK_CASES or 600 of all, evenly
 """
+import glob
 import os
 import re
 import shutil
@@ -63,45 +64,44 @@ def make_set():
                   + ones(10) + b'"1","2"\r\n"C:\\"\r\n')
 
 
-def content(file):
-    """Keys and values as another reader sees them, without times; None where it cannot."""
+def content():
+    """Keys and values of the hive as another reader sees them, without times; None where it cannot."""
     def walk(reader, node):
         values = sorted((reader.value_key(v), reader.value_value(v)) for v in reader.node_values(node))
         return reader.node_name(node), values, [walk(reader, child) for child in reader.node_children(node)]
     try:
-        reader = hivex.Hivex(file)
+        reader = hivex.Hivex(hive)
         return walk(reader, reader.root())
     except RuntimeError:
         return None
 
 
-def fresh():
-    for place in (disk, state):
-        shutil.rmtree(place, ignore_errors=True)
-        shutil.copytree(folder + "/fresh" + place[len(folder):], place, symlinks=True)
+def copy(to, of):
+    for name in ("/disk", "/state"):
+        shutil.rmtree(to + name, ignore_errors=True)
+        shutil.copytree(of + name, to + name, symlinks=True)
 
 
 def apply(process=None, inject=()):
     words = [tools + "/britlock", "apply", folder + "/set.brl", "--user", "Anna", "--machine", disk, "--state", state,
              "--password-fd", "0"]
     trace = folder + "/trace"
-    for name in os.listdir(folder):
-        if name.startswith("trace."):
-            os.remove(folder + "/" + name)
+    for old_trace in glob.glob(trace + ".*"):
+        os.remove(old_trace)
     environment = dict(os.environ, TRACED=process or "", TRACE=trace, INJECT=" ".join(inject))
     if process == "program":
         words = ["strace", "-o", trace, *inject, *words]
     try:
         done = subprocess.run(words, input=password + "\n", text=True, capture_output=True, env=environment, timeout=60)
-        return done.returncode, done.stdout + done.stderr
     except subprocess.TimeoutExpired:
         return None, "it hangs"
+    return done.returncode, done.stdout + done.stderr
 
 
 def calls_of(process):
     """How often each system call is made after the process is itself."""
     while True:
-        fresh()
+        copy(folder, folder + "/fresh")
         apply(process)
         calls = re.findall(r"^(?:\d+ +)?(\w+)\(", open(folder + "/trace").read(), re.MULTILINE)
         # The one that loads reads the hive. The second tool is started while the first begins, and may overtake it.
@@ -115,16 +115,15 @@ def cases():
             if call in NEVER:
                 continue
             for n in range(1, count + 1):
-                for error in ERRORS.get(call, ("EIO",)):
-                    yield process, "%s:error=%s:when=%d" % (call, error, n)
-                    yield process, "%s:error=%s:when=%d+" % (call, error, n)
                 yield process, "%s:signal=KILL:when=%d" % (call, n)
+                for error in ERRORS.get(call, ("EIO",)):
+                    yield from ((process, "%s:error=%s:when=%d%s" % (call, error, n, lasting)) for lasting in ("", "+"))
 
 
 def fault_of(process, injected, old, new):
-    fresh()
+    copy(folder, folder + "/fresh")
     code, said = apply(process, ("-e", "inject=" + injected))
-    found = content(hive)
+    found = content()
     if code is None:
         return said, ""
     # A run-time error ends the writing half-way, and what is written till then stands.
@@ -138,7 +137,7 @@ def fault_of(process, injected, old, new):
     end = "new" if found == new else "old" if found == old else "half new"
     results[(process, "KILL" if "KILL" in injected else "error", code, end)] += 1
     code, said = apply()
-    if code != 0 or content(hive) != new:
+    if code != 0 or content() != new:
         return "the next Apply does not heal it: exit code %d" % code, said
     left = [name for name in os.listdir(profile) if name.startswith(".brightlock")]
     left += [name for place in os.walk(state + "/mounts") for name in place[2]]
@@ -153,13 +152,9 @@ try:
     set_password()
     make_tool()
     make_set()
-    os.mkdir(folder + "/fresh")
-    for place in (disk, state):
-        shutil.copytree(place, folder + "/fresh" + place[len(folder):])
-    old = content(hive)
-    assert apply()[0] == 0, "the Apply itself"
-    new = content(hive)
-    assert old and new and old != new
+    copy(folder + "/fresh", folder)
+    old, (code, said), new = content(), apply(), content()
+    assert code == 0 and old and new and old != new, said
     every = list(cases())
     stride = int(sys.argv[2]) if len(sys.argv) > 2 else max(1, len(every) // int(os.environ.get("BRITLOCK_CASES", 600)))
     for process, injected in every[::stride]:
