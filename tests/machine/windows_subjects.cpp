@@ -34,7 +34,7 @@ struct WindowsSubject : Subject {
     Machine machine() override { return windows.machine(); }
     void add_file(const std::string& path, const std::string& bytes) override {
         const std::string place = "C:\\" + path;
-        make_folder(place.substr(0, place.find_last_of("\\/")));
+        make_folder(std::filesystem::path(place).parent_path().string());
         EXPECT_EQ(windows.machine().files.write(place, bytes), no_error) << place;
     }
     void add_empty_drive() override {}  // it has one

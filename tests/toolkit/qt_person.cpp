@@ -125,7 +125,10 @@ class QtPerson : public Person {
                 for (const QAbstractButton* button : message->buttons())
                     box.buttons.push_back(ansi_text(button->text()));
             }
-            press(keys);
+            const size_t last = keys.rfind(' ') + 1;
+            press(keys.substr(0, last));
+            EXPECT_TRUE(dialog.isVisible());
+            press(keys.substr(last));
         });
     }
     void wait() override {

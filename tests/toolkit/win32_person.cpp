@@ -24,8 +24,8 @@ LRESULT ask(const Control& control, UINT id, WPARAM w = 0, LPARAM l = 0) {
 
 const std::map<std::string, BYTE> codes = {{"Tab", VK_TAB},     {"Return", VK_RETURN}, {"Esc", VK_ESCAPE},
                                            {"Space", VK_SPACE}, {"Up", VK_UP},         {"Down", VK_DOWN},
-                                           {"Left", VK_LEFT},   {"Right", VK_RIGHT},   {"Del", VK_DELETE},
-                                           {"F1", VK_F1},       {"F4", VK_F4},         {"F10", VK_F10}};
+                                           {"Right", VK_RIGHT}, {"Del", VK_DELETE},    {"F1", VK_F1},
+                                           {"F4", VK_F4},       {"F10", VK_F10}};
 
 void move_key(BYTE code, DWORD flags) {
     keybd_event(code, static_cast<BYTE>(MapVirtualKeyA(code, 0)), flags, 0);
