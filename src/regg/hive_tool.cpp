@@ -22,16 +22,12 @@ using machine::ToolReport;
 constexpr auto usage = "the command is: load \"<file>\" HKU\\<name>, or: unload HKU\\<name>";
 
 /// The name behind HKU\, in the code page.
-Result<std::string> mount_name(const std::string& key) {
-    constexpr std::string_view root = "HKU\\";
+Result<std::string> name_of_mount(const std::string& key) {
     const auto ansi = text::from_utf8(key);
     if (!ansi) return Error{ErrorKind::invalid, "Windows cannot spell the key " + key + " in its code page"};
-    const std::string name = ansi->substr(std::min(root.size(), ansi->size()));
-    const bool below_users = text::equal_ignoring_case(ansi->substr(0, root.size()), root);
-    const bool plain = name.find('\\') == std::string::npos && text::up_to_nul(name) == name;
-    if (!below_users || name.empty() || !plain)
-        return Error{ErrorKind::invalid, key + " is not a key directly below HKU"};
-    return name;
+    const std::string_view name = machine::mount_name(*ansi);
+    if (name.empty()) return Error{ErrorKind::invalid, key + " is not a key directly below HKU"};
+    return std::string(name);
 }
 
 /// The file as the mount keeps it: a host path as it is, a Windows path in the code page.
@@ -146,7 +142,7 @@ Result<Done> work(Setting& setting, const std::vector<std::string>& words, Run& 
     const bool loads = words.size() == 3 && words[0] == "load";
     const bool unloads = words.size() == 2 && words[0] == "unload";
     if (!loads && !unloads) return Error{ErrorKind::invalid, usage};
-    const auto name = mount_name(words.back());
+    const auto name = name_of_mount(words.back());
     if (!name) return name.error();
     report.verb = loads ? ToolReport::Verb::load : ToolReport::Verb::unload;
     report.name = *name;

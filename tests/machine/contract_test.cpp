@@ -102,6 +102,8 @@ TEST_P(Contract, UsersRootHoldsMountedHivesOnly) {
     const std::string hive = "C:\\Documents and Settings\\Anna\\NTUSER.DAT";
     EXPECT_EQ(files_.open_binary(hive).error, permission_denied);
     EXPECT_EQ(content(files_, hive), "error 70") << "not even to look at";
+    EXPECT_EQ(files_.write(hive, "x"), permission_denied);
+    EXPECT_EQ(files_.remove(hive), permission_denied);
     EXPECT_EQ(registry_.create_key(Root::users, "anna\\software"), Registry::Disposition::opened);
     EXPECT_EQ(registry_.create_key(Root::users, "Ben\\Software"), Registry::Disposition::failed);
     EXPECT_EQ(registry_.delete_key(Root::users, "Anna"), access_denied);
@@ -116,13 +118,23 @@ TEST_P(Contract, UsersRootHoldsMountedHivesOnly) {
     EXPECT_EQ(ask(Root::users, "Anna\\Software\\Lock", "a"), "dword 7") << "the changes came back";
 }
 
-TEST_P(Contract, HiveToolRefusesWhatItCannotDo) {
-    for (const char* arguments :
-         {"", "load", "load \"C:\\MSDOS.SYS\" HKU\\Anna", "load \"C:\\none\" HKU\\Anna",
-          "unload HKU\\two words", "load \"C:\\Documents and Settings\\Anna\\NTUSER.DAT\" HKLM\\Anna"})
-        EXPECT_EQ(tool(arguments), 1u) << arguments;
+TEST_P(Contract, HiveToolTakesItsTwoCommandsAndNothingElse) {
+    const std::string load = "load \"C:\\Documents and Settings\\Anna\\NTUSER.DAT\" ";
+    for (const std::string& wrong :
+         {std::string(""), std::string("load"), load + "HKLM\\Anna", load + "Anna", load + "HKU\\",
+          load + "HKU\\Anna\\Software", load + "HKU\\Anna more",
+          std::string("load \"C:\\MSDOS.SYS\" HKU\\Anna"), std::string("load \"C:\\none\" HKU\\Anna")}) {
+        EXPECT_EQ(tool(wrong), 1u) << wrong;
+        EXPECT_EQ(subkeys(Root::users, "Anna"), "259") << wrong;
+    }
+    EXPECT_EQ(tool(load + "hku\\Anna"), 0u);
+    for (const char* wrong : {"unload HKU\\Other HKU\\Anna", "unload Anna", "unload", "load HKU\\Anna", ""}) {
+        EXPECT_EQ(tool(wrong), 1u) << wrong;
+        EXPECT_NE(ask(Root::users, "Anna\\Software", ""), "open 2") << wrong;
+    }
+    EXPECT_EQ(tool("unload \"HKU\\Anna\""), 0u);
+    EXPECT_EQ(tool("unload HKU\\Anna"), 1u);
     EXPECT_EQ(run_command(subject_->machine().processes, "\"C:\\none.exe\" x"), 1000u + no_such_file);
-    EXPECT_EQ(subkeys(Root::users, "Anna"), "259");
 }
 
 TEST_P(Contract, FilesAnswerWithWindowsErrors) {

@@ -1,7 +1,5 @@
 // What only the machine on disk must withstand: a disk that its users have written to.
 
-#include <fcntl.h>
-#include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 
@@ -126,17 +124,6 @@ TEST_F(Disk, NamesThatWindowsCannotSpellAreLeftAlone) {
     write_bytes(folder / "same.lnk", "lower");
     EXPECT_EQ(content(files(), "C:\\School\\Icons\\same.lnk"), "lower") << "the exact spelling comes first";
     EXPECT_EQ(content(files(), "C:\\School\\Icons\\SaMe.lnk"), "upper") << "else always the same one";
-}
-
-TEST_F(Disk, WhatAnotherProgramLocksIsInUse) {
-    const std::string hive = windows_hive_of("Anna");
-    const Descriptor other(::open(hive_of("Anna").c_str(), O_RDONLY));
-    ASSERT_EQ(flock(other.number(), LOCK_EX), 0);
-    EXPECT_EQ(files().open_binary(hive).error, permission_denied);
-    EXPECT_EQ(files().write(hive, "x"), permission_denied);
-    EXPECT_EQ(files().remove(hive), permission_denied);
-    ASSERT_EQ(flock(other.number(), LOCK_UN), 0);
-    EXPECT_EQ(files().open_binary(hive).error, no_error);
 }
 
 TEST(Installation, TellsWhatItIs) {

@@ -1,5 +1,7 @@
 #include <windows.h>
 
+#include <filesystem>
+
 #include "machine/memory_subject.h"
 #include "machine/windows/windows_machine.h"
 #include "windows/scene.h"

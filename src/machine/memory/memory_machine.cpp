@@ -3,6 +3,7 @@
 #include "base/product.h"
 #include "base/text.h"
 #include "machine/command_line.h"
+#include "machine/registry_path.h"
 
 namespace machine {
 
@@ -57,9 +58,8 @@ uint32_t MemoryProcesses::run_hive_tool(const std::vector<std::string>& argument
     const bool load = arguments.size() == 3 && arguments[0] == "load";
     const bool unload = arguments.size() == 2 && arguments[0] == "unload";
     if (!load && !unload) return 1;
-    const std::string_view key = arguments.back();
-    if (!text::equal_ignoring_case(key.substr(0, 4), "HKU\\")) return 1;
-    const std::string_view name = key.substr(4);
+    const std::string_view name = mount_name(arguments.back());
+    if (name.empty()) return 1;
     if (unload) return registry_.unmount(name) ? 0 : 1;
     const auto hive = files_.hive(arguments[1]);
     const bool loadable =

@@ -4,8 +4,8 @@
 #include <string_view>
 #include <vector>
 
-#include "base/text.h"
 #include "machine/command_line.h"
+#include "machine/registry_path.h"
 
 /// The hive tool of the Windows edition: mounts a user's hive below HKEY_USERS, and unmounts it.
 namespace {
@@ -49,19 +49,11 @@ bool enable_privileges() {
     return restore && backup;
 }
 
-/// The name in HKU\name; empty where the key is none directly below HKEY_USERS.
-std::string mount_name(std::string_view key) {
-    constexpr std::string_view root = "HKU\\";
-    if (!text::equal_ignoring_case(key.substr(0, root.size()), root)) return "";
-    const std::string_view name = key.substr(root.size());
-    return name.find('\\') == std::string_view::npos ? std::string(name) : "";
-}
-
 int run(const std::vector<std::string>& words) {
     const bool loads = words.size() == 3 && words[0] == "load";
     const bool unloads = words.size() == 2 && words[0] == "unload";
     if (!loads && !unloads) return complain(usage);
-    const std::string name = mount_name(words.back());
+    const std::string name(machine::mount_name(words.back()));
     if (name.empty()) return complain(words.back() + " is not a key directly below HKU");
     if (!enable_privileges()) return complain("this account has no right to load and unload hives");
     const LONG code = loads ? RegLoadKeyA(HKEY_USERS, name.c_str(), words[1].c_str())
