@@ -1,6 +1,5 @@
 #include "regg/hive_tool.h"
 
-#include <algorithm>
 #include <new>
 
 #include "base/text.h"

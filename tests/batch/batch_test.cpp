@@ -12,7 +12,6 @@
 #include "platform/product_setup.h"
 #include "program/world.h"
 
-namespace britlock {
 namespace {
 
 using Words = std::vector<std::string>;
@@ -267,4 +266,3 @@ TEST_F(BatchCommand, TellsAWrongCall) {
 }
 
 }  // namespace
-}  // namespace britlock

@@ -4,8 +4,6 @@
 #include "program/random_marks.h"
 #include "program/world.h"
 
-namespace britlock {
-
 /// Sets of marks, each saved, and loaded by a program started anew, which `reread` does.
 template <class Reread>
 void expect_round_trips(Person& person, uint32_t seed, uint32_t count, const Reread& reread) {
@@ -44,5 +42,3 @@ TEST(RoundTrip, OnRealHives) {
         EXPECT_TRUE(regf::validate(regf::read_file(w.hive())).empty());
     }
 }
-
-}  // namespace britlock

@@ -5,7 +5,6 @@
 #include "program/world.h"
 #include "regf/image.h"
 
-namespace britlock {
 namespace {
 
 using hostfile::FileLock;
@@ -155,4 +154,3 @@ TEST(RealHives, OnlyAFileThatSomebodyHoldsIsInUse) {
 }
 
 }  // namespace
-}  // namespace britlock

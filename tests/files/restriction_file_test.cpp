@@ -7,7 +7,6 @@
 #include "program/random_marks.h"
 #include "program/world.h"
 
-namespace britlock {
 namespace {
 
 /// The number of the run-time error that reading ends in; 0: none.
@@ -229,4 +228,3 @@ TEST_F(FileCommands, ThatFailLeaveTheMarksAsTheyWere) {
 }
 
 }  // namespace
-}  // namespace britlock

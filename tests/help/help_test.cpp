@@ -9,7 +9,8 @@
 #include "engine/catalogue.h"
 #include "machine/memory/memory_machine.h"
 
-namespace britlock {
+using namespace britlock;
+
 namespace {
 
 using namespace machine;
@@ -59,4 +60,3 @@ TEST(HelpViewer, ExplainsEachBoxOnItsPageByItsCaption) {
 }
 
 }  // namespace
-}  // namespace britlock

@@ -6,7 +6,6 @@
 #include "program/world.h"
 #include "ui/update_form.h"
 
-namespace britlock {
 namespace {
 
 struct Web : Test {
@@ -94,4 +93,3 @@ TEST_F(Web, TheUpdateWalksTheWholeRoad) {
 }
 
 }  // namespace
-}  // namespace britlock

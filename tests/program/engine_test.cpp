@@ -2,7 +2,6 @@
 
 #include "program/world.h"
 
-namespace britlock {
 namespace {
 
 constexpr const char* registration_key = "Software\\Microsoft\\Windows NT\\CurrentVersion";
@@ -217,4 +216,3 @@ TEST(Engine, TheStartShowsTheRunningAccountByEmptyPaths) {
 }
 
 }  // namespace
-}  // namespace britlock

@@ -5,7 +5,7 @@
 #include "toolkit/headless/headless_toolkit.h"
 #include "users/hiver_mod.h"
 
-namespace britlock {
+using namespace britlock;
 
 using namespace machine;
 
@@ -35,5 +35,3 @@ TEST(WithoutAWindow, EachUserIsRestrictedAloneAndAMissingOneIsAnOutcome) {
     EXPECT_EQ(sets["Ben"].programs, std::vector<std::string>{"BRITLOCK.EXE"});
     EXPECT_TRUE(screen.boxes.empty());
 }
-
-}  // namespace britlock

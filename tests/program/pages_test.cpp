@@ -1,7 +1,6 @@
 #include "program/world.h"
 #include "ui/verzeichnis.h"
 
-namespace britlock {
 namespace {
 
 struct Pages : Test, WithAnna {
@@ -281,4 +280,3 @@ TEST_F(Pages, TheProfileFolderIsGuardedByTwoQuestions) {
 }
 
 }  // namespace
-}  // namespace britlock

@@ -130,3 +130,5 @@ struct Person {
 };
 
 }  // namespace britlock
+
+using namespace britlock;

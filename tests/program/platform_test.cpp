@@ -10,7 +10,7 @@
 #include "platform/numbers.h"
 #include "platform/registry_mod.h"
 
-namespace britlock {
+using namespace britlock;
 
 static_assert(HKEY_CURRENT_USER == machine::Root::current_user);
 static_assert(HKEY_LOCAL_MACHINE == machine::Root::local_machine);
@@ -42,5 +42,3 @@ TEST(WindowsFamily, IsToldByPlatformVersionAndBuild) {
         EXPECT_EQ(family_of(version).nt, version.platform == 2 && version.major < 6) << name;
     }
 }
-
-}  // namespace britlock

@@ -1,7 +1,6 @@
 #include "program/world.h"
 #include "ui/update_form.h"
 
-namespace britlock {
 namespace {
 
 constexpr const char* run_key = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
@@ -187,4 +186,3 @@ TEST_F(OnlineUpdate, IsClosedByWhatCannotBeWrittenAndByThePersonAmidTheDownload)
 }
 
 }  // namespace
-}  // namespace britlock

@@ -1,6 +1,5 @@
 #include "program/world.h"
 
-namespace britlock {
 namespace {
 
 const std::string profiles = "C:\\Documents and Settings\\";
@@ -148,4 +147,3 @@ TEST_F(Users, OfWindows9XIsOnlyWhoIsLoggedOn) {
 }
 
 }  // namespace
-}  // namespace britlock

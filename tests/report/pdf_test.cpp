@@ -17,7 +17,8 @@
 #include "toolkit/qt/printer.h"
 #include "toolkit/qt/qt_toolkit.h"
 
-namespace britlock {
+using namespace britlock;
+
 namespace {
 
 struct Pdf : testing::Test {
@@ -77,4 +78,3 @@ TEST_F(Pdf, IsOnlyMadeWhereItCanBe) {
 }
 
 }  // namespace
-}  // namespace britlock

@@ -2,7 +2,6 @@
 
 #include "program/world.h"
 
-namespace britlock {
 namespace {
 
 /// The lines of a document after one another, the marks of the printer shortened, a row that says no as a
@@ -65,4 +64,3 @@ TEST(Report, IsInTheLanguageOfTheWindowAndEndsTheProgramWithoutAPrinter) {
 }
 
 }  // namespace
-}  // namespace britlock

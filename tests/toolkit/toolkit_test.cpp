@@ -2,7 +2,6 @@
 
 #include "toolkit/file_filter.h"
 #include "toolkit/gallery.h"
-#include "toolkit/keyboard.h"
 #include "toolkit/script/script_toolkit.h"
 #include "toolkit/spoken.h"
 
@@ -82,23 +81,6 @@ TEST_F(Model, FocusMovesOnceAndLeavesAHiddenPage) {
     EXPECT_EQ(log(), "-ok +secret -secret +tab page 1");
 }
 
-TEST_F(Model, FormsLiveUntilTheEventEnds) {
-    Gallery other(screen, folders);
-    screen.act([&] { screen.show(other); });
-    bool released = false;
-    other.apply.on_click = [&] {
-        screen.set_focus(&other.name);
-        screen.unload(other, [&] { released = true; });
-        screen.process_events();
-        EXPECT_FALSE(released);
-    };
-    screen.meanwhile = [&] { other.apply.click(); };  // a form that is gone hears nothing
-    EXPECT_TRUE(screen.act([&] { other.apply.click(); }));
-    EXPECT_TRUE(released);
-    EXPECT_EQ(other.take_log(), "+apply -apply +name -name");
-    EXPECT_FALSE(screen.act([&] { screen.unload(gallery, {}); }));  // the last one
-}
-
 TEST_F(Model, HeadlessRunAnswersByDefault) {
     HeadlessToolkit nobody;
     Gallery form(nobody, folders);
@@ -117,28 +99,6 @@ TEST_F(Model, HeadlessRunAnswersByDefault) {
     EXPECT_EQ(nobody.boxes[0].title + ": " + nobody.boxes[0].text, "two: a\nb\nc");
     EXPECT_TRUE(nobody.boxes[1].text.starts_with("Run-time error '61'"));
     EXPECT_THROW(nobody.act([] {}), std::logic_error);
-}
-
-TEST_F(Model, KeysReachWhatCanBeUsed) {
-    const auto way = [this](Step step) {
-        std::string out;
-        for (const Control* at = nullptr; (at = next_stop(gallery, at, step));)
-            out += at->name() + " ";
-        return out;
-    };
-    EXPECT_EQ(way(Step::forward), "bar tab tick second grey name secret list combo apply cancel ok ");
-    EXPECT_EQ(button_for_enter(gallery, nullptr), &gallery.ok);
-    EXPECT_EQ(button_for_enter(gallery, &gallery.apply), &gallery.apply);
-    EXPECT_EQ(button_for_enter(gallery, &gallery.bar), nullptr);
-    EXPECT_EQ(button_for_escape(gallery), &gallery.cancel);
-    for (Control* control : std::initializer_list<Control*>{&gallery.ok, &gallery.cancel, &gallery.page1})
-        control->set_enabled(false);
-    gallery.combo.set_visible(false);
-    EXPECT_EQ(way(Step::back), "apply tab bar ");
-    EXPECT_EQ(next_stop(gallery, &gallery.combo, Step::forward), &gallery.apply) << "on from where it was";
-    EXPECT_EQ(button_for_enter(gallery, &gallery.name), nullptr);
-    EXPECT_EQ(button_for_enter(gallery, &gallery.ok), nullptr);
-    EXPECT_EQ(button_for_escape(gallery), nullptr);
 }
 
 TEST_F(Model, EverythingThatTakesTheFocusHasANameToSpeak) {

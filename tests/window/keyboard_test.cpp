@@ -20,7 +20,8 @@
 #include "ui/profile.h"
 #include "ui/verzeichnis.h"
 
-namespace britlock {
+using namespace britlock;
+
 namespace {
 
 using testing::IsEmpty;
@@ -195,7 +196,6 @@ TEST_P(Keyboard, OpensEveryMenu) {
 }
 
 }  // namespace
-}  // namespace britlock
 
 int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");

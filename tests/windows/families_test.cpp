@@ -13,7 +13,6 @@
 #include "startup/password.h"
 #include "windows/scene.h"
 
-namespace britlock {
 namespace {
 
 constexpr const char* system_policies = "Software\\Policies\\Microsoft\\Windows\\System";
@@ -165,4 +164,3 @@ TEST_F(OnWindows, TheRunAtLogonBringsTheIconsThatItMayNotDelete) {
 }
 
 }  // namespace
-}  // namespace britlock
