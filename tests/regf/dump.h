@@ -23,6 +23,12 @@ std::string dump(const Hive& hive);
 /// The same with time stamps, flags, class names and security descriptors.
 std::string full_dump(const Hive& hive);
 
+/// Why a call did not do it.
+template <class Result>
+std::optional<ErrorKind> failure(const Result& result) {
+    return result ? std::nullopt : std::optional(result.error().kind);
+}
+
 /// The image that a commit would write. Fails the test where the judge of commits passed what the slow one
 /// does not.
 Result<Bytes> sealed_image(Hive& hive, FileTime now);
