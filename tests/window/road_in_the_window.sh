@@ -32,17 +32,8 @@ started+=("$program")
 
 # Waits for a window of this exact title, and gives it the keyboard.
 window() {
-    local id
-    for _ in $(seq 100); do
-        id=$(xdotool search --onlyvisible --name "^$1\$" 2>/dev/null | tail -n 1) || true
-        if [ -n "$id" ]; then
-            xdotool windowactivate --sync "$id" 2>/dev/null || true
-            sleep 0.3
-            return
-        fi
-        sleep 0.1
-    done
-    fail "no window '$1'"
+    timeout 10 xdotool search --sync --onlyvisible --name "^$1\$" windowactivate --sync >/dev/null 2>&1 || fail "no window '$1'"
+    sleep 0.3
 }
 keys() { xdotool key --delay 40 "$@"; }
 # A click inside the active window, in its client area.
@@ -52,9 +43,7 @@ picture() { [ -z "$pictures" ] || import -window "$(xdotool getactivewindow)" "$
 window 'Set a Password !'
 keys Return
 window 'Set New Password'
-xdotool type --delay 30 'secret'
-keys Tab
-xdotool type --delay 30 'secret'
+keys s e c r e t Tab s e c r e t
 picture set-password
 keys Return
 window 'Password...'
