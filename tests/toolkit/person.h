@@ -22,6 +22,7 @@ class Person {
         std::istringstream words{std::string(keys)};
         for (std::string key; words >> key;)
             hit(key);
+        let_it_work();
     }
     /// Letter by letter, those that no keyboard has included.
     virtual void type(std::u16string_view text) = 0;
@@ -43,8 +44,8 @@ class Person {
     virtual std::string sees(const toolkit::Control& control) = 0;
     virtual bool is_on_screen(const toolkit::Control& control) = 0;
     virtual bool is_grey(const toolkit::Control& control) = 0;
-    /// Entries of the menu that is open, as "&Open|-|(&Grey)|"; hidden ones are not there.
-    virtual std::string sees_menu() = 0;
+    /// Entries of the form's first menu, as "&Open|-|(&Grey)|"; hidden ones are not there.
+    virtual std::string sees_menu(const toolkit::Form& form) = 0;
     /// Null: the keyboard is at none of the form's controls.
     virtual const toolkit::Control* keyboard(const toolkit::Form& form) = 0;
     /// 0xRRGGBB in the middle.
@@ -58,6 +59,8 @@ class Person {
   protected:
     /// A key by the name that stands on it in English; "Alt+N" with a letter, "Backtab" for Shift and Tab.
     virtual void hit(const std::string& key) = 0;
+    /// After the keys, where they wait until somebody fetches them.
+    virtual void let_it_work() {}
 };
 
 /// Made by the renderer's own part of the test program. `argc` and `argv` are those of main().

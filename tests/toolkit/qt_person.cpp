@@ -9,6 +9,7 @@
 #include <QListView>
 #include <QLoggingCategory>
 #include <QMenu>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTabBar>
@@ -151,10 +152,10 @@ class QtPerson : public Person {
     }
     bool is_on_screen(const Control& control) override { return widget_of(control).isVisible(); }
     bool is_grey(const Control& control) override { return !widget_of(control).isEnabled(); }
-    std::string sees_menu() override {
-        const auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    std::string sees_menu(const Form& form) override {
         std::string out;
-        for (const QAction* action : menu ? menu->actions() : QList<QAction*>()) {
+        for (const QAction* action :
+             window_of(form).findChild<QMenuBar*>()->actions().first()->menu()->actions()) {
             if (!action->isVisible()) continue;
             const std::string text = action->isSeparator() ? "-" : ansi_text(action->text());
             out += (action->isEnabled() || action->isSeparator() ? text : "(" + text + ")") + "|";

@@ -173,10 +173,6 @@ class Win32Person : public Person {
     Toolkit& screen() override { return screen_; }
 
     void type(std::u16string_view text) override {
-        if (std::exchange(menu_is_due_, false)) {
-            hit_key(VK_F10);
-            hit_key(VK_DOWN);
-        }
         for (const char16_t letter : text) {
             const SHORT key = letter < 0x80 ? VkKeyScanA(static_cast<char>(letter)) : static_cast<SHORT>(-1);
             if (key == -1) {
@@ -237,8 +233,9 @@ class Win32Person : public Person {
         return control.peer && IsWindowVisible(window_of(control));
     }
     bool is_grey(const Control& control) override { return !IsWindowEnabled(window_of(control)); }
-    std::string sees_menu() override {
-        return menu_is_due_ ? entries_of(GetSubMenu(GetMenu(GetActiveWindow()), 0)) : "";
+    std::string sees_menu(const Form& form) override {
+        HWND const window = static_cast<const win32::Window*>(form.peer)->handle();
+        return entries_of(GetSubMenu(GetMenu(window), 0));
     }
     const Control* keyboard(const Form& form) override {
         const Widget* widget = Widget::of(GetFocus());
@@ -257,16 +254,16 @@ class Win32Person : public Person {
             PostMessageA(GetFocus(), WM_KEYUP, codes.at(key), static_cast<LPARAM>(0xc0000001));
             return;
         }
-        menu_is_due_ = key == "F10";
-        if (menu_is_due_) return;
         if (key.starts_with("Alt+")) {
             hit_key(static_cast<BYTE>(key.back()), VK_MENU);
         } else if (key == "Backtab") {
             hit_key(VK_TAB, VK_SHIFT);
         } else {
-            hit_key(codes.at(key));
+            hit_key(key.size() == 1 ? static_cast<BYTE>(key.front()) : codes.at(key));
         }
-        screen_.process_events();
+    }
+    void let_it_work() override {
+        if (!at_box_) screen_.process_events();
     }
 
   private:
@@ -301,8 +298,6 @@ class Win32Person : public Person {
     Win32Toolkit screen_;
     std::string for_box_;
     bool at_box_ = false;
-    /// The menu bar's own loop would not let the test go on: the key that opens it waits for the next one.
-    bool menu_is_due_ = false;
 };
 
 }  // namespace
