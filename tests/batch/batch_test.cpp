@@ -1,8 +1,5 @@
 #include "batch/batch.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include "app/linux/batch_command.h"
 #include "batch/description.h"
 #include "files/random_set.h"

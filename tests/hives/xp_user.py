@@ -42,16 +42,7 @@ def noise(seed, length):
 
 PLACES = ["AppData", "Cache", "Cookies", "Desktop", "Favorites", "History", "NetHood", "Personal", "PrintHood", "Programs", "Recent",
           "SendTo", "Start Menu", "Startup", "Templates"]
-# Keys with a bit of everything in them, or with nothing.
-OTHERS = """Console|Control Panel\\Accessibility\\HighContrast|Control Panel\\Accessibility\\MouseKeys|Control Panel\\Appearance|
-Control Panel\\Colors|Control Panel\\Cursors|Control Panel\\International|Control Panel\\Mouse|Environment|
-Identities\\{6C1F4B0E-93D1-4E77-8E53-20AF1D5B7C11}|Keyboard Layout\\Preload|Keyboard Layout\\Toggle|Printers\\Connections|
-Printers\\DevModePerUser|Software\\Microsoft\\Internet Explorer\\Main|Software\\Microsoft\\Internet Explorer\\TypedURLs|
-Software\\Microsoft\\Windows NT\\CurrentVersion\\Devices|Software\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon|
-UNICODE Program Groups|Windows 3.1 Migration Status\\Groups""".replace("\n", "").split("|")
-CLASSES = {EXPLORER + "FileExts\\.txt\\OpenWithList": "Shell", EXPLORER + "RunMRU": "Shell",
-           "Software\\Intel": "Application User Data", "Software\\Intel\\Indeo": "Application User Data",
-           "AppEvents\\Schemes\\Apps\\Explorer": "Shell", EXPLORER + "MenuOrder\\Start Menu": "Menu order"}
+CLASSES = {EXPLORER + "RunMRU": "Shell", "Software\\Intel": "Application User Data", EXPLORER + "MenuOrder\\Start Menu": "Menu order"}
 
 
 def values():
@@ -63,6 +54,7 @@ def values():
     yield from (("Control Panel\\don't load", name, "No") for name in ("ncpa.cpl", "odbccp32.cpl"))
     yield "Control Panel\\Sound", "Beep", "yes"
     yield CURRENT + "Policies\\Explorer", "NoDriveTypeAutoRun", 0x91
+    yield MS + "Windows NT\\CurrentVersion\\Devices", "Fax", "winspool,Ne00:"
     yield CURRENT + "Run", "ctfmon.exe", "C:\\WINDOWS\\system32\\ctfmon.exe"
     for name in PLACES:
         yield EXPLORER + "Shell Folders", name, "C:\\Documents and Settings\\Anna\\" + name
@@ -70,16 +62,7 @@ def values():
     for number_, (where, name, length) in enumerate((("StartPage", "ProgramsCache", 19242), ("StartPage", "FavoritesResolve", 1600),
                                                      ("TrayNotify", "IconStreams", 5440), ("MenuOrder\\Start Menu", "Order", 1200))):
         yield EXPLORER + where, name, noise(number_, length)
-    for number_, where in enumerate(OTHERS):
-        yield where, "", ""
-        for i in range(number_ * 7 % 24):
-            yield where, "Value %d" % i, (i * i, "Text %d" % i, path("%%SystemRoot%%\\part%d" % i), noise(i, 40 * i))[i % 4]
-    for i in range(30):
-        yield "AppEvents\\EventLabels\\Sound%d" % i, "DispFileName", "@mmsys.cpl,-%d" % (5824 + i)
-        for scheme in (".Current", ".Default"):
-            yield "AppEvents\\Schemes\\Apps\\.Default\\Sound%d\\%s" % (i, scheme), "", path("%%SystemRoot%%\\media\\%d.wav" % i)
     for zone in range(5):
-        yield CURRENT + "Internet Settings\\Zones\\%d" % zone, "DisplayName", "Zone %d" % zone
         for action in range(0x1400, 0x1436):
             yield CURRENT + "Internet Settings\\Zones\\%d" % zone, "%X" % action, action % 4
     for number_ in range(45):
@@ -128,10 +111,9 @@ def xp_user():
     hive.key(MS + "Protected Storage System Provider\\S-1-5-21-1417001333-854245398-1801674531-1004", security=SECRET)
     for where, name in CLASSES.items():
         hive.key(where, class_name=name)
-    for store in ("ca", "disallowed", "trust", "TrustedPublisher"):
+    for place in ("Software\\Policies\\Microsoft\\SystemCertificates\\", MS + "SystemCertificates\\"):
         for part in ("Certificates", "CRLs", "CTLs"):
-            for place in ("Software\\Policies\\Microsoft\\SystemCertificates\\", MS + "SystemCertificates\\"):
-                hive.key(place + store + "\\" + part)
+            hive.key(place + "trust\\" + part)
     for where, name, value in values():
         hive.set(where, name, *(value if isinstance(value, tuple) else number(value) if isinstance(value, int) else text(value)))
     every_type(hive)

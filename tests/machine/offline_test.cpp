@@ -1,10 +1,6 @@
 // What only the machine on disk must withstand: a disk that its users have written to.
 
-#include <sys/mount.h>
-#include <sys/stat.h>
-
 #include <array>
-#include <csignal>
 #include <thread>
 
 #include "machine/hive_editing.h"

@@ -1,11 +1,6 @@
-#include <fcntl.h>
-#include <sys/file.h>
-#include <sys/stat.h>
 #include <sys/xattr.h>
-#include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
 #include <set>
 
 #include "regf/dump.h"

@@ -1,15 +1,10 @@
 // The hive tool as a program of its own: each of its messages, and what is left of a hive after each fault.
 
-#include <fcntl.h>
 #include <grp.h>
 #include <linux/fs.h>
-#include <sys/file.h>
 #include <sys/ioctl.h>
-#include <sys/mount.h>
-#include <sys/stat.h>
 
 #include <array>
-#include <csignal>
 
 #include "machine/hive_editing.h"
 #include "regg/hive_tool.h"
@@ -90,17 +85,6 @@ class HiveTool : public Test, public OfflineFixture {
 };
 
 }  // namespace
-
-TEST_F(HiveTool, LeavesAHiveThatNobodyChangedByteForByte) {
-    ASSERT_EQ(load("Anna"), 0u);
-    EXPECT_EQ(registry().create_key(Root::users, "Anna\\Software"), Registry::Disposition::opened);
-    const auto beep = registry().set(Root::users, "Anna\\Control Panel\\Sound", "Beep", text_value("yes"));
-    EXPECT_EQ(beep.action, success);
-    EXPECT_EQ(registry().delete_value(Root::users, "Anna\\Software", "none").action, file_not_found);
-    ASSERT_EQ(unload("Anna"), 0u);
-    EXPECT_EQ(bytes_of(anna), before);
-    EXPECT_TRUE(nothing_is_mounted());
-}
 
 TEST_F(HiveTool, WritesChangesOnceAndOnlyWhenItUnloads) {
     mount_with(1);
