@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 
+#include "internet/fetching.h"
 #include "internet/web_host.h"
 #include "program/world.h"
 #include "ui/update_form.h"
@@ -13,25 +14,6 @@ struct Web : Test {
     QCoreApplication application{count, nullptr};  // its loop is that of the web host too
     WebHost host;
     QtInternet internet{std::chrono::milliseconds(300)};
-
-    std::string fetched(const std::string& address) {
-        const auto page = internet.fetch(address);
-        return page ? *page : "error " + std::to_string(page.error());
-    }
-    /// The body as its reader gets it, the last code behind it.
-    std::string body(const std::string& address) {
-        const uint32_t handle = internet.open(address, "BL OpenUrl");
-        std::string all;
-        Internet::Chunk chunk;
-        do {
-            chunk = internet.read(handle, 200);
-            EXPECT_LE(chunk.bytes.size(), 200u);
-            all += chunk.bytes;
-        } while (!chunk.bytes.empty());
-        internet.close(handle);
-        EXPECT_EQ(internet.read(handle, 200).error, invalid_handle);
-        return all + " " + std::to_string(chunk.error);
-    }
 };
 
 TEST_F(Web, PagesComeAsTheyAre) {
@@ -39,9 +21,9 @@ TEST_F(Web, PagesComeAsTheyAre) {
     for (int i = 0; i < 20000; ++i)
         all_bytes += static_cast<char>(i * 7);
     host.pages = {{"/brit.txt", {"5.3.5\r\n"}}, {"/empty", {""}}, {"/file", {all_bytes}}};
-    EXPECT_EQ(fetched(host.address() + "/brit.txt"), "5.3.5\r\n");
-    EXPECT_EQ(fetched(host.address() + "/empty"), "");
-    EXPECT_EQ(body(host.address() + "/file"), all_bytes + " 0");
+    EXPECT_EQ(fetched(internet, host.address() + "/brit.txt"), "5.3.5\r\n");
+    EXPECT_EQ(fetched(internet, host.address() + "/empty"), "");
+    EXPECT_EQ(body(internet, host.address() + "/file"), all_bytes + " 0");
     EXPECT_THAT(host.requests.back(), AllOf(HasSubstr("User-Agent: BL OpenUrl\r\n"), HasSubstr("no-cache")));
 }
 
@@ -52,16 +34,16 @@ TEST_F(Web, FailuresAreCodes) {
     host.pages = {{"/cut", {std::string(500, 'x'), "200 OK", 900}},
                   {"/silent", {"", ""}},
                   {"/huge", {std::string(1 << 20, 'x')}}};
-    EXPECT_EQ(fetched(nobody), "error 12029");
-    EXPECT_EQ(fetched("http://host.invalid/"), "error 12007");
-    EXPECT_EQ(fetched(here + "/silent"), "error 12002");
-    EXPECT_EQ(fetched(here + "/none"), "error 12150");
-    EXPECT_EQ(fetched(here + "/cut"), "error 12030");
-    EXPECT_EQ(fetched(here + "/huge"), "error 12004") << "no page of the maker";
+    EXPECT_EQ(fetched(internet, nobody), "error 12029");
+    EXPECT_EQ(fetched(internet, "http://host.invalid/"), "error 12007");
+    EXPECT_EQ(fetched(internet, here + "/silent"), "error 12002");
+    EXPECT_EQ(fetched(internet, here + "/none"), "error 12150");
+    EXPECT_EQ(fetched(internet, here + "/cut"), "error 12030");
+    EXPECT_EQ(fetched(internet, here + "/huge"), "error 12004") << "no page of the maker";
     EXPECT_EQ(internet.open(nobody, "") + internet.open(here + "/silent", ""), 0u);
     EXPECT_EQ(internet.read(0, 200).error, invalid_handle);
-    EXPECT_EQ(body(here + "/cut"), std::string(500, 'x') + " 12030");
-    EXPECT_EQ(body(here + "/none"), "<h1>not here</h1> 0") << "the body of any answer can be read";
+    EXPECT_EQ(body(internet, here + "/cut"), std::string(500, 'x') + " 12030");
+    EXPECT_EQ(body(internet, here + "/none"), "<h1>not here</h1> 0") << "the body of any answer can be read";
 }
 
 /// By the true addresses, through a proxy as the person's system may name one.

@@ -1,11 +1,10 @@
 #include <algorithm>
 
 #include "regf/dump.h"
+#include "regf/whole_check.h"
 
 namespace regf {
 namespace {
-
-void repair_checksum(Bytes& image) { put32(image, base_block::checksum, base_block_checksum(image)); }
 
 /// Whatever the bytes are: an answer or a clean refusal; what may be edited can be sealed afterwards.
 void exercise(const Bytes& image) {

@@ -3,6 +3,7 @@
 #include <random>
 
 #include "regf/dump.h"
+#include "regf/names.h"
 #include "regf/random_edits.h"
 
 namespace regf {
@@ -174,6 +175,29 @@ TEST(Edits, MayPutAnythingWhereASecurityRecordLay) {
                 hive.set_value(hive.root(), std::u16string(1, name), {REG_BINARY, Bytes(size, 0xFF)}, 3));
         ASSERT_TRUE(sealed_image(hive, 4)) << size;
     }
+}
+
+TEST(Figures, AreThoseOfWindows) {
+    const auto of_stored = [](auto number, std::u16string_view name) {
+        const StoredName stored = store_name(name);
+        return number(NameView{stored.bytes, stored.compressed});
+    };
+    EXPECT_EQ(of_stored(name_hash, u"Control Panel"), 0xBD9CD7B9u);
+    EXPECT_EQ(of_stored(name_hash, u"\u00EBigenaardig"), 0x4B098ECEu);
+    EXPECT_EQ(of_stored(name_hash, u"\u041F\u0440\u0438\u0432\u0435\u0442"), 0x81C3D610u);
+    EXPECT_EQ(of_stored(name_hint, u"\u00EBigenaardig"), 0x656769EBu);
+    EXPECT_EQ(of_stored(name_hint, u"key\xD81D"), 0u);
+    const std::u16string ascending[] = {u"2",      u"3",       u"ss1",    u"SS3",
+                                        u"\u009F", u"\u00DF2", u"\u0178", u"\u0430"};
+    for (size_t i = 1; i < std::size(ascending); ++i)
+        EXPECT_LT(compare_names(ascending[i - 1], ascending[i]), 0) << i;
+    EXPECT_TRUE(same_name(u"\u00FF", u"\u0178"));
+    constexpr FileTime now = 130000000000000000;
+    Hive hive =
+        Hive::create({.minor_version = 3, .root_name = u"ROOT", .file_name = u"mini.dat", .now = now});
+    const Bytes smallest = *sealed_image(hive, now);
+    EXPECT_EQ(smallest.size(), 8192u);
+    EXPECT_EQ(get32(smallest, base_block::checksum), 0xCB77AF53u);
 }
 
 }  // namespace

@@ -226,5 +226,43 @@ TEST(Samples, OfUnfinishedWritesThatNothingCompletesAreRefused) {
     }
 }
 
+const std::string unfinished = MADE_HIVES "/recoverable/xp/hive";
+
+Bytes of_a_later_version(Bytes image) {
+    put32(image, base_block::minor, 6);
+    repair_checksum(image);
+    return image;
+}
+
+TEST(Recovery, DoesNotMakeAHiveOfALaterVersionWritable) {
+    auto hive = Hive::open(of_a_later_version(read_file(unfinished)),
+                           {{"LOG", of_a_later_version(read_file(unfinished + ".LOG"))}});
+    ASSERT_TRUE(hive) << hive.error().message;
+    EXPECT_TRUE(hive->recovered());
+    EXPECT_EQ(failure(sealed_image(*hive, 10)), ErrorKind::unsupported);
+}
+
+TEST(Recovery, OfAFileIsWrittenWithItsFirstChange) {
+    TemporaryFolder folder;
+    const HostPlace place = *hostfile::place_of(folder / "SYSTEM");
+    const Bytes dirty = read_file(unfinished);
+    write_file(place.path(), dirty);
+    write_file(folder / "system.Log1", read_file(unfinished + ".LOG"));
+    auto lock = FileLock::acquire(place);
+    ASSERT_TRUE(lock);
+    auto file = read_hive(place, *lock);
+    ASSERT_TRUE(file) << file.error().message;
+    EXPECT_TRUE(file->hive.recovered());
+    ASSERT_TRUE(commit(place, file->hive, file->identity, 10));
+    EXPECT_TRUE(read_file(place.path()) == dirty) << "who only looks changes nothing";
+    auto wanted = Hive::open(read_file(unfinished + ".recovered"));
+    for (Hive* hive : {&file->hive, &*wanted})
+        ASSERT_TRUE(hive->create(u"New", 9));
+    ASSERT_TRUE(commit(place, file->hive, file->identity, 10));
+    const Hive clean = *Hive::open(read_file(place.path()));
+    EXPECT_FALSE(clean.recovered());
+    EXPECT_EQ(full_dump(clean), full_dump(*wanted));
+}
+
 }  // namespace
 }  // namespace regf

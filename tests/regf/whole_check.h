@@ -3,14 +3,22 @@
 #include <memory>
 #include <string>
 
+#include "regf/bytes.h"
 #include "regf/examine.h"
 #include "regf/hive.h"
+#include "regf/layout.h"
 #include "regf/model.h"
 #include "sealed_memory/sealed_memory.h"
 
 namespace regf {
 
 inline Image image_of(ByteView bytes) { return Image(std::make_shared<Memory>(Memory::holding(bytes))); }
+
+/// Damage shall reach what lies behind the checksum.
+inline void repair_checksum(Bytes& image) {
+    if (image.size() >= base_block::checksum + 4)
+        put32(image, base_block::checksum, base_block_checksum(image));
+}
 
 /// The slow judge of a commit: all of the new image against the rules, and all of its tree against that of
 /// the old one with the changes made. Empty, or what is wrong.
