@@ -118,6 +118,9 @@ class Small(Hive):
 
 TOLERATED = {
     "count-of-security-too-high": lambda h: h.put(h.securities[OWN][0], 12, 99),
+    "count-of-security-turns-negative": lambda h: h.put(h.securities[OWN][0], 12, 0x7FFFFFFF),
+    "count-of-security-wraps": lambda h: h.put(h.securities[OWN][0], 12, 0xFFFFFFFE),
+    "count-of-security-is-full": lambda h: h.put(h.securities[OWN][0], 12, 0xFFFFFFFF),
     "orphan": Small.orphan,
     "adjacent-free-cells": Small.adjacent_free_cells,
     "root-without-its-flag": lambda h: (h.put_key("", 2, 0x28, 2), setattr(h.root, "flags", 0x28)),

@@ -66,27 +66,5 @@ TEST(DamagedHives, AreReadOrRefusedWhicheverByteIsWrong) {
     }
 }
 
-TEST(DamagedHives, WithAWrongCountOfSharedDescriptorsAreEditedSafely) {
-    for (const uint32_t count : {0x7FFFFFFFu, 0xFFFFFFECu, 0xFFFFFFFEu, 0xFFFFFFFFu}) {
-        SCOPED_TRACE(count);
-        Hive sound = small_hive(3);
-        Bytes image = *sealed_image(sound, 4);
-        const auto record = std::search(image.begin(), image.end(), std::begin("sk\0"), std::end("sk\0") - 1);
-        put32(image, static_cast<size_t>(record - image.begin()) + sk::reference_count, count);
-        repair_checksum(image);
-        auto hive = Hive::open(image);
-        ASSERT_TRUE(hive);
-        ASSERT_EQ(hive->read_only_reason(), "");
-        for (char16_t letter = u'a'; letter <= u'z'; ++letter) {  // the count wraps on the way
-            const auto key = hive->create_subkey(hive->root(), {&letter, 1}, 5);
-            ASSERT_TRUE(key && hive->set_value(*key, u"v", {REG_BINARY, Bytes(9)}, 5));
-        }
-        for (const Key key : hive->subkeys(hive->root()))
-            ASSERT_TRUE(hive->delete_key(key, 5));
-        ASSERT_TRUE(hive->create(u"a\\b", 5));
-        EXPECT_TRUE(validate(*sealed_image(*hive, 6)).empty());
-    }
-}
-
 }  // namespace
 }  // namespace regf

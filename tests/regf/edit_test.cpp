@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <array>
 #include <random>
 
 #include "regf/dump.h"
@@ -142,25 +141,6 @@ TEST_P(OfVersion, StaysAsItIsWhereAnEditAsksForWhatIsThereOrIsRefused) {
     EXPECT_EQ(hive.changes().size(), changes);
     EXPECT_EQ(full_dump(hive), dump_before);
     EXPECT_TRUE(sealed(hive) == before);
-}
-
-/// Windows finds a key by the hash it stored, and its capitals are not ours in every version.
-TEST(Edits, LeaveTheHashesOfOtherKeysAsTheyWere) {
-    Hive made = Hive::create({.minor_version = 5, .file_name = u"h", .now = 1});
-    for (const char16_t* name : {u"a", u"c"})
-        ASSERT_TRUE(made.create(name, 2));
-    Bytes image = sealed(made);
-    const std::array<uint8_t, 4> stored{'C', 0, 0, 0}, other{1, 2, 3, 4};
-    const auto list = std::search(image.begin(), image.end(), std::begin("lh\2"), std::end("lh\2"));
-    const auto entry = std::search(list, image.end(), stored.begin(), stored.end());
-    ASSERT_TRUE(entry != image.end());
-    std::copy(other.begin(), other.end(), entry);
-    auto hive = Hive::open(image);
-    for (const char16_t* name : {u"b", u"d", u"e", u"f"})
-        ASSERT_TRUE(hive->create(name, 3));
-    ASSERT_TRUE(hive->delete_key(*hive->find(u"b"), 4));
-    const Bytes again = *sealed_image(*hive, 5);
-    EXPECT_TRUE(std::search(again.begin(), again.end(), other.begin(), other.end()) != again.end());
 }
 
 /// A key with a descriptor of its own goes, and the room of the descriptor's record is used again.

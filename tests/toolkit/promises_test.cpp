@@ -220,7 +220,11 @@ TEST_F(Promise, TabFollowsTheLayout) {
 }
 
 TEST_F(Promise, HiddenPageGivesTheFocusToTheTabs) {
-    focus(gallery->name);
+    gallery->secret.on_lost_focus = [this] { screen.set_focus(&gallery->name); };
+    focus(gallery->secret);
+    by_program([this] { screen.set_focus(&gallery->apply); });
+    EXPECT_EQ(log(), "-apply +name");
+    EXPECT_EQ(person->keyboard(*gallery), &gallery->name);
     by_program([this] { gallery->tab.set_current(1); });
     EXPECT_EQ(log(), "-name +tab page 1");
     EXPECT_FALSE(person->is_on_screen(gallery->page1));

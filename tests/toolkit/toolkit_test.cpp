@@ -67,20 +67,6 @@ TEST_F(Model, ControlsFireOnARealChangeAndRefuseWhatIsNone) {
     EXPECT_THAT([this] { gallery.list.add("one too many"); }, raises(6));
 }
 
-TEST_F(Model, FocusMovesOnceAndLeavesAHiddenPage) {
-    screen.set_focus(&gallery.name);
-    screen.set_focus(&gallery.view);  // on another page
-    EXPECT_EQ(log(), "+name");
-    gallery.name.on_lost_focus = [this] { screen.set_focus(&gallery.ok); };
-    screen.set_focus(&gallery.apply);
-    EXPECT_EQ(screen.focus(), &gallery.ok);
-    EXPECT_EQ(log(), "-apply +ok");
-    screen.set_focus(&gallery.secret);
-    gallery.tab.set_current(1);
-    gallery.tick.click();
-    EXPECT_EQ(log(), "-ok +secret -secret +tab page 1");
-}
-
 TEST_F(Model, HeadlessRunAnswersByDefault) {
     HeadlessToolkit nobody;
     Gallery form(nobody, folders);
