@@ -86,37 +86,28 @@ TEST(RestrictionFile, BeginsWithTheExactWord) {
 }
 
 TEST(RestrictionFile, IsGovernedByTheCount) {
-    struct Case {
-        std::string list;
-        int error;
-        std::vector<std::string> programs = {};
-        const char* organisation = "0";
-    };
-    const std::string two = "\"A.EXE\"\r\n\"B.EXE\"\r\n";
-    for (const Case& c : std::initializer_list<Case>{
-             {"2\r\n" + two, 0, {"A.EXE", "B.EXE"}},
-             {"-3\r\n", 0},
-             {"none\r\n", 0},
-             // One too few: everything after the list is read one field too early, the texts of the machine
-             // too.
-             {"1\r\n" + two, 0, {"A.EXE"}},
-             {"3\r\n" + two, 0, {"A.EXE", "B.EXE", "0"}, "org"},
-             // A quote ends the text, and what stands between it and the comma is gone. Nothing else is
-             // changed.
-             {"2\r\n\"A\"B.EXE\"\r\n\"two\r\nlines, one\"\r\n", 0, {"A", "two\r\nlines, one"}},
-             {"3\r\nbare.exe,\"\"\r\n\" britlock.exe \"\r\n", 0, {"bare.exe", "", " britlock.exe "}},
-             {"32767\r\n" + repeated("\r\n", 32767), 0, std::vector<std::string>(32767)},
-             {"32767\r\n" + two, 62},
-             {"32768\r\n" + two, 6},
-             {"1\r\n" + std::string(65535, 'x') + "\r\n", 0, {std::string(65535, 'x')}},
-             {"1\r\n" + std::string(65536, 'x') + "\r\n", 380}}) {
-        SCOPED_TRACE(c.list.substr(0, 50));
-        ASSERT_EQ(error_of_reading(file_with(c.list)), c.error);
-        if (c.error != 0) continue;
-        const auto read = read_brl(file_with(c.list), {});
-        EXPECT_TRUE(read->programs == c.programs);
-        EXPECT_EQ(read->machine.organisation, c.organisation);
+    using Programs = std::vector<std::string>;
+    const std::string two = "\"A.EXE\"\r\n\"B.EXE\"\r\n", long_name(65535, 'x');
+    const std::tuple<std::string, Programs, const char*> read_as[] = {
+        {"2\r\n" + two, {"A.EXE", "B.EXE"}, "0"},
+        {"-3\r\n", {}, "0"},
+        {"none\r\n", {}, "0"},
+        // One too few: everything after the list is read one field too early, the texts of the machine too.
+        {"1\r\n" + two, {"A.EXE"}, "0"},
+        {"3\r\n" + two, {"A.EXE", "B.EXE", "0"}, "org"},
+        // A quote ends the text, and what stands between it and the comma is gone. Nothing else is changed.
+        {"2\r\n\"A\"B.EXE\"\r\n\"two\r\nlines, one\"\r\n", {"A", "two\r\nlines, one"}, "0"},
+        {"3\r\nbare.exe,\"\"\r\n\" britlock.exe \"\r\n", {"bare.exe", "", " britlock.exe "}, "0"},
+        {"32767\r\n" + repeated("\r\n", 32767), Programs(32767), "0"},
+        {"1\r\n" + long_name + "\r\n", {long_name}, "0"}};
+    for (const auto& [list, programs, organisation] : read_as) {
+        const auto read = read_brl(file_with(list), {});
+        EXPECT_TRUE(read->programs == programs) << list.substr(0, 50);
+        EXPECT_EQ(read->machine.organisation, organisation) << list.substr(0, 50);
     }
+    for (const auto& [list, error] :
+         {std::pair{"32767\r\n" + two, 62}, {"32768\r\n" + two, 6}, {"1\r\n" + long_name + "x\r\n", 380}})
+        EXPECT_EQ(error_of_reading(file_with(list)), error) << list.substr(0, 50);
     EXPECT_EQ(read_brl(file_with("0\r\n", "1.5"), {})->drives[2], 2);
     for (const char* drive : {"3", "-1", "2.6"})
         EXPECT_EQ(error_of_reading(file_with("0\r\n", drive)), 380) << drive;

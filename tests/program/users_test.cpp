@@ -93,21 +93,19 @@ TEST_F(Users, EveryFaultOfAHiveHasItsBox) {
     const auto unusable = [](FileError error) {
         return [error](World& x) { x.windows.files.fail(anna_hive, error); };
     };
-    const char* const missing = "Could not find path/file...";
+    const char *const missing = "Could not find path/file...", *const in_use = "File in use...";
     const char* const no_write_access = "Problems while writing to registry...";
+    // clang-format off
     const std::tuple<std::function<void(World&)>, const char*, const char*> faults[] = {
         {[](World& x) { (void)x.windows.files.remove(anna_hive); }, missing, " logged in a new user once."},
         {[](World& x) { x.windows.files.add_file(anna_hive, ""); }, missing, " logged in a new user once."},
-        {unusable(permission_denied), "File in use...", "you don't have right to acess."},
-        {unusable(path_access), "File in use...", "you don't have right to acess."},
+        {unusable(permission_denied), in_use, "you don't have right to acess."}, {unusable(path_access), in_use, "you don't have right to acess."},
         {unusable(no_such_path), "Path not found...", ". Please check you settings (Profile Paths)."},
-        {unusable(device_error), "Unknown Error...",
-         "Unexpected Error acessing & C:\\Documents and Settings\\Anna\\NTUSER.DAT"},
+        {unusable(device_error), "Unknown Error...", "Unexpected Error acessing & C:\\Documents and Settings\\Anna\\NTUSER.DAT"},
         {[](World& x) { x.windows.processes.failing_tool = 1; }, no_write_access, " security settings."},
-        {[](World& x) { x.windows.files.hive(anna_hive)->access = Access::read_only; }, no_write_access,
-         " security settings."},
-        {[](World& x) { x.windows.files.fail(tool, path_access); }, "File missing...", ""},
-    };
+        {[](World& x) { x.windows.files.hive(anna_hive)->access = Access::read_only; }, no_write_access, " security settings."},
+        {[](World& x) { x.windows.files.fail(tool, path_access); }, "File missing...", ""}};
+    // clang-format on
     for (const auto& [cause, title, end_of_text] : faults) {
         WithAnna x;
         x.windows.add_profile("Ben");
