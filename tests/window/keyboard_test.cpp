@@ -1,5 +1,3 @@
-#include <gmock/gmock.h>
-
 #include <QAccessible>
 #include <QApplication>
 #include <QMenu>
@@ -9,22 +7,14 @@
 #include <set>
 #include <tuple>
 
-#include "base/text.h"
-#include "machine/memory/memory_machine.h"
-#include "startup/program.h"
-#include "startup/setpass.h"
+#include "program/world.h"
 #include "toolkit/qt/peer.h"
 #include "toolkit/qt/qt_toolkit.h"
-#include "ui/forms.h"
-#include "ui/main_form.h"
 #include "ui/profile.h"
 #include "ui/verzeichnis.h"
 
-using namespace britlock;
-
 namespace {
 
-using testing::IsEmpty;
 using toolkit::Control;
 
 QWidget& widget(const Control& control) {
@@ -38,7 +28,7 @@ QAccessibleInterface* seen_of(const Control& control) {
 }
 
 /// The main window on a machine in memory, for somebody without a mouse.
-class Keyboard : public testing::TestWithParam<int> {
+class Keyboard : public TestWithParam<int> {
   protected:
     Keyboard() {
         windows.system.drives = 0b101;  // A and C: the other letters are grey
@@ -77,7 +67,7 @@ class Keyboard : public testing::TestWithParam<int> {
                   [](toolkit::Ending) { return 0; }};
     Program program{its, screen, GetParam()};
 };
-INSTANTIATE_TEST_SUITE_P(Languages, Keyboard, testing::Values(0, 1), testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P(Languages, Keyboard, Values(0, 1), PrintToStringParamName());
 
 TEST_P(Keyboard, ReachesAndTicksEverythingOnEveryPage) {
     // Whoever enters this box is asked two questions, and the program ends.
@@ -155,7 +145,7 @@ TEST_P(Keyboard, NothingIsNamelessToAScreenReader) {
     for (const auto& [seen, words] : {std::pair{seen_of(window().StatusBar), std::string("WinXP")},
                                       {seen_of(window().f1), text::to_utf8(window().f1.text())},
                                       {seen_of(window().tab)->child(4), text::to_utf8(window().f5.text())}})
-        EXPECT_THAT(seen->text(QAccessible::Name).toStdString(), testing::HasSubstr(words));
+        EXPECT_THAT(seen->text(QAccessible::Name).toStdString(), HasSubstr(words));
 }
 
 TEST_P(Keyboard, StripIsTheLastStopAndCanBeRead) {
@@ -199,6 +189,6 @@ TEST_P(Keyboard, OpensEveryMenu) {
 
 int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    testing::InitGoogleTest(&argc, argv);
+    InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }
