@@ -1,6 +1,5 @@
 // What only the machine on disk must withstand: a disk that its users have written to.
 
-#include <array>
 #include <thread>
 
 #include "machine/hive_editing.h"
@@ -20,6 +19,7 @@ class Disk : public Test, public OfflineFixture {
     Registry& registry() { return machine().registry; }
     /// In the folder "tools".
     void make_program(const std::string& name, const std::string& script) {
+        fs::create_directory(scratch() / "tools");
         write_bytes(scratch() / "tools" / name, "#!/bin/sh\n" + script + "\n");
         fs::permissions(scratch() / "tools" / name, fs::perms::owner_all);
     }
@@ -220,12 +220,12 @@ TEST_F(Disk, AReadOnlyHiveIsOpenForReadersOnly) {
 
 TEST_F(Disk, ATextBeyondTheCodePageSurvivesItsOwnRoundTrip) {
     const std::u16string list = u"Software\\List";
-    const std::map<std::string, std::vector<std::u16string>> lists{
-        {"Anna", {u"ШКОЛ.EXE", u"calc.exe", u"Ω.exe", u"Ψ.exe"}},
-        {"Ben", {u"УРОК.EXE", u"calc.exe", u"Łódź.exe", u"really?"}}};
-    for (const auto& [user, texts] : lists) {
+    const std::u16string names[] = {u" 0", u" 1", u" 2", u" 3", u" 4"};
+    for (const auto& [user, texts] :
+         {std::pair{"Anna", std::vector{u"ШКОЛ.EXE", u"calc.exe", u"Ω.exe", u"Ψ.exe"}},
+          {"Ben", {u"УРОК.EXE", u"calc.exe", u"Łódź.exe", u"really?"}}}) {
         for (size_t i = 0; i < texts.size(); ++i)
-            set_text(hive_of(user), list, std::u16string{u' ', static_cast<char16_t>(u'0' + i)}, texts[i]);
+            set_text(hive_of(user), list, names[i], texts[i]);
         set_text(hive_of(user), list, u"Ж", u"a name that nobody here can spell");
     }
     const auto read = [&](const std::string& user) {
@@ -238,39 +238,34 @@ TEST_F(Disk, ATextBeyondTheCodePageSurvivesItsOwnRoundTrip) {
         EXPECT_EQ(unload(user), 0u);
         return texts;
     };
-    /// Deletes the list and writes it anew, as Apply does.
+    /// Deletes the list and writes it anew, as Apply does; then it stands so in the hive.
     const auto write = [&](const std::string& user, const std::vector<std::string>& texts) {
         const std::string key = user + "\\Software\\List";
         EXPECT_EQ(load(user), 0u);
         EXPECT_EQ(registry().delete_key(Root::users, key), success);
         EXPECT_EQ(registry().create_key(Root::users, key), Registry::Disposition::created);
         for (size_t i = 0; i < texts.size(); ++i)
-            EXPECT_EQ(registry().set(Root::users, key, " " + std::to_string(i), text_value(texts[i])).action,
-                      success);
+            (void)registry().set(Root::users, key, " " + std::to_string(i), text_value(texts[i]));
         EXPECT_EQ(unload(user), 0u);
-    };
-    const auto stored = [&](const std::string& user) {
         std::string all;
-        for (const char16_t* name : {u" 0", u" 1", u" 2", u" 3", u" 4"})
+        for (const std::u16string& name : names)
             all += stored_text(hive_of(user), list, name) + " ";
         return all;
     };
     const auto annas = read("Anna");
-    EXPECT_EQ(annas, (std::vector<std::string>{"????.EXE", "calc.exe", "?.exe", "?.exe"}));
+    EXPECT_THAT(annas, ElementsAre("????.EXE", "calc.exe", "?.exe", "?.exe"));
     const auto bens = read("Ben");
     (void)read("Anna");  // only looked at
-    write("Ben", bens);
-    EXPECT_EQ(stored("Ben"), "УРОК.EXE calc.exe Łódź.exe really? (missing) ");
-    write("Anna", annas);
-    EXPECT_EQ(stored("Anna"), "ШКОЛ.EXE calc.exe Ω.exe Ψ.exe (missing) ");
-
-    write("Anna", {"?.exe", "new?", " ????.EXE ", "????.exe", "?.exe"});  // other numbers, other blanks
-    EXPECT_EQ(stored("Anna"), "Ω.exe new?  ШКОЛ.EXE  ????.exe Ψ.exe ");
-    write("Anna", {});
-    write("Anna", annas);  // they are in the window still
-    EXPECT_EQ(stored("Anna"), "ШКОЛ.EXE calc.exe Ω.exe Ψ.exe (missing) ");
-    write("Ben", {"????.EXE", "?.exe"});
-    EXPECT_EQ(stored("Ben"), "УРОК.EXE ?.exe (missing) (missing) (missing) ") << "Anna's stay hers";
+    EXPECT_EQ(write("Ben", bens), "УРОК.EXE calc.exe Łódź.exe really? (missing) ");
+    EXPECT_EQ(write("Anna", annas), "ШКОЛ.EXE calc.exe Ω.exe Ψ.exe (missing) ");
+    // Other numbers, other blanks.
+    EXPECT_EQ(write("Anna", {"?.exe", "new?", " ????.EXE ", "????.exe", "?.exe"}),
+              "Ω.exe new?  ШКОЛ.EXE  ????.exe Ψ.exe ");
+    (void)write("Anna", {});
+    EXPECT_EQ(write("Anna", annas), "ШКОЛ.EXE calc.exe Ω.exe Ψ.exe (missing) ")
+        << "they are in the window still";
+    EXPECT_EQ(write("Ben", {"????.EXE", "?.exe"}), "УРОК.EXE ?.exe (missing) (missing) (missing) ")
+        << "Anna's stay hers";
 }
 
 TEST_F(Disk, TellsAReasonHoweverTheHiveToolEnds) {
@@ -289,7 +284,6 @@ TEST_F(Disk, TellsAReasonHoweverTheHiveToolEnds) {
     EXPECT_EQ(unload("Anna"), 0u) << "the tool that had been waiting for this is gone, another does it";
 
     options.executables = (scratch() / "tools").string();
-    fs::create_directory(options.executables);
     for (const char* end : {"kill -9 $$", "exit 3", "printf '0 2 0' >&3; exit 1"}) {
         make_program("regg.exe", end);
         open();
@@ -303,7 +297,6 @@ TEST_F(Disk, TellsAReasonHoweverTheHiveToolEnds) {
 
 TEST_F(Disk, HandsFoldersAndWebAddressesToTheDesktopAndNothingElse) {
     const fs::path opened = scratch() / "opened";
-    fs::create_directory(scratch() / "tools");
     make_program("xdg-open", "echo \"$1\" >> '" + opened.string() + "'");
     const std::string path = std::getenv("PATH");
     setenv("PATH", ((scratch() / "tools").string() + ":" + path).c_str(), 1);

@@ -4,8 +4,6 @@
 #include <linux/fs.h>
 #include <sys/ioctl.h>
 
-#include <array>
-
 #include "machine/hive_editing.h"
 #include "regg/hive_tool.h"
 
@@ -221,7 +219,7 @@ TEST_F(HiveTool, UnmountsThatMeetLoseNothingAndSaySo) {
     const std::string command = "\"C:\\Program Files\\Brightlock Suite\\regg.exe\" unload HKU\\Anna";
     for (int number = 1; number <= 15; ++number) {
         mount_with(number);
-        std::array<uint32_t, 3> ids{};
+        std::vector<uint32_t> ids(3);
         for (uint32_t& id : ids)
             id = machine().processes.start(command, WindowStyle::hidden).id;
         for (const uint32_t id : ids) {
