@@ -34,11 +34,7 @@ struct Installed : Person {
         return window();
     }
 
-    fs::path hive(const std::string& user = "Anna") {
-        std::string folder = windows.offline().installation().profiles_directory.substr(2);  // without C:
-        std::replace(folder.begin(), folder.end(), '\\', '/');
-        return windows.disk().string() + folder + "/" + user + "/NTUSER.DAT";
-    }
+    fs::path hive(const std::string& user = "Anna") { return windows.hive_of(user); }
     std::string dump(const std::string& user = "Anna") {
         const auto opened = regf::Hive::open(regf::read_file(hive(user)));
         return opened ? regf::dump(*opened) : opened.error().message;

@@ -29,7 +29,9 @@ class OfflineFixture {
     fs::path disk() const { return folder_.path() / "disk"; }
     fs::path scratch() const { return folder_.path(); }
     fs::path hive_of(const std::string& user) const {
-        return disk() / "Documents and Settings" / user / "NTUSER.DAT";
+        std::string profiles = machine_->installation().profiles_directory.substr(3);  // without C:
+        std::replace(profiles.begin(), profiles.end(), '\\', '/');
+        return disk() / profiles / user / "NTUSER.DAT";
     }
     const std::string& mounts_folder() const { return machine_->mounts().folder(); }
     Machine machine() { return machine_->machine(); }

@@ -81,17 +81,13 @@ void edit_and_undo(Hive& hive, const fs::path& file) {
 }
 
 TEST(Samples, GiveNewKeysTheSecurityOfThoseAround) {
-    auto file = open_file(made / "sound/xp-user.NTUSER.DAT");
-    ASSERT_TRUE(file);
-    Hive& hive = file->hive;
+    Hive hive = std::move(open_file(made / "sound/xp-user.NTUSER.DAT")->hive);
     const std::u16string current = u"Software\\Microsoft\\Windows\\CurrentVersion\\";
     const std::u16string storage = u"Software\\Microsoft\\Protected Storage System Provider";
-    const auto security = [&](const std::u16string& path) {
-        const ByteView bytes = hive.security(*hive.find(path));
-        return Bytes(bytes.begin(), bytes.end());
-    };
-    const Bytes own = security(u""), policies = security(current + u"Policies");
-    const Bytes secret = security(storage + u"\\S-1-5-21-1417001333-854245398-1801674531-1004");
+    const std::u16string users = storage + u"\\S-1-5-21-1417001333-854245398-1801674531-1004";
+    const auto security = [&](const std::u16string& path) { return hex(hive.security(*hive.find(path))); };
+    const std::string own = security(u""), policies = security(current + u"Policies"),
+                      secret = security(users);
     ASSERT_TRUE(own != policies && policies != secret && secret != own);
     for (const auto& [path, expected] :
          {std::pair(current + u"Policies\\Explorer\\New\\Newer", policies),
@@ -99,9 +95,9 @@ TEST(Samples, GiveNewKeysTheSecurityOfThoseAround) {
           {u"Software\\Policies\\New", policies},
           {u"Software\\New", own},
           {storage + u"\\New", secret},  // as its one sibling, not as its parent
-          {storage + u"\\S-1-5-21-1417001333-854245398-1801674531-1004\\New", secret}}) {
+          {users + u"\\New", secret}}) {
         ASSERT_TRUE(hive.create(path, 5));
-        EXPECT_TRUE(security(path) == expected) << fs::path(path);
+        EXPECT_EQ(security(path), expected) << fs::path(path);
     }
 }
 

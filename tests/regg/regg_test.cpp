@@ -167,8 +167,7 @@ TEST_F(HiveTool, TwoInstancesOnOneUserLoseNothing) {
             if (!troubles().empty()) return 4;
             std::optional<regf::Value> value;  // the other may be at it this moment
             for (int look = 0; !value && look < 100; ++look) {
-                const std::string bytes = bytes_of(anna);
-                const auto file = regf::Hive::open(regf::Bytes(bytes.begin(), bytes.end()));
+                const auto file = regf::Hive::open(bytes_of<regf::Bytes>(anna));
                 const auto at = file ? file->find(u"Software\\Lock") : std::nullopt;
                 value = at ? file->value(*at, text::to_utf16(name)) : std::nullopt;
             }
