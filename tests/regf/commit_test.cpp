@@ -66,8 +66,7 @@ TEST_F(HiveFiles, AreOldOrNewWhicheverCallFails) {
                 };
                 const auto result = change_file();
                 fail_system_call = nullptr;
-                SCOPED_TRACE("call " + std::to_string(n) + ", " + failed + ", error " +
-                             std::to_string(error));
+                SCOPED_TRACE(Message() << "call " << n << ", " << failed << ", error " << error);
                 EXPECT_TRUE(read_file(place.path()) == (result ? new_image : old_image));
                 EXPECT_EQ(files(), alone);
                 EXPECT_FALSE(failed == "fsync" && result && result->durability == Durability::flushed);

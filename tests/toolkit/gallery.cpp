@@ -27,13 +27,12 @@ Gallery::Gallery(Toolkit& toolkit, FolderSource& source)
 void Gallery::fill() {
     // clang-format off
     const std::pair<MenuItem&, const char*> menus[] = {
-        {m_file, "&File"}, {m_open, "&Open"}, {m_line, "-"}, {m_more, "&More"}, {m_deep, "&Deep"}, {m_help, "&Help"},
+        {m_file, "&File"}, {m_open, "&Open"}, {m_line, "-"}, {m_more, "&More"}, {m_deep, "&Deep"},
         {m_unbuilt, "Not &built yet"}};
     const std::pair<Control&, const char*> texts[] = {
         {page1, "Disable some entries in your Startmenu..."}, {page2, "Mark some lines..."}, {page3, "Choose a folder..."},
         {tick, "&Tick this entry of the menu"}, {second, "No change of the taskbar && the menu"},
-        {grey, "Neither this nor that"}, {name_label, "Registered &Name:"}, {secret, "hidden"}, {heading, "Start"},
-        {hint, "Restrict your Startmenu and hide some entries you not want to entered by your users."},
+        {grey, "Neither this nor that"}, {name_label, "Registered &Name:"}, {secret, "hidden"},
         {combo, "somebody else"}, {apply, "&Apply"}, {cancel, "&Cancel"}, {unbuilt, "Later"}, {ok, "&OK"}};
     // clang-format on
     for (const auto& [item, caption] : menus)
@@ -55,7 +54,6 @@ void Gallery::fill() {
     drive.set_drive("C");
     dir.set_path("C:\\School");
     files.set_path("C:\\School");
-    heading.set_font_size(14);
     picture.set_drawing(&computer);
     for (const char* text : {"Administrator", "pupil", "R&D"})
         combo.add(text);
@@ -63,7 +61,6 @@ void Gallery::fill() {
     ok.is_default = true;
     for (const auto& [text, width] : {std::pair{"1 www.example.invalid", 1850}, {"3 teacher", 6500}})
         status.add({text, width, false});
-    status.set_font_size(7);
 }
 
 void Gallery::place_all() {
@@ -73,11 +70,10 @@ void Gallery::place_all() {
         {tick, &page1, {240, 360, 3975, 255}}, {second, &page1, {240, 660, 3975, 255}},
         {grey, &page1, {240, 960, 3975, 255}}, {name_label, &page1, {240, 1320, 1500, 255}},
         {name, &page1, {1800, 1290, 2295, 285}}, {secret, &page1, {1800, 1650, 2295, 285}},
-        {list, &page1, {240, 2040, 3855, 1230}}, {photo, &page1, {240, 3400, 1200, 900}},
+        {list, &page1, {240, 2040, 3855, 1230}},
         {page2, &tab, {180, 480, 6600, 4400}}, {view, &page2, {240, 360, 3855, 3800}}, {page3, &tab, {180, 480, 6600, 4400}},
         {drive, &page3, {240, 360, 1900, 315}}, {dir, &page3, {240, 780, 1900, 3000}},
         {files, &page3, {2240, 780, 1900, 3000}}, {panel, nullptr, {6250, 600, 2345, 4400}},
-        {heading, &panel, {120, 240, 2100, 360}}, {hint, &panel, {120, 660, 2100, 900}},
         {picture, &panel, {120, 2000, 2100, 1500}}, {combo, nullptr, {1995, 5250, 2295, 315}},
         {apply, nullptr, {4395, 5220, 1215, 375}}, {cancel, nullptr, {5700, 5220, 1215, 375}},
         {ok, nullptr, {7005, 5220, 1215, 375}}, {unbuilt, &panel, {120, 3700, 1215, 375}},
@@ -91,8 +87,6 @@ void Gallery::place_all() {
 void Gallery::listen() {
     const auto noting = [this](const std::string& what) { return [this, what] { note(what); }; };
     m_open.on_click = noting("open");
-    m_deep.on_click = noting("deep");
-    m_help.on_click = noting("help menu");
     on_help = noting("help");
     bar.on_item_click = [this](int index) { note("item " + std::to_string(index)); };
     tab.on_click = [this] { note("page " + std::to_string(tab.current())); };

@@ -33,8 +33,7 @@ class Gallery : public toolkit::Form {
     void note(const std::string& what) { log_ += (log_.empty() ? "" : " ") + what; }
 
     toolkit::MenuItem m_file{*this, "m_file"}, m_open{m_file, "m_open"}, m_line{m_file, "m_line"},
-        m_more{m_file, "m_more"}, m_deep{m_more, "m_deep"}, m_unbuilt{m_file, "m_unbuilt"},
-        m_help{*this, "m_help"};
+        m_more{m_file, "m_more"}, m_deep{m_more, "m_deep"}, m_unbuilt{m_file, "m_unbuilt"};
     toolkit::ListBar bar{*this, "bar"};
     toolkit::TabContainer tab{*this, "tab"};
     toolkit::Frame page1{*this, "page1"}, page2{*this, "page2"}, page3{*this, "page3"};
@@ -47,8 +46,7 @@ class Gallery : public toolkit::Form {
     toolkit::DirListBox dir;
     toolkit::FileListBox files;
     toolkit::Frame panel{*this, "panel"};
-    toolkit::Label heading{*this, "heading"}, hint{*this, "hint"};
-    toolkit::PictureBox picture{*this, "picture"}, photo{*this, "photo"};
+    toolkit::PictureBox picture{*this, "picture"};
     toolkit::ComboBox combo{*this, "combo"};
     toolkit::Button apply{*this, "apply"}, cancel{*this, "cancel"}, ok{*this, "ok"},
         unbuilt{*this, "unbuilt"};

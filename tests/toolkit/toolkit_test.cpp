@@ -61,7 +61,7 @@ TEST_F(Model, ControlsFireOnARealChangeAndRefuseWhatIsNone) {
     EXPECT_THAT([this] { gallery.list.set_selected(4); }, raises(9));
     EXPECT_THAT([this] { gallery.drive.set_drive("Q"); }, raises(68));
     EXPECT_THAT([this] { gallery.dir.set_path("C:\\nowhere"); }, raises(76));
-    EXPECT_THAT([this] { gallery.photo.load("no picture"); }, raises(481));
+    EXPECT_THAT([this] { gallery.picture.load("no picture"); }, raises(481));
     while (gallery.list.count() < 32767)
         gallery.list.add("line");
     EXPECT_THAT([this] { gallery.list.add("one too many"); }, raises(6));
