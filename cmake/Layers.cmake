@@ -45,7 +45,7 @@ function(brightlock_layer name)
 endfunction()
 
 # brightlock_test(regf_test SOURCES a.cpp LINK regf [LABELS release]): one test program; each of its cases is a test of CTest.
-# Those labelled "release" ask for the speed of a release build and run there alone.
+# Those labelled "release" ask for the speed of a release build and run there alone, under names that begin so.
 function(brightlock_test name)
     cmake_parse_arguments(T "" "" "SOURCES;LINK;LABELS" ${ARGN})
     add_executable(${name} ${T_SOURCES})
@@ -54,6 +54,7 @@ function(brightlock_test name)
     target_compile_definitions(${name} PRIVATE
         PROGRAM_FOLDER="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
     if(NOT CMAKE_CROSSCOMPILING)  # a program for another system is run there
-        gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600 LABELS "${T_LABELS}")
+        list(TRANSFORM T_LABELS APPEND / OUTPUT_VARIABLE prefix)
+        gtest_discover_tests(${name} TEST_PREFIX "${prefix}" DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600 LABELS "${T_LABELS}")
     endif()
 endfunction()
