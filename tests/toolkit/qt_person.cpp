@@ -69,14 +69,14 @@ std::string lines_of(const Control& control, QListView& list) {
     std::string out;
     for (int i = 0; i < list.model()->rowCount(); ++i) {
         const QModelIndex at = list.model()->index(i, 0);
+        bool marked = list.selectionModel()->isSelected(at);
         if (control.kind() == Kind::list_bar) {  // its mark is painted: seen where the row is
-            const bool visible = list.viewport()->rect().contains(list.visualRect(at));
-            const QImage shot = visible ? list.grab().toImage() : QImage();
-            const QPoint corner = list.viewport()->mapTo(&list, list.visualRect(at).topLeft() + QPoint(3, 3));
-            if (visible && shot.pixelColor(corner) == list.palette().color(QPalette::Highlight)) out += "*";
-        } else if (list.selectionModel()->isSelected(at)) {
-            out += "*";
+            const QImage shot = list.viewport()->grab().toImage();
+            const QPoint corner = list.visualRect(at).topLeft() + QPoint(3, 3);
+            marked =
+                shot.valid(corner) && shot.pixelColor(corner) == list.palette().color(QPalette::Highlight);
         }
+        if (marked) out += "*";
         if (const QVariant mark = at.data(Qt::CheckStateRole); mark.isValid()) out += mark_of(mark.toInt());
         out += ansi_text(at.data().toString()) + "|";
     }

@@ -60,35 +60,33 @@ RECT bar_item(const Control& bar, int item) {
     return {area.left, top, area.right, top + bar_item_height()};
 }
 
-RECT line_place(const Control& control, int line) {
-    RECT place{};
-    switch (control.kind()) {
-        case Kind::tab:
-            ask(control, TCM_GETITEMRECT, line, reinterpret_cast<LPARAM>(&place));
-            return place;
-        case Kind::list_bar:
-            return bar_item(control, line);
-        case Kind::list_view:
-            place.left = LVIR_BOUNDS;
-            ask(control, LVM_GETITEMRECT, line, reinterpret_cast<LPARAM>(&place));
-            return place;
-        default:
-            if (line >= ask(control, LB_GETCOUNT)) {
-                const RECT area = area_of(control);
-                return {0, area.bottom - 4, area.right, area.bottom};
-            }
-            ask(control, LB_GETITEMRECT, line, reinterpret_cast<LPARAM>(&place));
-            return place;
-    }
-}
-
 /// On the mark, if there is one.
 POINT place_in(const Control& control, int line) {
-    const bool has_lines = control.kind() == Kind::tab || control.kind() == Kind::list_bar ||
-                           control.kind() == Kind::list_view || control.kind() == Kind::list_box ||
-                           control.kind() == Kind::dir_list;
-    const RECT place = has_lines ? line_place(control, line) : area_of(control);
-    return {place.left + (has_lines ? 8 : 5), (place.top + place.bottom) / 2};
+    RECT place = area_of(control);
+    const LPARAM out = reinterpret_cast<LPARAM>(&place);
+    switch (control.kind()) {
+        case Kind::tab:
+            ask(control, TCM_GETITEMRECT, line, out);
+            break;
+        case Kind::list_bar:
+            place = bar_item(control, line);
+            break;
+        case Kind::list_view:
+            place.left = LVIR_BOUNDS;
+            ask(control, LVM_GETITEMRECT, line, out);
+            break;
+        case Kind::list_box:
+        case Kind::dir_list:
+            if (line < ask(control, LB_GETCOUNT)) {
+                ask(control, LB_GETITEMRECT, line, out);
+            } else {
+                place.top = place.bottom - 4;
+            }
+            break;
+        default:
+            break;
+    }
+    return {place.left + 7, (place.top + place.bottom) / 2};
 }
 
 unsigned colour_at(const Control& control, POINT at) {
@@ -105,9 +103,9 @@ const char* mark_of(LRESULT state) { return state == 1 ? "[x] " : state == 0 ? "
 std::string list_box_lines(const Control& control) {
     std::string out;
     for (int i = 0; i < ask(control, LB_GETCOUNT); ++i) {
-        std::string line(static_cast<size_t>(ask(control, LB_GETTEXTLEN, i)) + 1, '\0');
-        line.resize(ask(control, LB_GETTEXT, i, reinterpret_cast<LPARAM>(line.data())));
-        out += (ask(control, LB_GETCURSEL) == i ? "*" : "") + line + "|";
+        char line[260];
+        ask(control, LB_GETTEXT, i, reinterpret_cast<LPARAM>(line));
+        out += (ask(control, LB_GETCURSEL) == i ? "*" : "") + std::string(line) + "|";
     }
     return out;
 }
@@ -147,8 +145,7 @@ std::string entries_of(HMENU menu) {
         GetMenuStringA(menu, i, text, sizeof text, MF_BYPOSITION);
         const UINT state = GetMenuState(menu, i, MF_BYPOSITION);
         const std::string caption = text;
-        out += state & MF_SEPARATOR ? "-" : state & MF_GRAYED ? "(" + caption + ")" : caption;
-        out += "|";
+        out += (state & MF_SEPARATOR ? "-" : state & MF_GRAYED ? "(" + caption + ")" : caption) + "|";
     }
     return out;
 }
