@@ -11,8 +11,7 @@ class Contract : public TestWithParam<Implementation> {
     Files& files_ = subject_->machine().files;
 
     uint32_t tool(const std::string& arguments) {
-        return run_command(subject_->machine().processes,
-                           "\"C:\\Program Files\\Brightlock Suite\\regg.exe\" " + arguments);
+        return run_command(subject_->machine().processes, hive_tool + arguments);
     }
     uint32_t load_anna() { return tool("load \"C:\\Documents and Settings\\Anna\\NTUSER.DAT\" HKU\\Anna"); }
 

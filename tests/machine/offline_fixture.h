@@ -42,8 +42,7 @@ class OfflineFixture {
     }
     uint32_t unload(const std::string& user) { return tool("unload HKU\\" + user); }
     uint32_t tool(const std::string& arguments) {
-        return run_command(machine().processes,
-                           "\"C:\\Program Files\\Brightlock Suite\\regg.exe\" " + arguments);
+        return run_command(machine().processes, hive_tool + arguments);
     }
     static std::string windows_hive_of(const std::string& user) {
         return "C:\\Documents and Settings\\" + user + "\\NTUSER.DAT";

@@ -64,6 +64,8 @@ inline std::string content(Files& files, const std::string& path) {
     return error == no_error ? bytes : "error " + std::to_string(error);
 }
 
+constexpr auto hive_tool = "\"C:\\Program Files\\Brightlock Suite\\regg.exe\" ";
+
 /// Starts a command line and waits for its end, as the program does it; the start's error counts as a code
 /// beyond all others.
 inline uint32_t run_command(Processes& processes, const std::string& command_line) {

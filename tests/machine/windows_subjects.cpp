@@ -27,8 +27,7 @@ struct WindowsSubject : Subject {
         }
         remove_key(Root::current_user, "Lock");
         remove_key(Root::local_machine, "Software\\Lock");
-        (void)run_command(windows.machine().processes,
-                          "\"C:\\Program Files\\Brightlock Suite\\regg.exe\" unload HKU\\Anna");
+        (void)run_command(windows.machine().processes, hive_tool + std::string("unload HKU\\Anna"));
         add_file("MSDOS.SYS", "[Options]\r\n");
         make_anna("C:\\Documents and Settings");
     }

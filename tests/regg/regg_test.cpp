@@ -215,12 +215,13 @@ TEST_F(HiveTool, WritesOfARunThatDiedWhatWasComplete) {
 
 /// Apply can be pressed again while the program waits, and another instance may unload the same user.
 TEST_F(HiveTool, UnmountsThatMeetLoseNothingAndSaySo) {
-    const std::string command = "\"C:\\Program Files\\Brightlock Suite\\regg.exe\" unload HKU\\Anna";
     for (int number = 1; number <= 15; ++number) {
         mount_with(number);
         std::vector<uint32_t> ids(3);
         for (uint32_t& id : ids)
-            id = machine().processes.start(command, WindowStyle::hidden).id;
+            id = machine()
+                     .processes.start(hive_tool + std::string("unload HKU\\Anna"), WindowStyle::hidden)
+                     .id;
         for (const uint32_t id : ids) {
             while (machine().processes.exit_code(id) == still_active) {
             }

@@ -78,19 +78,16 @@ struct OnWindows : Test, Person {
     }
     /// What stands in the registry now, a line each.
     std::string values() const {
+        const auto [root, prefix] =
+            family.nt ? std::pair{Root::users, "Anna\\"} : std::pair{Root::current_user, ""};
         std::string out;
-        for (const auto& [key, value] : {std::pair{key::explorer, "NoClose"},
-                                         {key::explorer, "NoRun"},
-                                         {key::explorer, "NoDrives"},
-                                         {key::explorer, "ForceClassicControlPanel"},
-                                         {key::dont_load, "APPWIZ.CPL"},
-                                         {key::dont_load, "DESK.CPL"},
-                                         {key::disallow_cpl, " 1"},
-                                         {family.command_line_key, family.command_line_value}})
-            out += std::string(value) + ": " +
-                   (family.nt ? stored(Root::users, std::string("Anna\\") + key, value)
-                              : stored(Root::current_user, key, value)) +
-                   "\n";
+        // clang-format off
+        for (const auto& [key, value] :
+             {std::pair{key::explorer, "NoClose"}, {key::explorer, "NoRun"}, {key::explorer, "NoDrives"},
+              {key::explorer, "ForceClassicControlPanel"}, {key::dont_load, "APPWIZ.CPL"}, {key::dont_load, "DESK.CPL"},
+              {key::disallow_cpl, " 1"}, {family.command_line_key, family.command_line_value}})
+            out += std::string(value) + ": " + stored(root, std::string(prefix) + key, value) + "\n";
+        // clang-format on
         return out;
     }
 
@@ -118,7 +115,7 @@ TEST_F(OnWindows, EachFamilyStoresItsOwnForm) {
                         "\nAPPWIZ.CPL: " + family.hidden_applet + "\nDESK.CPL: " + family.shown_applet +
                         "\n 1: " + family.disallowed + "\n" + family.command_line_value + ": dword 1\n");
     EXPECT_EQ(content(files, control_ini).find("APPWIZ.CPL=no") != std::string::npos, !family.nt);
-    const std::string tool = "\"C:\\Program Files\\Brightlock Suite\\regg.exe\" ";
+    const std::string tool = hive_tool;
     EXPECT_EQ(processes.commands, !family.nt ? ""
                                              : tool + "unload HKU\\Anna\n" + tool +
                                                    "load \"C:\\Profiles\\Anna\\NTUSER.DAT\" HKU\\Anna\n" +
