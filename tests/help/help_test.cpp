@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <QApplication>
-#include <QTextBrowser>
+#include <QtWidgets>
 
 #include "app/help/help_processes.h"
 #include "app/help/help_window.h"

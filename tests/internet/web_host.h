@@ -1,8 +1,6 @@
 #pragma once
 
-#include <QTcpServer>
-#include <QTcpSocket>
-#include <QTimer>
+#include <QtNetwork>
 #include <map>
 #include <string>
 #include <vector>

@@ -1,13 +1,6 @@
 #include <gmock/gmock.h>
 
-#include <QApplication>
-#include <QComboBox>
-#include <QDialog>
-#include <QDialogButtonBox>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QTimer>
-#include <fstream>
+#include <QtWidgets>
 
 #include "base/runtime_error.h"
 #include "host.h"

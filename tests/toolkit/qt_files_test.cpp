@@ -1,11 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <QBuffer>
-#include <QComboBox>
-#include <QDialog>
-#include <QLineEdit>
-#include <QListView>
-#include <QTest>
+#include <QtTest>
+#include <QtWidgets>
 
 #include "toolkit/person.h"
 #include "toolkit/qt/picture.h"

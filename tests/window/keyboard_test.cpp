@@ -1,8 +1,5 @@
-#include <QAccessible>
-#include <QApplication>
-#include <QMenu>
-#include <QMenuBar>
-#include <QTest>
+#include <QtTest>
+#include <QtWidgets>
 #include <map>
 #include <set>
 #include <tuple>
