@@ -1,5 +1,3 @@
-#include <sstream>
-
 #include "e2e/installed.h"
 #include "hostfile/file_lock.h"
 #include "program/world.h"

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "machine/internet.h"
 
 /// The page at an address, or "error 12029".

@@ -1,9 +1,6 @@
 #pragma once
 
 #include <QtNetwork>
-#include <map>
-#include <string>
-#include <vector>
 
 /// A web host on this machine, in the event loop of the test, or a proxy for any host. What it does with a
 /// page is told beforehand.

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <optional>
-
 #include "machine/offline_fixture.h"
 #include "regf_file/hive_file.h"
 

@@ -2,8 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <functional>
-
 #include "base/text.h"
 #include "machine/machine.h"
 #include "machine/memory/journal.h"

@@ -2,10 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
-#include <memory>
-#include <string>
-
 #include "base/product.h"
 #include "base/text.h"
 #include "startup/getpass.h"

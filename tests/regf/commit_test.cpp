@@ -1,7 +1,6 @@
 #include <sys/xattr.h>
 
 #include <cerrno>
-#include <set>
 
 #include "regf/dump.h"
 

@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "regf/dump.h"
 #include "regf/whole_check.h"
 

@@ -2,10 +2,7 @@
 
 #include <hivex.h>
 
-#include <algorithm>
-#include <cstdio>
 #include <cstdlib>
-#include <memory>
 
 #include "base/text.h"
 #include "regf/whole_check.h"

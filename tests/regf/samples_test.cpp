@@ -1,6 +1,3 @@
-#include <algorithm>
-#include <set>
-
 #include "regf/commit_check.h"
 #include "regf/dump.h"
 #include "regf/recovery.h"

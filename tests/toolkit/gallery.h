@@ -1,8 +1,5 @@
 #pragma once
 
-#include <string>
-#include <utility>
-
 #include "machine/memory/memory_machine.h"
 #include "platform/folder_browser.h"
 #include "toolkit/drawing.h"

@@ -1,9 +1,6 @@
 #pragma once
 
-#include <memory>
 #include <sstream>
-#include <string>
-#include <vector>
 
 #include "toolkit/gallery.h"
 #include "toolkit/toolkit.h"

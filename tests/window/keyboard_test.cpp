@@ -1,8 +1,5 @@
 #include <QtTest>
 #include <QtWidgets>
-#include <map>
-#include <set>
-#include <tuple>
 
 #include "program/world.h"
 #include "toolkit/qt/peer.h"
