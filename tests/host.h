@@ -14,6 +14,7 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <stdexcept>
 #include <string>
 
 namespace fs = std::filesystem;
@@ -38,6 +39,13 @@ class TemporaryFolder {
   private:
     fs::path path_;
 };
+
+/// What a call gives. Where it gives nothing the test ends, with the reason.
+template <class Result>
+auto must(Result result) {
+    if (!result) throw std::runtime_error(result.error().message);
+    return std::move(*result);
+}
 
 /// Empty where there is no such file.
 template <class Bytes = std::string>

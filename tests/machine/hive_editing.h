@@ -7,11 +7,7 @@
 
 inline regf::HiveFile read_hive_file(const fs::path& path) {
     const auto place = *hostfile::place_of(path);
-    const auto lock = hostfile::FileLock::acquire(place);
-    EXPECT_TRUE(lock) << lock.error().message;
-    auto file = regf::read_hive(place, *lock);
-    EXPECT_TRUE(file) << file.error().message;
-    return std::move(*file);
+    return must(regf::read_hive(place, must(hostfile::FileLock::acquire(place))));
 }
 
 inline std::optional<regf::Value> read_value(const fs::path& path, std::u16string_view key,
@@ -32,12 +28,8 @@ inline void set_text(const fs::path& path, std::u16string_view key, std::u16stri
     regf::HiveFile file = read_hive_file(path);
     const regf::Value value{regf::REG_SZ, regf::bytes_of(std::u16string(text) + u'\0')};
     const regf::FileTime now = regf::current_file_time();
-    const auto made = file.hive.create(key, now);
-    ASSERT_TRUE(made) << made.error().message;
-    const auto set = file.hive.set_value(*made, name, value, now);
-    ASSERT_TRUE(set) << set.error().message;
-    const auto written = regf::commit(*hostfile::place_of(path), file.hive, file.identity, now);
-    ASSERT_TRUE(written) << written.error().message;
+    must(file.hive.set_value(must(file.hive.create(key, now)), name, value, now));
+    must(regf::commit(*hostfile::place_of(path), file.hive, file.identity, now));
 }
 
 /// What is wrong with a hive file: nothing, for a healthy one.

@@ -9,8 +9,7 @@
 class OfflineFixture {
   public:
     explicit OfflineFixture(SampleFamily family = SampleFamily::winxp) {
-        const auto made = make_sample_installation(disk().string(), family);
-        EXPECT_TRUE(made) << made.error().message;
+        must(make_sample_installation(disk().string(), family));
         options.drives = {{'C', disk().string()}};
         options.executables = PROGRAM_FOLDER;
         options.state_folder = (folder_.path() / "state").string();
@@ -21,9 +20,7 @@ class OfflineFixture {
     /// Another run of the program on the same installation, in place of the one before.
     void open() {
         machine_.reset();
-        auto opened = OfflineMachine::open(options);
-        ASSERT_TRUE(opened) << opened.error().message;
-        machine_ = std::move(*opened);
+        machine_ = must(OfflineMachine::open(options));
     }
 
     fs::path disk() const { return folder_.path() / "disk"; }

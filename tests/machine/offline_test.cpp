@@ -324,11 +324,10 @@ TEST(DriveMap, TellsTheHiveToolOfFoldersWithAnyName) {
         write_bytes(folder.path() / name / "x", "x");
         ASSERT_TRUE(drives.add_drive(letter, folder.path() / name));
     }
-    const auto again = DriveMap::parse(drives.text());
-    ASSERT_TRUE(again) << again.error().message;
-    EXPECT_EQ(again->letters(), 0b11100u);
+    const DriveMap again = must(DriveMap::parse(drives.text()));
+    EXPECT_EQ(again.letters(), 0b11100u);
     for (const char* path : {"C:\\x", "D:\\x", "E:\\x"})
-        EXPECT_TRUE(again->resolve(path) && again->resolve(path)->exists) << path;
+        EXPECT_TRUE(again.resolve(path) && again.resolve(path)->exists) << path;
 }
 
 TEST(MountRecord, EndsAtTheFirstFrameThatIsNotWhole) {

@@ -163,20 +163,17 @@ TEST(Figures, AreThoseOfWindows) {
 /// A sequence of edits, the same again from what was noted, and its commit; then both readers read the file.
 void edit_and_compare(const fs::path& file, std::mt19937& random) {
     const HostPlace place = *hostfile::place_of(file);
-    auto lock = FileLock::acquire(place);
-    ASSERT_TRUE(lock);
-    auto opened = read_hive(place, *lock);
-    ASSERT_TRUE(opened) << opened.error().message;
-    RandomEdits editing(opened->hive, random);
+    const FileLock lock = must(FileLock::acquire(place));
+    HiveFile opened = must(read_hive(place, lock));
+    RandomEdits editing(opened.hive, random);
     for (uint32_t edits = 1 + static_cast<uint32_t>(random() % 40); edits > 0; --edits)
         editing.edit();
     const Bytes before = read_file(file);
     Hive replayed = std::move(*Hive::open(before));
-    for (const Change& change : opened->hive.changes())
+    for (const Change& change : opened.hive.changes())
         ASSERT_TRUE(replayed.apply(change));
-    EXPECT_EQ(replayed.changes(), opened->hive.changes());
-    const auto written = commit(place, opened->hive, opened->identity, 6);
-    ASSERT_TRUE(written) << written.error().message;
+    EXPECT_EQ(replayed.changes(), opened.hive.changes());
+    must(commit(place, opened.hive, opened.identity, 6));
     const Bytes image = read_file(file);
     EXPECT_TRUE(validate(image).empty());
     // Edits that undo each other are not written, and so neither are their time stamps.

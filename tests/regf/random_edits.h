@@ -65,9 +65,8 @@ class RandomEdits {
         return draw(8) == 0 ? std::u16string() : any_name();
     }
     void create(Key parent, const std::u16string& name) {
-        const auto made = hive_.create_subkey(parent, name, now_);
-        ASSERT_TRUE(made) << made.error().message;
-        EXPECT_EQ(hive_.find_subkey(parent, name), *made);
+        const Key made = must(hive_.create_subkey(parent, name, now_));
+        EXPECT_EQ(hive_.find_subkey(parent, name), made);
     }
     void set(Key key, const std::u16string& name) {
         static constexpr size_t sizes[] = {0, 3, 4, 5, 12, 100, 4090, 16343, 16344, 16345, 32688, 81725};

@@ -60,11 +60,10 @@ bool has_odd_hash(const Bytes& image) {
 void edit_and_undo(Hive& hive, const fs::path& file) {
     const std::string before = dump(hive);
     const size_t faults = validate(read_file(file)).size();
-    const auto key = hive.create(u"Zebra\\Inner", 5);
-    ASSERT_TRUE(key) << key.error().message;
+    const Key key = must(hive.create(u"Zebra\\Inner", 5));
     for (const size_t size : {0, 4, 5, 600, 16344, 16345, 40000})
         ASSERT_TRUE(
-            hive.set_value(*key, u"v" + std::u16string(size % 7, u'x'), {REG_BINARY, Bytes(size, 7)}, 6));
+            hive.set_value(key, u"v" + std::u16string(size % 7, u'x'), {REG_BINARY, Bytes(size, 7)}, 6));
     const Bytes edited = *sealed_image(hive, 7);
     EXPECT_LE(validate(edited).size(), faults);
     expect_new_head(read_file(file), edited, 7);
@@ -78,7 +77,7 @@ void edit_and_undo(Hive& hive, const fs::path& file) {
 }
 
 TEST(Samples, GiveNewKeysTheSecurityOfThoseAround) {
-    Hive hive = std::move(open_file(made / "sound/xp-user.NTUSER.DAT")->hive);
+    Hive hive = must(open_file(made / "sound/xp-user.NTUSER.DAT")).hive;
     const std::u16string current = u"Software\\Microsoft\\Windows\\CurrentVersion\\";
     const std::u16string storage = u"Software\\Microsoft\\Protected Storage System Provider";
     const std::u16string users = storage + u"\\S-1-5-21-1417001333-854245398-1801674531-1004";
@@ -109,15 +108,14 @@ TEST(Samples, WithAnythingElseInThemArePassedByNoJudge) {
         if (const auto below = hive.subkeys(old); !below.empty()) (void)hive.delete_key(below.front(), 6);
     }
     ASSERT_GT(hive.changes().size(), 4u);
-    const auto sealed = hive.seal(7);
-    ASSERT_TRUE(sealed) << sealed.error().message;
-    const std::string text = full_dump(*Hive::open(sealed->image));
-    const Image opened = image_of(sealed->opened);
+    const auto sealed = must(hive.seal(7));
+    const std::string text = full_dump(*Hive::open(sealed.image));
+    const Image opened = image_of(sealed.opened);
     int differing = 0;
     const auto is_passed = [&](size_t at, uint32_t word) {
-        Bytes wrong(sealed->image.begin(), sealed->image.end());
+        Bytes wrong(sealed.image.begin(), sealed.image.end());
         put32(wrong, at, word);
-        std::set<uint32_t> pages(sealed->changed_pages.begin(), sealed->changed_pages.end());
+        std::set<uint32_t> pages(sealed.changed_pages.begin(), sealed.changed_pages.end());
         pages.insert(static_cast<uint32_t>(at / bin_unit));
         const std::vector<uint32_t> changed_pages(pages.begin(), pages.end());
         const bool passed = judge({opened, image_of(wrong), changed_pages, hive.changes(), {}}).fault.empty();
@@ -125,17 +123,17 @@ TEST(Samples, WithAnythingElseInThemArePassedByNoJudge) {
         const bool differs = !read || !read->read_only_reason().empty() || full_dump(*read) != text;
         differing += differs;
         EXPECT_FALSE(passed && differs) << at << ", " << word;
-        EXPECT_EQ(passed ? whole_check(sealed->opened, wrong, hive.changes()) : "", "") << at << ", " << word;
+        EXPECT_EQ(passed ? whole_check(sealed.opened, wrong, hive.changes()) : "", "") << at << ", " << word;
         return passed;
     };
-    const Image image = image_of(sealed->image);
+    const Image image = image_of(sealed.image);
     const uint32_t end = image.bins_size();
     std::vector<uint32_t> used, holes;
     for (uint32_t cell = image.cells().first_from(0, end); cell < end;
          cell = image.cells().first_from(cell + 8, end))
         (image.size_field(cell) < 0 ? used : holes).push_back(cell);
-    for (size_t at = base_block_size; at + 4 <= sealed->image.size(); at += 4) {
-        const uint32_t word = get32(sealed->image, at);
+    for (size_t at = base_block_size; at + 4 <= sealed.image.size(); at += 4) {
+        const uint32_t word = get32(sealed.image, at);
         for (const int bit : {0, 8, 16, 24})
             (void)is_passed(at, word ^ 1u << bit);
         if (!image.cell_at(CellOffset{word})) continue;  // else it leads to a cell: let it lead to others
@@ -155,9 +153,7 @@ TEST(Samples, AreReadAsAnotherReaderReadsThemAndCanBeEdited) {
                                                               "odd/ExtendedASCIIHive", "odd/UnicodeHive"};
         for (const fs::path& file : sound ? hives("sound", real_ones) : hives("tolerated", {})) {
             SCOPED_TRACE(file);
-            auto file_read = open_file(file);
-            ASSERT_TRUE(file_read) << file_read.error().message;
-            Hive& hive = file_read->hive;
+            Hive hive = must(open_file(file)).hive;
             EXPECT_FALSE(hive.recovered());
             EXPECT_EQ(hive.read_only_reason(), "");
             expect_contents(hive, file);
@@ -173,9 +169,7 @@ TEST(Samples, WithRulesBrokenAreNeverWritten) {
     for (const fs::path& file :
          hives("read-only", {"odd/InvalidParentHive", "odd/TruncatedHive", "odd/WrongOrderHive"})) {
         SCOPED_TRACE(file);
-        auto opened = open_file(file);
-        ASSERT_TRUE(opened) << opened.error().message;
-        Hive& hive = opened->hive;
+        Hive hive = must(open_file(file)).hive;
         expect_contents(hive, file);
         EXPECT_NE(hive.read_only_reason(), "");
         EXPECT_EQ(failure(hive.create_subkey(hive.root(), u"New", 1)), ErrorKind::unsupported);
@@ -201,20 +195,18 @@ TEST(Samples, OfUnfinishedWritesAreRecoveredAsWindowsDoes) {
     for (const fs::path& folder : hives("recoverable", {})) {
         SCOPED_TRACE(folder);
         const fs::path file = folder / "hive";
-        const auto ours = open_file(file);
-        ASSERT_TRUE(ours) << ours.error().message;
-        EXPECT_TRUE(ours->hive.recovered());
-        EXPECT_EQ(ours->hive.read_only_reason(), "");
-        expect_contents(ours->hive, file);
+        const Hive ours = must(open_file(file)).hive;
+        EXPECT_TRUE(ours.recovered());
+        EXPECT_EQ(ours.read_only_reason(), "");
+        expect_contents(ours, file);
         const auto recovered = recover(read_file(file), logs_beside(file));
-        ASSERT_TRUE(recovered);
-        EXPECT_TRUE(*recovered == read_file(folder / "hive.recovered")) << "byte for byte";
+        EXPECT_TRUE(recovered && *recovered == read_file(folder / "hive.recovered")) << "byte for byte";
     }
     for (const auto& [dirty, by_windows] :
          {std::pair("old-log/OldDirtyHive", "old-log/RecoveredHive_Windows7"),
           {"new-log/NewDirtyHive", "new-log/RecoveredHive_Windows10"}}) {
         if (!fs::exists(real / "dirty" / dirty)) continue;
-        const Hive ours = std::move(open_file(real / "dirty" / dirty)->hive);
+        const Hive ours = must(open_file(real / "dirty" / dirty)).hive;
         EXPECT_TRUE(ours.recovered());
         expect_same(dump(ours), dump(open_file(real / "dirty" / by_windows)->hive), dirty);
     }
@@ -236,11 +228,10 @@ Bytes of_a_later_version(Bytes image) {
 }
 
 TEST(Recovery, DoesNotMakeAHiveOfALaterVersionWritable) {
-    auto hive = Hive::open(of_a_later_version(read_file(unfinished)),
-                           {{"LOG", of_a_later_version(read_file(unfinished + ".LOG"))}});
-    ASSERT_TRUE(hive) << hive.error().message;
-    EXPECT_TRUE(hive->recovered());
-    EXPECT_EQ(failure(sealed_image(*hive, 10)), ErrorKind::unsupported);
+    Hive hive = must(Hive::open(of_a_later_version(read_file(unfinished)),
+                                {{"LOG", of_a_later_version(read_file(unfinished + ".LOG"))}}));
+    EXPECT_TRUE(hive.recovered());
+    EXPECT_EQ(failure(sealed_image(hive, 10)), ErrorKind::unsupported);
 }
 
 TEST(Recovery, OfAFileIsWrittenWithItsFirstChange) {
@@ -249,17 +240,15 @@ TEST(Recovery, OfAFileIsWrittenWithItsFirstChange) {
     const Bytes dirty = read_file(unfinished);
     write_file(place.path(), dirty);
     write_file(folder / "system.Log1", read_file(unfinished + ".LOG"));
-    auto lock = FileLock::acquire(place);
-    ASSERT_TRUE(lock);
-    auto file = read_hive(place, *lock);
-    ASSERT_TRUE(file) << file.error().message;
-    EXPECT_TRUE(file->hive.recovered());
-    ASSERT_TRUE(commit(place, file->hive, file->identity, 10));
+    const FileLock lock = must(FileLock::acquire(place));
+    HiveFile file = must(read_hive(place, lock));
+    EXPECT_TRUE(file.hive.recovered());
+    ASSERT_TRUE(commit(place, file.hive, file.identity, 10));
     EXPECT_TRUE(read_file(place.path()) == dirty) << "who only looks changes nothing";
     auto wanted = Hive::open(read_file(unfinished + ".recovered"));
-    for (Hive* hive : {&file->hive, &*wanted})
+    for (Hive* hive : {&file.hive, &*wanted})
         ASSERT_TRUE(hive->create(u"New", 9));
-    ASSERT_TRUE(commit(place, file->hive, file->identity, 10));
+    ASSERT_TRUE(commit(place, file.hive, file.identity, 10));
     const Hive clean = *Hive::open(read_file(place.path()));
     EXPECT_FALSE(clean.recovered());
     EXPECT_EQ(full_dump(clean), full_dump(*wanted));
