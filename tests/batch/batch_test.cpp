@@ -158,8 +158,7 @@ struct BatchCommand : Test {
 
 TEST_F(BatchCommand, RestrictsAllUsersButThoseItCannot) {
     write_bytes(windows.hive_of("pupil3"), bytes_of(windows.hive_of("pupil3")).replace(0x1000, 4, "nope"));
-    const auto lock = hostfile::FileLock::acquire(*hostfile::place_of(windows.hive_of("pupil4").string()));
-    ASSERT_TRUE(lock);
+    const auto lock = must(hostfile::FileLock::acquire(*hostfile::place_of(windows.hive_of("pupil4"))));
     const auto before = hives();
     const Answer first = run(to_all);
     EXPECT_EQ(first.code, 1);

@@ -126,9 +126,8 @@ TEST(RealHives, OnlyAFileThatSomebodyHoldsIsInUse) {
     Installed w;
     w.enter();
     const auto status = [&](const std::string& file) { return w.program->hiver.hive_file_status(file); };
-    const auto look = FileLock::acquire(*hostfile::place_of(w.hive()), FileLock::Purpose::look);
-    const auto other = FileLock::acquire(*hostfile::place_of(w.hive("Ben")));
-    ASSERT_TRUE(look && other);
+    const auto look = must(FileLock::acquire(*hostfile::place_of(w.hive()), FileLock::Purpose::look));
+    const auto other = must(FileLock::acquire(*hostfile::place_of(w.hive("Ben"))));
     EXPECT_EQ(status(w.windows.windows_hive_of("Anna")), HIVER_MOD::usable);
     EXPECT_EQ(status(w.windows.windows_hive_of("Ben")), HIVER_MOD::in_use);
 

@@ -194,14 +194,12 @@ TEST_F(Disk, WritesBehindAnInstanceThatCommitsThisMoment) {
     const std::string key = "Software\\Morvane\\BRLCK";
     EXPECT_EQ(ask(registry(), Root::local_machine, key, "mine"), "action 2");
     const auto place = *hostfile::place_of(software);
-    auto theirs = hostfile::FileLock::acquire(place);
-    ASSERT_TRUE(theirs);
-    std::thread other([&, lock = std::move(*theirs)] {
+    std::thread other([&, lock = must(hostfile::FileLock::acquire(place))] {
         std::this_thread::sleep_for(std::chrono::milliseconds(200));
-        auto file = regf::read_hive(place, lock);
-        EXPECT_TRUE(file->hive.set_value(*file->hive.find(u"Morvane\\BRLCK"), u"theirs",
-                                         {regf::REG_DWORD, {1, 0, 0, 0}}, 1));
-        EXPECT_TRUE(regf::commit(place, file->hive, file->identity, 1));
+        auto [hive, identity] = must(regf::read_hive(place, lock));
+        EXPECT_TRUE(
+            hive.set_value(*hive.find(u"Morvane\\BRLCK"), u"theirs", {regf::REG_DWORD, {1, 0, 0, 0}}, 1));
+        EXPECT_TRUE(regf::commit(place, hive, identity, 1));
     });
     EXPECT_EQ(registry().set(Root::local_machine, key, "mine", dword_value(1)).action, success);
     other.join();
@@ -362,9 +360,7 @@ TEST(MountTable, RemovesNoMountButTheOneItIsToldOf) {
     const Mount theirs{"Anna", "C:\\x", {1, 5, 5, 6}};
     ASSERT_TRUE(table.add(theirs));
     EXPECT_TRUE(table.remove(ours)) << "it is gone";
-    const auto found = table.find("anna");
-    ASSERT_TRUE(found);
-    EXPECT_EQ(found->mount, theirs);
+    EXPECT_EQ(must(table.find("anna")).mount, theirs);
     EXPECT_TRUE(table.remove(theirs));
     EXPECT_FALSE(table.find("Anna"));
 }

@@ -93,25 +93,23 @@ TEST_F(HiveFiles, AreOnTheDiskBeforeTheyTakeTheNameAndTheFolderAfterwards) {
 }
 
 TEST_F(HiveFiles, ChangedMeanwhileAreLeftAlone) {
-    auto lock = FileLock::acquire(place);
-    ASSERT_TRUE(lock);
-    auto file = read_hive(place, *lock);
-    ASSERT_TRUE(file);
-    EXPECT_TRUE(commit(place, file->hive, file->identity, 5)) << "nothing to write";
+    const FileLock lock = must(FileLock::acquire(place));
+    HiveFile file = must(read_hive(place, lock));
+    EXPECT_TRUE(commit(place, file.hive, file.identity, 5)) << "nothing to write";
     EXPECT_TRUE(read_file(place.path()) == old_image);
-    edit(file->hive);
+    edit(file.hive);
     Hive other = Hive::create({.file_name = u"another", .now = 9});
     write_file(place.path(), *sealed_image(other, 9));
     const Bytes theirs = read_file(place.path());
-    EXPECT_EQ(failure(commit(place, file->hive, file->identity, 5)), ErrorKind::changed);
-    EXPECT_EQ(failure(write_new(place, file->hive, 5)), ErrorKind::refused);
+    EXPECT_EQ(failure(commit(place, file.hive, file.identity, 5)), ErrorKind::changed);
+    EXPECT_EQ(failure(write_new(place, file.hive, 5)), ErrorKind::refused);
     EXPECT_TRUE(read_file(place.path()) == theirs);
     fs::remove(place.path());
     fail_system_call = [&](const std::string& call) {
         if (call == "rename") write_file(place.path(), theirs);
         return 0;
     };
-    EXPECT_FALSE(write_new(place, file->hive, 5)) << "there since the last moment";
+    EXPECT_FALSE(write_new(place, file.hive, 5)) << "there since the last moment";
     EXPECT_TRUE(read_file(place.path()) == theirs);
     EXPECT_EQ(files(), alone);
 }

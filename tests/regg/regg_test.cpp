@@ -113,8 +113,7 @@ TEST_F(HiveTool, SaysInOneLineWhyItRefuses) {
                                       {"locked", before}})
         write_bytes(disk() / (std::string(name) + ".dat"), bytes);
     fs::permissions(disk() / "readonly.dat", fs::perms::owner_read);
-    const Descriptor other(::open((disk() / "locked.dat").c_str(), O_RDONLY));
-    ASSERT_EQ(flock(other.number(), LOCK_EX), 0);
+    const auto other = must(hostfile::FileLock::acquire(*hostfile::place_of(disk() / "locked.dat")));
     ASSERT_EQ(run_tool(hive + "'HKU\\Anna'", mounts).code, 0);
 
     const auto refuses = [](const std::string& arguments, const char* message,

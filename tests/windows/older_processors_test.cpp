@@ -61,31 +61,27 @@ struct Flags {
     bool operator==(const Flags&) const = default;
 };
 
-#define COMPARE(instruction, pop)                                                          \
-    [](double a, double b) {                                                               \
-        Flags flags{};                                                                     \
-        asm volatile("fldl %[b]\n\tfldl %[a]\n\t" instruction                              \
-                     " %%st(1), %%st\n\t"                                                  \
-                     "setb %[c]\n\tsete %[z]\n\tsetp %[p]\n\t" pop                         \
-                     : [c] "=m"(flags.carry), [z] "=m"(flags.zero), [p] "=m"(flags.parity) \
-                     : [a] "m"(a), [b] "m"(b)                                              \
-                     : "cc", "st", "st(1)");                                               \
-        return flags;                                                                      \
+// clang-format off
+#define COMPARE(instruction, pop)                                                                                      \
+    [](double a, double b) {                                                                                           \
+        Flags flags{};                                                                                                 \
+        asm volatile("fldl %[b]\n\tfldl %[a]\n\t" instruction " %%st(1), %%st\n\tsetb %[c]\n\tsete %[z]\n\tsetp %[p]\n\t" pop \
+                     : [c] "=m"(flags.carry), [z] "=m"(flags.zero), [p] "=m"(flags.parity)                             \
+                     : [a] "m"(a), [b] "m"(b)                                                                          \
+                     : "cc", "st", "st(1)");                                                                           \
+        return flags;                                                                                                  \
     }
+// clang-format on
 
 TEST(OlderProcessors, ComparisonsOfFractionsSetTheFlags) {
-    const struct {
-        double a, b;
-        Flags flags;
-    } rows[] = {{1.5, 2.5, {1, 0, 0}}, {2.5, 1.5, {0, 0, 0}}, {1.5, 1.5, {0, 1, 0}}, {NAN, 1.5, {1, 1, 1}}};
+    const std::tuple<double, double, Flags> rows[] = {
+        {1.5, 2.5, {1, 0, 0}}, {2.5, 1.5, {0, 0, 0}}, {1.5, 1.5, {0, 1, 0}}, {NAN, 1.5, {1, 1, 1}}};
     Flags (*const kinds[])(double, double) = {
         COMPARE("fcomi", "fstp %%st\n\tfstp %%st"), COMPARE("fucomi", "fstp %%st\n\tfstp %%st"),
         COMPARE("fcomip", "fstp %%st"), COMPARE("fucomip", "fstp %%st")};
-    for (const auto& row : rows) {
-        for (const auto& kind : kinds) {
-            SCOPED_TRACE(testing::Message() << row.a << " " << row.b << " " << (&kind - kinds));
-            EXPECT_TRUE(kind(row.a, row.b) == row.flags);
-        }
+    for (const auto& [a, b, flags] : rows) {
+        for (const auto& kind : kinds)
+            EXPECT_TRUE(kind(a, b) == flags) << a << " " << b << " " << (&kind - kinds);
     }
 }
 
