@@ -36,8 +36,7 @@ struct Installed : Person {
 
     fs::path hive(const std::string& user = "Anna") { return windows.hive_of(user); }
     std::string dump(const std::string& user = "Anna") {
-        const auto opened = regf::Hive::open(regf::read_file(hive(user)));
-        return opened ? regf::dump(*opened) : opened.error().message;
+        return regf::dump(must(regf::Hive::open(regf::read_file(hive(user)))));
     }
 
     OfflineFixture windows;

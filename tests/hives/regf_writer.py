@@ -3,6 +3,7 @@ in slack and free cells, lists with room to grow. It shares no line with the lib
 """
 import bisect
 import functools
+import operator
 import struct
 
 NIL = 0xFFFFFFFF
@@ -350,9 +351,7 @@ def base_block(hive):
 
 
 def set_checksum(block):
-    total = 0
-    for word in struct.unpack_from("<127I", block):
-        total ^= word
+    total = functools.reduce(operator.xor, struct.unpack_from("<127I", block))
     block[508:512] = u32({NIL: NIL - 1, 0: 1}.get(total, total))
 
 

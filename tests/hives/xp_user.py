@@ -111,9 +111,6 @@ def xp_user():
     hive.key(MS + "Protected Storage System Provider\\S-1-5-21-1417001333-854245398-1801674531-1004", security=SECRET)
     for where, name in CLASSES.items():
         hive.key(where, class_name=name)
-    for place in ("Software\\Policies\\Microsoft\\SystemCertificates\\", MS + "SystemCertificates\\"):
-        for part in ("Certificates", "CRLs", "CTLs"):
-            hive.key(place + "trust\\" + part)
     for where, name, value in values():
         hive.set(where, name, *(value if isinstance(value, tuple) else number(value) if isinstance(value, int) else text(value)))
     every_type(hive)

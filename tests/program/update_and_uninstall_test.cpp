@@ -146,6 +146,12 @@ TEST_F(OnlineUpdate, FetchesTheInstallerStartsItAndEnds) {
     EXPECT_EQ(last_command(), '"' + std::string(installer) + '"');
     EXPECT_THAT(windows.internet.requests, ElementsAre(version_page, installer_page));
     EXPECT_EQ(windows.internet.open_bodies(), 0u);
+
+    screen.meanwhile = nullptr;
+    click(open().cmd1);
+    windows.internet.pages.erase(installer_page);
+    EXPECT_FALSE(expecting("Brightlock Suite").click(form<Update>().cmd2));
+    EXPECT_EQ(told() + form<Update>().lbl7.text(), "Error 60 Byts wurden Downgeloadet     -  Fertig!");
 }
 
 TEST_F(OnlineUpdate, ACancelStopsThisDownloadOrTheNextOne) {

@@ -50,14 +50,12 @@ class Keyboard : public TestWithParam<int> {
         using QtToolkit::destroy_window;
         using QtToolkit::QtToolkit;
     };
-    static inline int count = 1;
-    static inline char name[] = "keyboard_test";
-    static inline char* arguments[] = {name, nullptr};
+    static inline int count = 0;
 
     machine::MemoryMachine windows{machine::versions::winxp};
     machine::Machine its = windows.machine();
     FolderBrowser folders{its};
-    Screen screen{count, arguments, folders, static_cast<Language>(GetParam()),
+    Screen screen{count, nullptr, folders, static_cast<Language>(GetParam()),
                   [](toolkit::Ending) { return 0; }};
     Program program{its, screen, GetParam()};
 };
