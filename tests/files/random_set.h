@@ -10,10 +10,10 @@ namespace britlock {
 inline RestrictionSet random_set(std::mt19937& random) {
     const auto below = [&](unsigned count) { return static_cast<int>(random() % count); };
     const auto text = [&] {
-        static const char* const texts[] = {
-            "",       "C:\\WINDOWS\\x.bmp", "D:\\B\xE4r & S\xF6hne, Z\xFCrich",
-            "  two ", "line\r\nbreak",      "5000000000 AG",
-            "NO.EXE", "\x81\x9D\xFF"};
+        // clang-format off
+        static const char* const texts[] = {"", "C:\\WINDOWS\\x.bmp", "D:\\B\xE4r & S\xF6hne, Z\xFCrich", "  two ", "line\r\nbreak",
+                                            "5000000000 AG", "NO.EXE", "\x81\x9D\xFF"};
+        // clang-format on
         return texts[below(std::size(texts))];
     };
     RestrictionSet set;

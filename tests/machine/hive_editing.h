@@ -17,12 +17,6 @@ inline std::optional<regf::Value> read_value(const fs::path& path, std::u16strin
     return found ? file.hive.value(*found, name) : std::nullopt;
 }
 
-/// The text of a value without its closing NUL.
-inline std::u16string text_of(const regf::Value& value) {
-    const std::u16string text = regf::units_of(value.data);
-    return text.substr(0, text.find(u'\0'));
-}
-
 inline void set_text(const fs::path& path, std::u16string_view key, std::u16string_view name,
                      std::u16string_view text) {
     regf::HiveFile file = read_hive_file(path);

@@ -30,7 +30,8 @@ class Disk : public Test, public OfflineFixture {
 /// A text value as it stands in a hive file, UTF-8.
 std::string stored_text(const fs::path& hive, std::u16string_view key, std::u16string_view name) {
     const auto value = read_value(hive, key, name);
-    return value ? text::utf8_from_utf16(text_of(*value)) : "(missing)";
+    return value ? text::utf8_from_utf16(regf::units_of(value->data)).c_str()
+                 : "(missing)";  // without its NUL
 }
 
 }  // namespace

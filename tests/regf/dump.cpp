@@ -48,6 +48,12 @@ void dump_key(const Hive& hive, Key key, const std::string& path, bool everythin
         dump_key(hive, child, path + "/" + escaped(hive.name(child)), everything, out);
 }
 
+std::string dump_of(const Hive& hive, bool everything) {
+    std::string out;
+    dump_key(hive, hive.root(), "", everything, out);
+    return out;
+}
+
 template <class Pointer>
 auto owned(Pointer* pointer) {
     return std::unique_ptr<Pointer, decltype(&std::free)>(pointer, &std::free);
@@ -76,17 +82,9 @@ void dump_node(hive_h* hive, hive_node_h node, const std::string& path, std::str
 
 }  // namespace
 
-std::string dump(const Hive& hive) {
-    std::string out;
-    dump_key(hive, hive.root(), "", false, out);
-    return out;
-}
+std::string dump(const Hive& hive) { return dump_of(hive, false); }
 
-std::string full_dump(const Hive& hive) {
-    std::string out;
-    dump_key(hive, hive.root(), "", true, out);
-    return out;
-}
+std::string full_dump(const Hive& hive) { return dump_of(hive, true); }
 
 Result<Bytes> sealed_image(Hive& hive, FileTime now) {
     const auto sealed = hive.seal(now);

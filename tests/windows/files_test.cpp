@@ -1,16 +1,11 @@
 // What the promises of every machine leave to the running Windows: files in use, short names, network
 // folders.
 
-#include <gtest/gtest.h>
-
 #include "machine/subject.h"
 #include "machine/windows/windows_machine.h"
 #include "windows/scene.h"
 
-namespace machine {
-namespace {
-
-struct FilesOfWindows : testing::Test {
+struct FilesOfWindows : Test {
     FilesOfWindows() {
         remove_folder("C:\\Tried");
         make_folder("C:\\Tried");
@@ -66,6 +61,3 @@ TEST_F(FilesOfWindows, NetworkFoldersAreAskedForAndDevicesAreNot) {
         EXPECT_NE(files.write(path, "x"), no_error) << path;
     EXPECT_EQ(names(files, "C:\\Tried\\*"), "");
 }
-
-}  // namespace
-}  // namespace machine
