@@ -1,5 +1,3 @@
-#include <cstdlib>
-
 #include "e2e/installed.h"
 #include "program/random_marks.h"
 #include "program/world.h"
@@ -21,8 +19,6 @@ TEST(RoundTrip, OnEachFamilyInMemory) {
     uint32_t seed = 20000;
     for (const auto& version : {winnt, win2k, winxp, win95, win98, winme}) {
         WithAnna w(version);
-        SCOPED_TRACE(w.program->reg.get_os_name());
-        w.windows.system.drives = 0b10000000000000000001011101;
         w.anna()[key::desktop];
         w.read();
         expect_round_trips(w, seed += 1000, 200, [&]() -> MainForm& { return w.read(); });

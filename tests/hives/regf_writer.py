@@ -5,6 +5,7 @@ import bisect
 import functools
 import operator
 import struct
+import types
 
 NIL = 0xFFFFFFFF
 BLOCK = 4096
@@ -125,11 +126,6 @@ class Space:
 
 # --- keys and values
 
-class Value:
-    def __init__(self, name, kind, data):
-        self.name, self.kind, self.data, self.cells = name, kind, data, []
-
-
 class Key:
     def __init__(self, name, parent, security, flags=0, class_name=""):
         self.name, self.parent, self.security, self.flags, self.class_name = name, parent, security, flags, class_name
@@ -186,7 +182,7 @@ class Hive:
         value = next((v for v in key.values if sort_key(v.name) == sort_key(name)), None)
         stored, compressed = stored_name(name)
         if value is None:
-            value = Value(name, kind, data)
+            value = types.SimpleNamespace(name=name, cells=[])
             value.rel = self.space.allocate(20 + len(stored))
             key.values.append(value)
         for cell in value.cells:

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <numeric>
-
 #include "machine/command_line.h"
 #include "machine/profile_text.h"
 #include "machine/windows_path.h"
@@ -13,9 +11,10 @@ using namespace machine;
 namespace {
 
 std::string joined(const std::vector<std::string>& texts) {
-    return std::accumulate(
-        texts.begin(), texts.end(), std::string(),
-        [](const std::string& all, const std::string& text) { return all + "<" + text + ">"; });
+    std::string out;
+    for (const std::string& text : texts)
+        out += "<" + text + ">";
+    return out;
 }
 
 }  // namespace

@@ -11,10 +11,10 @@ inline void PrintTo(const RestrictionSet& set, std::ostream* out) { *out << brl_
 
 /// A person who marks at random, by clicks and by typing.
 inline void mark_at_random(Person& person, uint32_t seed) {
-    static const char* const texts[] = {"", "C:\\WINDOWS\\x.bmp", "D:\\B\xE4r & S\xF6hne",
-                                        "  C:\\two blanks  ", "\\\\srv\\x"};
-    static const char* const programs[] = {"C:\\a\\word.exe", "D:\\CALC.EXE", "C:\\\xFCmlaut.exe",
-                                           "britlock.exe", "x.com"};
+    // clang-format off
+    static const char* const texts[] = {"", "C:\\WINDOWS\\x.bmp", "D:\\B\xE4r & S\xF6hne", "  C:\\two blanks  ", "\\\\srv\\x"};
+    static const char* const programs[] = {"C:\\a\\word.exe", "D:\\CALC.EXE", "C:\\\xFCmlaut.exe", "britlock.exe", "x.com"};
+    // clang-format on
     std::mt19937 random(seed);
     const auto chance = [&](unsigned percent) { return random() % 100 < percent; };
     MainForm& window = person.window();

@@ -1,7 +1,5 @@
 #include <sys/xattr.h>
 
-#include <cerrno>
-
 #include "regf/dump.h"
 
 namespace regf {

@@ -2,8 +2,6 @@
 
 #include <hivex.h>
 
-#include <cstdlib>
-
 #include "base/text.h"
 #include "regf/whole_check.h"
 

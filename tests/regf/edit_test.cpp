@@ -1,4 +1,3 @@
-#include <cstdlib>
 #include <random>
 
 #include "regf/dump.h"

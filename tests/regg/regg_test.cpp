@@ -24,22 +24,19 @@ void write_record(const fs::path& file, std::string_view bytes) {
 
 /// A file system of its own on a folder, of a size that fills soon. Not ready where this process may not
 /// mount.
-class SmallDisk {
-  public:
-    SmallDisk(const fs::path& folder, const std::string& size) : folder_(folder) {
+struct SmallDisk {
+    SmallDisk(const fs::path& place, const std::string& size) : folder(place) {
         fs::create_directories(folder);
-        ready_ = mount("none", folder.c_str(), "tmpfs", 0, ("mode=0700,size=" + size).c_str()) == 0;
+        ready = mount("none", folder.c_str(), "tmpfs", 0, ("mode=0700,size=" + size).c_str()) == 0;
     }
     ~SmallDisk() {
-        if (ready_) (void)umount2(folder_.c_str(), MNT_DETACH);
+        if (ready) (void)umount2(folder.c_str(), MNT_DETACH);
     }
-    bool ready() const { return ready_; }
-    void fill() { write_bytes(folder_ / "filler", std::string(1 << 20, 'x')); }
-    void make_room() { fs::remove(folder_ / "filler"); }
+    void fill() const { write_bytes(folder / "filler", std::string(1 << 20, 'x')); }
+    void make_room() const { fs::remove(folder / "filler"); }
 
-  private:
-    fs::path folder_;
-    bool ready_ = false;
+    const fs::path folder;
+    bool ready = false;
 };
 
 /// An installation, its hive tool and the hive of Anna.
@@ -301,7 +298,7 @@ TEST_F(HiveTool, KnowsWhatARunHadWrittenBeforeItDied) {
 
 TEST_F(HiveTool, AFullDiskUnderTheHiveKeepsTheChangesForOneMoreUnload) {
     SmallDisk small(anna.parent_path(), "256k");
-    if (!small.ready()) GTEST_SKIP() << "this process may not mount a file system";
+    if (!small.ready) GTEST_SKIP() << "this process may not mount a file system";
     write_bytes(anna, before);
     mount_with(9);
     small.fill();
@@ -413,7 +410,7 @@ TEST(StateFolder, OfRootLiesInItsOwnHome) {
 
 TEST_F(HiveTool, AFullDiskUnderTheRecordDropsTheRunAsAWhole) {
     SmallDisk small(options.state_folder, "64k");
-    if (!small.ready()) GTEST_SKIP() << "this process may not mount a file system";
+    if (!small.ready) GTEST_SKIP() << "this process may not mount a file system";
     open();
     mount_with(1);
     small.fill();

@@ -1,8 +1,6 @@
 // The whole program on the running Windows, with the real hive tool; what it stored is read by other calls
 // than its own.
 
-#include <cstdlib>
-
 #include "engine/keys.h"
 #include "machine/subject.h"
 #include "machine/windows/windows_machine.h"
