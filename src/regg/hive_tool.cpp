@@ -20,7 +20,7 @@ using machine::ToolReport;
 
 constexpr auto usage = "the command is: load \"<file>\" HKU\\<name>, or: unload HKU\\<name>";
 
-/// The name behind HKU\, in the code page.
+/// The name after HKU\, in the code page.
 Result<std::string> name_of_mount(const std::string& key) {
     const auto ansi = text::from_utf8(key);
     if (!ansi) return Error{ErrorKind::invalid, "Windows cannot spell the key " + key + " in its code page"};

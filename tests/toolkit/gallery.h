@@ -7,17 +7,14 @@
 #include "toolkit/toolkit.h"
 
 /// Drives of a machine in memory: C with some folders, and D, which is there but does not answer.
-class PaperFolders : public britlock::FolderBrowser {
+class PaperFolders : machine::MemoryMachine, public britlock::FolderBrowser {
   public:
-    PaperFolders() : FolderBrowser(windows_.machine()) {
-        windows_.system.drives = 0b1100;
+    PaperFolders() : FolderBrowser(MemoryMachine::machine()) {
+        system.drives = 0b1100;
         for (const char* file : {"boot.ini", "School\\all.brl", "School\\notes.txt", "School\\Pupils.BRL",
                                  "School\\Room 1\\pc1.brl"})
-            windows_.files.add_file(std::string("C:\\") + file, "");
+            MemoryMachine::files.add_file(std::string("C:\\") + file, "");
     }
-
-  private:
-    machine::MemoryMachine windows_;
 };
 
 /// A form with every kind of control, as no program would want it. What happens is written into `log`.

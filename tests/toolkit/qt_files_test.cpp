@@ -124,7 +124,7 @@ TEST(QtFileDialog, TakesTypedNames) {
     for (const auto& [dialog, typed, path] : {std::tuple{open, "new", "C:\\School\\new"},
                                               {save, "new", "C:\\School\\new"},  // no ending is added
                                               {save, "\\new.txt", "C:\\new.txt"}})
-        EXPECT_EQ(ask(dialog, [&](Seen seen) { seen.enter(typed); }), path);
+        EXPECT_EQ(ask(dialog, [&name = typed](Seen seen) { seen.enter(name); }), path);
     const auto walked = ask(save, [](Seen seen) {
         seen.enter("");
         seen.enter("*.txt");
