@@ -14,7 +14,7 @@ namespace regf {
 
 inline Image image_of(ByteView bytes) { return Image(std::make_shared<Memory>(Memory::holding(bytes))); }
 
-/// Damage shall reach what lies behind the checksum.
+/// Damage shall reach what lies beyond the checksum.
 inline void repair_checksum(Bytes& image) {
     if (image.size() >= base_block::checksum + 4)
         put32(image, base_block::checksum, base_block_checksum(image));
