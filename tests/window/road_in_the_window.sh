@@ -6,15 +6,11 @@
 set -euo pipefail
 executables=$1
 pictures=${2:-}
+walk='road in the window'
+. "$(dirname "$0")/screen.sh"
 work=$(mktemp -d)
 started=()
 trap 'kill "${started[@]}" 2>/dev/null || true; rm -rf "$work"' EXIT
-
-fail() {
-    echo "road in the window: $*" >&2
-    import -window root "$work/failed.png" 2>/dev/null && [ -n "$pictures" ] && cp "$work/failed.png" "$pictures/failed.png"
-    exit 1
-}
 
 export DISPLAY=:$((90 + RANDOM % 900))
 Xvfb "$DISPLAY" -screen 0 800x600x24 -nolisten tcp >/dev/null 2>&1 &
@@ -30,27 +26,7 @@ for _ in $(seq 100); do [ -e "$work/managed" ] && break; sleep 0.1; done
 program=$!
 started+=("$program")
 
-# Waits for a window of this exact title, and gives it the keyboard.
-window() {
-    timeout 10 xdotool search --sync --onlyvisible --name "^$1\$" windowactivate --sync >/dev/null 2>&1 || fail "no window '$1'"
-    sleep 0.3
-}
-keys() { xdotool key --delay 40 "$@"; }
-# A click inside the active window, in its client area.
-click() { xdotool mousemove --window "$(xdotool getactivewindow)" "$1" "$2" click 1; sleep 0.2; }
-picture() { [ -z "$pictures" ] || import -window "$(xdotool getactivewindow)" "$pictures/$1.png"; }
-
-window 'Set a Password !'
-keys Return
-window 'Set New Password'
-keys s e c r e t Tab s e c r e t
-picture set-password
-keys Return
-window 'Password...'
-keys Return
-
-window 'Brightlock Suite'
-picture start
+set_password 'Set a Password !' 'Set New Password' 'Password...'
 menu=20            # the menu bar stands above what is measured here
 click 215 $((menu + 361))   # the list of users, by mouse, then by keys
 keys Escape
@@ -82,4 +58,4 @@ done
 keys alt+c                  # Cancel ends the process
 for _ in $(seq 50); do kill -0 "$program" 2>/dev/null || break; sleep 0.1; done
 kill -0 "$program" 2>/dev/null && fail "Cancel did not end the process"
-echo "the road in the window: $found has the ticks"
+echo "the $walk: $found has the ticks"
