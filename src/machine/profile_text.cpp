@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "base/text.h"
-#include "machine/registry_path.h"
 
 namespace machine {
 

@@ -24,13 +24,4 @@ inline BasicResult<std::vector<std::string_view>, WinCode> split_subkey(std::str
     return levels;
 }
 
-/// The name in HKU\name, the key at which the hive tool mounts a hive; empty where it is none directly below
-/// HKEY_USERS.
-inline std::string_view mount_name(std::string_view key) {
-    constexpr std::string_view root = "HKU\\";
-    if (!text::equal_ignoring_case(key.substr(0, root.size()), root)) return "";
-    const std::string_view name = key.substr(root.size());
-    return name.find_first_of(std::string_view("\\\0", 2)) == std::string_view::npos ? name : "";
-}
-
 }  // namespace machine

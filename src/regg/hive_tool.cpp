@@ -5,7 +5,7 @@
 #include "base/text.h"
 #include "machine/offline/file_attributes.h"
 #include "machine/offline/installation.h"
-#include "machine/registry_path.h"
+#include "machine/tool_command.h"
 
 namespace regg {
 
@@ -18,14 +18,12 @@ using machine::HandedHive;
 using machine::MountRecord;
 using machine::ToolReport;
 
-constexpr auto usage = "the command is: load \"<file>\" HKU\\<name>, or: unload HKU\\<name>";
-
 /// The name after HKU\, in the code page.
 Result<std::string> name_of_mount(const std::string& key) {
     const auto ansi = text::from_utf8(key);
     if (!ansi) return Error{ErrorKind::invalid, "Windows cannot spell the key " + key + " in its code page"};
     const std::string_view name = machine::mount_name(*ansi);
-    if (name.empty()) return Error{ErrorKind::invalid, key + " is not a key directly below HKU"};
+    if (name.empty()) return Error{ErrorKind::invalid, key + machine::not_a_mount};
     return std::string(name);
 }
 
@@ -138,14 +136,13 @@ Result<Done> unload(Setting& setting, const std::string& name, Run& run) {
 
 Result<Done> work(Setting& setting, const std::vector<std::string>& words, Run& run) {
     ToolReport& report = run.report;
-    const bool loads = words.size() == 3 && words[0] == "load";
-    const bool unloads = words.size() == 2 && words[0] == "unload";
-    if (!loads && !unloads) return Error{ErrorKind::invalid, usage};
-    const auto name = name_of_mount(words.back());
+    const auto command = machine::parse_tool_command(words);
+    if (!command) return Error{ErrorKind::invalid, machine::ToolCommand::usage};
+    const auto name = name_of_mount(command->key);
     if (!name) return name.error();
-    report.verb = loads ? ToolReport::Verb::load : ToolReport::Verb::unload;
+    report.verb = command->loads ? ToolReport::Verb::load : ToolReport::Verb::unload;
     report.name = *name;
-    auto done = loads ? load(setting, words[1], *name, run) : unload(setting, *name, run);
+    auto done = command->loads ? load(setting, command->file, *name, run) : unload(setting, *name, run);
     if (done) return done;
     return Error{done.error().kind, "HKU\\" + text::to_utf8(*name) + ": " + done.error().message};
 }

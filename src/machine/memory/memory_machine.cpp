@@ -3,7 +3,7 @@
 #include "base/product.h"
 #include "base/text.h"
 #include "machine/command_line.h"
-#include "machine/registry_path.h"
+#include "machine/tool_command.h"
 
 namespace machine {
 
@@ -55,15 +55,14 @@ uint32_t MemoryProcesses::run(const Running& process) {
 }
 
 uint32_t MemoryProcesses::run_hive_tool(const std::vector<std::string>& arguments) {
-    const bool load = arguments.size() == 3 && arguments[0] == "load";
-    const bool unload = arguments.size() == 2 && arguments[0] == "unload";
-    if (!load && !unload) return 1;
-    const std::string_view name = mount_name(arguments.back());
+    const auto command = parse_tool_command(arguments);
+    if (!command) return 1;
+    const std::string_view name = mount_name(command->key);
     if (name.empty()) return 1;
-    if (unload) return registry_.unmount(name) ? 0 : 1;
-    const auto hive = files_.hive(arguments[1]);
+    if (!command->loads) return registry_.unmount(name) ? 0 : 1;
+    const auto hive = files_.hive(command->file);
     const bool loadable =
-        hive && !registry_.is_mounted(*hive) && files_.open_binary(arguments[1]).error == no_error;
+        hive && !registry_.is_mounted(*hive) && files_.open_binary(command->file).error == no_error;
     return loadable && registry_.mount(name, hive) ? 0 : 1;
 }
 

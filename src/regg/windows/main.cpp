@@ -5,12 +5,10 @@
 #include <vector>
 
 #include "machine/command_line.h"
-#include "machine/registry_path.h"
+#include "machine/tool_command.h"
 
 /// The hive tool of the Windows edition: mounts a user's hive below HKEY_USERS, and unmounts it.
 namespace {
-
-constexpr auto usage = "the command is: load \"<file>\" HKU\\<name>, or: unload HKU\\<name>";
 
 /// What Windows says to a code, without its line end.
 std::string reason(LONG code) {
@@ -50,14 +48,13 @@ bool enable_privileges() {
 }
 
 int run(const std::vector<std::string>& words) {
-    const bool loads = words.size() == 3 && words[0] == "load";
-    const bool unloads = words.size() == 2 && words[0] == "unload";
-    if (!loads && !unloads) return complain(usage);
-    const std::string name(machine::mount_name(words.back()));
-    if (name.empty()) return complain(words.back() + " is not a key directly below HKU");
+    const auto command = machine::parse_tool_command(words);
+    if (!command) return complain(machine::ToolCommand::usage);
+    const std::string name(machine::mount_name(command->key));
+    if (name.empty()) return complain(command->key + machine::not_a_mount);
     if (!enable_privileges()) return complain("this account has no right to load and unload hives");
-    const LONG code = loads ? RegLoadKeyA(HKEY_USERS, name.c_str(), words[1].c_str())
-                            : RegUnLoadKeyA(HKEY_USERS, name.c_str());
+    const LONG code = command->loads ? RegLoadKeyA(HKEY_USERS, name.c_str(), command->file.c_str())
+                                     : RegUnLoadKeyA(HKEY_USERS, name.c_str());
     return code == ERROR_SUCCESS ? 0 : complain("HKU\\" + name + ": " + reason(code));
 }
 
